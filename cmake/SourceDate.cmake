@@ -1,0 +1,21 @@
+# zarnsys_date_sources(FILE...) defines ZARNSYS_SOURCE_DATE for each file: the day of its last
+# change, for the identification string that the file carries. The day comes from git; outside a
+# clone from SOURCE_DATE_EPOCH, as packagers set it; else from the file's modification time.
+find_package(Git QUIET)
+
+function(zarnsys_date_sources)
+    foreach(file IN LISTS ARGN)
+        set(day "")
+        if(GIT_FOUND)
+            execute_process(COMMAND ${GIT_EXECUTABLE} log -1 --format=%ad --date=format:%Y/%m/%d -- ${file}
+                            WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}
+                            OUTPUT_VARIABLE day OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+        endif()
+        if(NOT day AND DEFINED ENV{SOURCE_DATE_EPOCH})
+            string(TIMESTAMP day "%Y/%m/%d" UTC)
+        elseif(NOT day)
+            file(TIMESTAMP ${PROJECT_SOURCE_DIR}/${file} day "%Y/%m/%d" UTC)
+        endif()
+        set_property(SOURCE ${file} APPEND PROPERTY COMPILE_DEFINITIONS ZARNSYS_SOURCE_DATE="${day}")
+    endforeach()
+endfunction()
