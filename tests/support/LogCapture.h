@@ -6,7 +6,7 @@
 #include <ace/Log_Msg_Callback.h>
 #include <ace/Log_Record.h>
 
-#include <regex>
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -26,9 +26,11 @@ public:
     /// A line as ACE gets it: its priority, and the text with date and thread left out, for
     /// example "8 INFO  [ ] The program ...\n".
     void log(ACE_Log_Record& record) override {
-        static const std::regex form("[\\d-]+ [\\d:]+\\.\\d{6} (.{5}) \\[ \\d+ \\] ");
+        const std::string line = record.msg_data();
+        const std::size_t thread = line.find("[ ") + 2;
         lines_.push_back(std::to_string(record.type()) + " " +
-                         std::regex_replace(std::string(record.msg_data()), form, "$1 [ ] "));
+                         line.substr(DATE_LENGTH, thread - DATE_LENGTH) +
+                         line.substr(line.find_first_not_of("0123456789", thread) + 1));
         error_ = log().errnum();
         file_ = log().file();
     }
@@ -40,6 +42,8 @@ public:
     const std::string& file() const { return file_; }  ///< source file in the last context
 
 private:
+    static constexpr std::size_t DATE_LENGTH = 27;  // "2026-11-24 23:04:15.344444 "
+
     static ACE_Log_Msg& log() { return *ACE_Log_Msg::instance(); }
 
     u_long flags_;
