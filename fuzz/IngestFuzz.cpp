@@ -1,0 +1,56 @@
+/// Whatever a header text file holds: it is refused, or gives one FITS file no larger than its
+/// header, and nothing else is left.
+
+#include <ace/Log_Msg.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <optional>
+#include <string>
+
+#include "programs/zarn-ingest/Converter.h"
+#include "tests/support/TempDir.h"
+
+namespace {
+
+constexpr std::uintmax_t CARD = 80;
+constexpr std::uintmax_t BLOCK = 2880;
+constexpr std::uintmax_t ADDED_CARDS = 4;  // NAXIS, DATASUM, CHECKSUM, END
+
+std::uintmax_t sizeOfHeader(const std::string& text) {
+    std::uintmax_t cards = ADDED_CARDS + 1;
+    for (const char c : text) cards += c == '\n' ? 1 : 0;
+    return (cards * CARD + BLOCK - 1) / BLOCK * BLOCK;
+}
+
+void convert(const TempDir& dir, const std::string& text) {
+    dir.put("x.hdr", text);
+    IngestOptions options;
+    options.outputDir = dir / "out";
+    options.checksum = text.size() % 2 == 0;
+    std::optional<OutputDirectory> directory(std::in_place, options.outputDir, true);
+    const std::vector<Input> inputs = {{dir / "x.hdr", ""}};
+    Reporter reporter(Reporter::Level::QUIET);
+    Converter(options, directory, inputs, reporter).convert(inputs.front());
+    for (const auto& entry : std::filesystem::directory_iterator(options.outputDir)) {
+        if (entry.path().filename() != "x.fits" || entry.file_size() > sizeOfHeader(text))
+            std::abort();
+        std::filesystem::remove(entry.path());
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
+    std::cerr.rdbuf(nullptr);
+    ACE_Log_Msg::instance()->priority_mask(0, ACE_Log_Msg::PROCESS);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const TempDir dir;
+    convert(dir, std::string(reinterpret_cast<const char*>(data), size));
+    return 0;
+}

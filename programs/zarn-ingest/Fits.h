@@ -1,0 +1,29 @@
+/// CFITSIO's words for messages, and a handle that cleans up after itself.
+#ifndef ZARN_INGEST_FITS_H
+#define ZARN_INGEST_FITS_H
+
+#include <zarnsys/util/FitsUtils.h>
+
+#include <string>
+
+/// "CFITSIO status 207: illegal character in keyword"
+std::string statusText(int status);
+
+/// An open FITS file. One that is still open at the end is given up: its header is made to describe
+/// no data first, since CFITSIO would otherwise write that much while closing.
+class FitsHandle {
+public:
+    FitsHandle() = default;
+    FitsHandle(const FitsHandle&) = delete;
+    FitsHandle& operator=(const FitsHandle&) = delete;
+    ~FitsHandle();
+
+    FitsFile** receive() { return &file_; }
+    FitsFile*& get() { return file_; }
+    int close();  ///< CFITSIO status
+
+private:
+    FitsFile* file_ = nullptr;
+};
+
+#endif  // ZARN_INGEST_FITS_H

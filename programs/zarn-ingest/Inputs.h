@@ -1,0 +1,22 @@
+/// Which files a run converts.
+#ifndef ZARN_INGEST_INPUTS_H
+#define ZARN_INGEST_INPUTS_H
+
+#include <string>
+#include <vector>
+
+#include "IngestOptions.h"
+#include "StopSignals.h"
+
+/// A name to convert, or one that stands for none.
+struct Input {
+    std::string name;
+    std::string problem;  ///< why the name gives no file; empty: it may
+};
+
+/// The inputs in the order of the command line, then of its lists, then of standard input. What a
+/// pattern matches comes in alphabetical order. A signal while waiting for standard input ends the
+/// list there.
+std::vector<Input> collectInputs(const IngestOptions& options, StopSignals& signals);
+
+#endif  // ZARN_INGEST_INPUTS_H

@@ -1,0 +1,40 @@
+/// Reading files and standard input whole.
+///
+/// The programs' inputs are read here rather than through `FileIO`, which sets permission bits on
+/// what it opens and ends a chunk at a NUL byte: an archive's sources stay untouched, and lists may
+/// be separated by NUL.
+#ifndef ZARN_INGEST_READING_H
+#define ZARN_INGEST_READING_H
+
+#include <string>
+
+/// Owns a descriptor.
+class Descriptor {
+public:
+    explicit Descriptor(int fd) : fd_(fd) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor();
+
+    int get() const { return fd_; }
+
+private:
+    int fd_;
+};
+
+/// Opens a file for reading.
+///
+/// @throw std::system_error  when it cannot be opened
+int openForReading(const std::string& fileName);
+
+/// Appends what one read call gives; false at the end.
+///
+/// @throw std::system_error  when reading fails
+bool readChunk(int fd, std::string& bytes);
+
+/// All bytes of a file.
+///
+/// @throw std::system_error  when it cannot be opened or read
+std::string readFile(const std::string& fileName);
+
+#endif  // ZARN_INGEST_READING_H

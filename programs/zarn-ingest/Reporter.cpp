@@ -1,0 +1,124 @@
+#include "Reporter.h"
+
+#include <unistd.h>
+
+#include <cstring>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+const char PROGRAM[] = "zarn-ingest: ";
+constexpr milliseconds PROGRESS_AFTER{1000};  // shorter work needs none
+constexpr milliseconds PROGRESS_EVERY{200};
+constexpr unsigned char DELETE = 0x7F;  // the control character beyond the printable ones
+
+double inSeconds(std::chrono::steady_clock::duration duration) {
+    return std::chrono::duration<double>(duration).count();
+}
+
+std::string place(const std::string& file, std::size_t line) {
+    return printable(file) + ":" + (line > 0 ? std::to_string(line) + ":" : "") + " ";
+}
+
+std::string minutesAndSeconds(double duration) {
+    const auto whole = static_cast<unsigned long>(duration);
+    std::ostringstream text;
+    text << whole / 60 << ":" << std::setw(2) << std::setfill('0') << whole % 60;
+    return text.str();
+}
+
+}  // namespace
+
+std::string printable(const std::string& text) {
+    static const char digits[] = "0123456789ABCDEF";
+    std::string line;
+    for (const char c : text) {
+        const auto code = static_cast<unsigned char>(c);
+        if (code >= ' ' && code != DELETE) {
+            line += c;
+        } else {
+            line.append("\\x").append(1, digits[code / 16]).append(1, digits[code % 16]);
+        }
+    }
+    return line;
+}
+
+Reporter::Reporter(Level level)
+    : level_(level), terminal_(level != Level::QUIET && ::isatty(STDERR_FILENO) == 1) {}
+
+void Reporter::converted(const std::string& file, const Losses& losses, bool checksumRenewed,
+                         const std::string& result) {
+    ++converted_;
+    const std::size_t before = warnings_;
+    warn(file, losses.carriage, "lines that end in CR LF");
+    warn(file, losses.cut, "cards cut at 80 characters");
+    warn(file, losses.blanked, "characters that became blanks, as a header cannot hold them");
+    warn(file, losses.upperCased, "keywords that became upper case");
+    warn(file, losses.hidden, "cards left out, hidden behind the END card");
+    if (!checksumRenewed)
+        warn(file, losses.oldChecksum, "checksums of another file (--checksum renews them)");
+    if (warnings_ > before) ++warned_;
+    if (level_ == Level::VERBOSE) message(printable(file) + ": gave " + printable(result));
+    showProgress();
+}
+
+void Reporter::failed(const std::string& file, const IngestError& error) {
+    ++failed_;
+    message(place(file, error.line()) + printable(error.what()));
+    showProgress();
+}
+
+void Reporter::error(const std::string& text) { message(printable(text)); }
+
+void Reporter::summary(const std::string& done, int signal) {
+    clearProgress();
+    if (level_ == Level::QUIET) return;
+    std::ostringstream text;
+    if (signal != 0) text << "stopped by a signal (" << ::strsignal(signal) << "): ";
+    text << converted_ << " " << done;
+    if (warned_ > 0) text << " (" << warned_ << " with warnings)";
+    text << ", " << failed_ << " failed";
+    if (signal != 0) text << ", " << total_ - converted_ - failed_ << " left";
+    text << " in " << std::fixed << std::setprecision(1) << inSeconds(Clock::now() - start_)
+         << " s";
+    message(text.str());
+}
+
+void Reporter::message(const std::string& text) {
+    clearProgress();
+    std::cerr << PROGRAM + text + "\n";
+}
+
+void Reporter::warn(const std::string& file, const Loss& loss, const std::string& text) {
+    if (loss.count == 0) return;
+    ++warnings_;
+    if (level_ == Level::QUIET) return;
+    message(place(file, loss.firstLine) + "warning: " + text + ": " + std::to_string(loss.count) +
+            " (the first one here)");
+}
+
+void Reporter::showProgress() {
+    const Clock::time_point now = Clock::now();
+    if (!terminal_ || now - start_ < PROGRESS_AFTER || now - shown_ < PROGRESS_EVERY) return;
+    shown_ = now;
+    const std::size_t done = converted_ + failed_;
+    const double rate = static_cast<double>(done) / inSeconds(now - start_);
+    std::ostringstream text;
+    text << PROGRAM << done << "/" << total_ << " files, " << std::fixed << std::setprecision(0)
+         << rate << "/s, " << minutesAndSeconds(static_cast<double>(total_ - done) / rate)
+         << " left";
+    clearProgress();
+    progressLength_ = text.str().size();
+    std::cerr << text.str() + "\r";
+}
+
+void Reporter::clearProgress() {
+    if (progressLength_ == 0) return;
+    std::cerr << std::string(progressLength_, ' ') + "\r";
+    progressLength_ = 0;
+}

@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# Installs the build and uses it from outside, by CMake and by pkg-config.
+#   install.sh SOURCE_DIR BUILD_DIR
+set -euo pipefail
+source=$(realpath "$1") build=$(realpath "$2")
+work=$(mktemp -d "${TMPDIR:-/tmp}/zarnsys-install-XXXXXX")
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+die() { echo "FAILED: $*" >&2; exit 1; }
+
+cmake --install "$build" --prefix "$work/prefix" >log
+flags=$(sed -n 's/^CMAKE_CXX_FLAGS:STRING=//p' "$build/CMakeCache.txt")
+compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[A-Z]*=//p' "$build/CMakeCache.txt")
+library=$(find prefix -name libZarnSysUtil.so.0)
+[ -n "$library" ] || die "no libZarnSysUtil.so.0 installed"
+libdir=$(realpath "$(dirname "$library")")
+
+cmake -S "$source/tests/install" -B cmake -DCMAKE_PREFIX_PATH="$work/prefix" \
+    -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$flags" >log
+cmake --build cmake >log || die "the consumer does not build: $(cat log)"
+cmake/consumer 2>/dev/null || die "the consumer built by CMake does not work"
+
+# pkg-config files are written for their place; the copy is moved to the trial's.
+sed "s|^libdir=.*|libdir=$libdir|; s|^includedir=.*|includedir=$work/prefix/include|" \
+    "$libdir/pkgconfig/zarnsysutil.pc" >zarnsysutil.pc
+# shellcheck disable=SC2046,SC2086 # flags are words
+"$compiler" -std=c++17 $flags "$source/tests/install/main.cpp" -o consumer \
+    $(PKG_CONFIG_PATH="$work" pkg-config --cflags --libs zarnsysutil) -Wl,-rpath,"$libdir"
+./consumer 2>/dev/null || die "the consumer built by pkg-config does not work"
+
+prefix/bin/zarn-ingest --version >/dev/null || die "the installed program does not run"
+leaks=$(nm -DC --defined-only "$library" | cut -d' ' -f3- |
+    grep -vE '^(vtable for |typeinfo (name )?for )?(FileIO|GenConfig|ZarnSys|ZarnSysEx|ZarnSysFits)\b|^ZARNSYSUTIL_0$' || true)
+[ -z "$leaks" ] || die "symbols beyond the public interface: $leaks"
+# Sanitizers record paths of their own.
+[ -n "$flags" ] || ! grep -rlF "$source" prefix/bin "$libdir"/*.so* || die "build paths in these"
+for file in FileIO Utils StringUtils; do
+    grep -qaE "@\(#\) \\\$Id: $file\.cpp,v [0-9]+\.[0-9]+\.[0-9]+ [0-9]{4}/[0-9]{2}/[0-9]{2} \\\$" "$library" ||
+        die "no identification of $file.cpp"
+done

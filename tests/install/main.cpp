@@ -1,0 +1,26 @@
+/// Includes every public header and uses one thing of each.
+
+#include <zarnsys/util/Export.h>
+#include <zarnsys/util/FileIO.h>
+#include <zarnsys/util/FitsUtils.h>
+#include <zarnsys/util/GenConfig.h>
+#include <zarnsys/util/StringUtils.h>
+#include <zarnsys/util/Utils.h>
+#include <zarnsys/util/ZarnSysEx.h>
+
+int main(int argc, char** argv) {
+    std::vector<const char*> arguments(argv, argv + argc);
+    GenConfig config(argc, arguments.data());
+    float total = 0;
+    float available = 0;
+    try {
+        FileIO("missing/file", true, false).isFile();
+    } catch (ZarnSysEx& error) {
+        const bool works = ZarnSys::lower(error.what()).find("missing/file") != std::string::npos &&
+                           ZarnSys::getFilesystemInfo(".", &total, &available) == 0 &&
+                           config.parseCommandLine(false) == 0 &&
+                           ZarnSysFits::RECORD_MAX_LENGTH == FLEN_CARD;
+        return works ? 0 : 1;
+    }
+    return 2;
+}

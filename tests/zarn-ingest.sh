@@ -1,0 +1,303 @@
+#!/usr/bin/env bash
+# Tests of zarn-ingest as an operator meets it: names, refusals, losses, signals, full disks.
+#   zarn-ingest.sh PROGRAM SAMPLES [REAL_HEADERS]
+# Everything happens in a directory of its own, which is removed at the end.
+set -u
+program=$(realpath "$1") samples=$(realpath "$2") real=${3:-}
+work=$(mktemp -d "${TMPDIR:-/tmp}/zarn-ingest-test-XXXXXX")
+trap 'cd /; rm -rf "$work"' EXIT
+chmod 755 "$work"
+passed=0 failed=0
+
+# run STATUS ARGUMENT...: runs the program here, keeps its output, checks its exit status.
+run() {
+    local expected=$1 status
+    shift
+    "$program" "$@" >out.txt 2>err.txt
+    status=$?
+    check "exit status $status instead of $expected of: $*" [ "$status" = "$expected" ]
+}
+# check WHAT COMMAND...: counts; on failure says what is wrong.
+check() {
+    local what=$1
+    shift
+    if "$@"; then
+        passed=$((passed + 1))
+    else
+        failed=$((failed + 1))
+        echo "FAILED in $current: $what"
+        sed 's/^/    stderr: /' err.txt
+    fi
+}
+says() { check "no such message: $1" grep -qF -- "$1" err.txt; }
+silent() { check "unexpected messages" [ ! -s err.txt ]; }
+has() { check "$1 is missing" [ -e "$1" ]; }
+hasNot() { check "$1 is there" [ ! -e "$1" ]; }
+# No file of ours but the named ones; temporary ones start with a dot.
+only() { check "other files than: $*" [ "$(ls -A out)" = "$(printf '%s\n' "$@" | sort)" ]; }
+cards() { fold -w 80 "$1" | sed 's/ *$//' | sed '/^END$/q'; }
+# header FILE CARD...: a header of the three first cards and the given ones.
+header() {
+    local file=$1
+    shift
+    printf '%s\n' 'SIMPLE  =                    T' 'BITPIX  =                    8' \
+        'NAXIS   =                    0' "$@" >"$file"
+}
+
+testUsage() {
+    run 0 --help; silent
+    check "the help lacks an option" grep -q -- '--output-dir or -o <DIR>' out.txt
+    run 0 -V; silent
+    check "no version" grep -qE '^zarn-ingest [0-9]+\.[0-9]+\.[0-9]+ ' out.txt
+    run 2; says "no file to convert"
+    run 2 --bogus x; says "bogus is not a valid option"
+    run 2 -o; says "-o requires an argument"
+    run 2 -q -v x; says "exclude each other"
+    run 2 -0 x; says "--null needs"
+    run 2 --output-dir= x; says "--output-dir"
+    header x
+    "$program" x -n >/dev/full 2>err.txt
+    check "a full standard output is no success" [ $? = 1 ]
+}
+
+testConversion() {
+    run 0 -o out "$samples/imager.hdr" "$samples/continued.hdr"
+    says "2 converted, 0 failed"
+    only imager.fits continued.fits
+    check "mode" [ "$(stat -c %a out/imager.fits out)" = "$(printf '664\n755')" ]
+    check "size" [ "$(stat -c %s out/imager.fits)" = 2880 ]
+    sed 's/^NAXIS .*/NAXIS   =                    0 \/ # of axes in frame/; /^NAXIS[12]/d' \
+        "$samples/imager.hdr" | sed 's/ *$//' >expected
+    check "cards differ" cmp -s expected <(cards out/imager.fits)
+    run 1 -o out "$samples/spectrograph.hdr" "$samples/broken.hdr" "$samples/imager.hdr"
+    says "$samples/spectrograph.hdr:15: warning: cards cut at 80 characters: 1"
+    says "$samples/broken.hdr:7: illegal keyword: \"EXP TIME="
+    says 'CFITSIO status 207: illegal character in keyword'
+    says "imager.hdr: the result out/imager.fits exists already"
+    says "1 converted (1 with warnings), 2 failed"
+    only continued.fits imager.fits spectrograph.fits
+    echo old >out/imager.fits
+    run 0 -q -f -o out/ "$samples/imager.hdr"; silent
+    check "not replaced" cmp -s expected <(cards out/imager.fits)
+    run 0 -qf -c -o out "$samples/imager.hdr"
+    check "no checksum" [ "$(cards out/imager.fits | grep -cE '^(DATASUM|CHECKSUM)')" = 2 ]
+}
+
+testNames() {
+    mkdir in
+    header in/a.b.hdr; header in/.hdr; header in/x; header 'in/a[1].hdr'; header 'in/*.hdr'
+    run 0 -q -o out 'in/*.hdr' 'in/.hdr' in/x 'in/a[1].hdr' 'in/a.*'; silent
+    only a.b.fits .hdr.fits x.fits 'a[1].fits' '*.fits'
+    rm -rf out
+    run 1 -q -o out in/x 'in/no*' in/missing in/x in
+    says "in/no*: no such file, and no file matches"
+    says "in/x: would give the same result x.fits as in/x"
+    says "in: is a directory"
+    only x.fits
+    run 1 -q -f -o out in/x ./in/x; says "./in/x: would give the same result"
+    header ./-dash.hdr
+    run 2 -- -dash.hdr
+    run 0 -q -o out ./-dash.hdr; has out/-dash.fits
+    for odd in 'with blank' 'a(b)+1' '!x' 'y.gz' 'stdout' 'mem:z' 'http:' '~' $'new\nline' '[q]' '#' 'k=v'; do
+        header "$odd"
+        run 0 -q -o "dir $odd" "$odd"; silent
+        check "$odd: other results" [ "$(find "dir $odd" -type f -printf x)" = x ]
+        has "dir $odd/${odd%.gz}.fits"
+    done
+    header y.fits
+    cp y.fits before
+    run 1 -q -f y.fits; says "would replace a source of this run"
+    check "the source was touched" cmp -s y.fits before
+}
+
+testLists() {
+    header a; header b; header 'c*'; header d; header e
+    printf 'a\nb\n\nc*\n' >list
+    printf 'd\0' >nul
+    run 0 -q -o out -l list --stdin <<<e; silent
+    run 0 -q -o out -0 -l nul; silent
+    only a.fits b.fits 'c*.fits' d.fits e.fits
+    printf '*\n' >list
+    run 1 -q -o out -l list -l missing -l nul
+    says '*: cannot be read: No such file'
+    says 'missing: the list cannot be read: No such file'
+    says 'is --null missing?'
+    : >list
+    run 0 -o out -l list; says "0 converted, 0 failed"
+}
+
+testRefusals() {
+    : >empty; mkdir folder; printf 'a\0b' >binary; mkfifo pipe
+    head -c 5000 "$program" >binary2
+    run 0 -q -o out "$samples/imager.hdr"
+    cp out/imager.fits given.fits; rm -r out
+    printf '\xEF\xBB\xBF' | cat - "$samples/imager.hdr" >bom
+    header notfirst; sed -i 1d notfirst
+    header bitpix; sed -i '2s/8$/9/' bitpix
+    header naxis; sed -i 3d naxis; echo 'A       = 1' >>naxis
+    run 1 -q -o out empty folder binary binary2 given.fits bom pipe missing notfirst bitpix naxis
+    says "empty: is empty"
+    says "folder: is a directory"
+    says "binary: is a binary file"
+    says "binary2: is a binary file"
+    says "given.fits: is a FITS file"
+    says "bom:1: begins with a byte-order mark"
+    says "pipe: is not a regular file"
+    says "missing: no such file"
+    says 'notfirst:1: SIMPLE must stand here: "BITPIX'
+    says 'bitpix:2: BITPIX has no legal value'
+    says 'naxis:3: NAXIS must stand here: "A       = 1" (CFITSIO status 223'
+    only
+    echo x >notdir
+    run 1 -o notdir "$samples/imager.hdr"; says "output directory notdir: Not a directory"
+    run 1 -o no/dir "$samples/imager.hdr"; says "Error creating path: no/dir"
+}
+
+# What asks for data is refused before CFITSIO could write any: beyond 50 KiB it would fail here.
+testData() {
+    local big='                   10000'
+    header axis; sed -i "3s/0\$/3/" axis
+    printf 'NAXIS1  =%s\nNAXIS2  =%s\nNAXIS3  =%s\n' "$big" "$big" "$big" >>axis
+    header groups 'GROUPS  =                    T' 'PCOUNT  =                    3'
+    header pcount 'PCOUNT  =            100000000'
+    header hierarch 'HIERARCH PCOUNT = 100000000'
+    header lower 'pcount  = 100000000'
+    header negative 'PCOUNT  = -100000000'
+    header real 'PCOUNT  = 1E8'
+    header gcount 'GCOUNT  = abc'
+    header twice 'NAXIS1  = 10000' 'NAXIS1  = 10000'
+    header middle 'NAXIS1  = 10000' 'B@D     = 1'
+    sed -i "3s/0\$/1/" middle
+    (
+        trap '' XFSZ
+        ulimit -f 50
+        "$program" -q -o out axis groups pcount hierarch lower negative real gcount twice middle \
+            >out.txt 2>err.txt
+        echo $? >status
+    )
+    check "exit status" [ "$(cat status)" = 1 ]
+    says 'axis:6: NAXIS3 would be left over'
+    says 'groups:4: GROUPS asks for data'
+    for name in pcount hierarch lower negative real; do says "$name:4: PCOUNT asks for data"; done
+    says 'gcount:4: GCOUNT is no whole number'
+    says 'twice:5: NAXIS1 stands a second time'
+    says 'middle:5: illegal keyword'
+    only
+    header none 'PCOUNT  =                    0' 'GCOUNT  =                    1' 'GROUPS  = F'
+    run 0 -q -o out none; silent
+}
+
+testLosses() {
+    header long "COMMENT $(printf 'x%.0s' {1..80})" "$(printf 'OBJECT  = %-90s' "'blanks'")"
+    header tab "$(printf "OBJECT  = 'a\tb\xC3\xA4'")"
+    header hidden END 'NAXIS   = 2' 'no keyword at all' ''
+    header lowercase "object  = 'x'" "HIERARCH eso = 1"
+    header blank '' '' END ''
+    sed 's/$/\r/' "$samples/imager.hdr" >crlf
+    run 0 -o out long tab hidden lowercase crlf blank
+    says "long:4: warning: cards cut at 80 characters: 1 "
+    says "tab:4: warning: characters that became blanks, as a header cannot hold them: 3 "
+    says "hidden:5: warning: cards left out, hidden behind the END card: 2 "
+    says "lowercase:4: warning: keywords that became upper case: 2 "
+    says "crlf:1: warning: lines that end in CR LF: 19 "
+    check "more warnings than one per file" [ "$(grep -c warning: err.txt)" = 5 ]
+    says "6 converted (5 with warnings), 0 failed"
+    check "hidden cards" [ "$(cards out/hidden.fits | wc -l)" = 4 ]
+    check "something behind END" [ -z "$(tail -c +321 out/hidden.fits | tr -d ' ')" ]
+    run 0 -q -o out "$samples/imager.hdr"
+    check "CR LF changes the result" cmp -s out/crlf.fits out/imager.fits
+    only long.fits tab.fits hidden.fits lowercase.fits crlf.fits imager.fits blank.fits
+}
+
+testDryRun() {
+    header a
+    header ./-b 'B@D     = 1'
+    run 1 -n -o out a ./-b
+    check "stdout" grep -qx 'would convert a to out/a.fits' out.txt
+    check "stdout" grep -qx 'would create the directory out' out.txt
+    says "./-b:4: illegal keyword"
+    says "1 would be converted, 1 failed"
+    hasNot out
+}
+
+testVerbose() {
+    header a
+    run 0 -v -o out a
+    says "The program has been launched with zarn-ingest -v -o out a"
+    says "zarn-ingest: a: gave out/a.fits"
+    check "no log line of the library" grep -qE '^[-0-9]+ [0-9:.]+ DEBUG \[ [0-9]+ \] Setting' err.txt
+}
+
+testSignals() {
+    header a
+    mkfifo names
+    "$program" -o out --stdin <names >out.txt 2>err.txt &
+    exec 9>names
+    echo a >&9
+    until [ -d out ]; do :; done
+    kill -TERM $!
+    wait $!
+    check "SIGTERM while waiting for names" [ $? = 143 ]
+    exec 9>&-
+    says "stopped by a signal (Terminated)"
+    mkdir many; for i in $(seq 3000); do cp a "many/$i.hdr"; done
+    "$program" -o out2 'many/*.hdr' >out.txt 2>err.txt &
+    until [ -n "$(ls out2 2>/dev/null)" ]; do :; done
+    kill -INT $!
+    wait $!
+    check "Ctrl-C" [ $? = 130 ]
+    check "temporary files" [ -z "$(find out2 -name '.*' -type f)" ]
+    says "stopped by a signal (Interrupt)"
+    check "the summary" [ "$(sed -n 's/.*: \([0-9]*\) converted.*/\1/p' err.txt)" = "$(ls out2 | wc -l)" ]
+}
+
+testFullDisk() {
+    header a $(for i in $(seq 200); do echo "KEY$i=1"; done | sed 's/KEY\(.*\)=1/KEY\1/')
+    (
+        trap '' XFSZ
+        ulimit -f 8
+        "$program" -q -c -o out a >out.txt 2>err.txt
+        echo $? >status
+    )
+    check "exit status" [ "$(cat status)" = 1 ]
+    says "a: "
+    says "CFITSIO status"
+    only
+}
+
+testOrdinaryUser() {
+    if [ "$(id -u)" != 0 ]; then echo "skipped: needs root to become someone else"; return; fi
+    header secret; chmod 600 secret; header open; mkdir locked
+    cat >user.sh <<SCRIPT
+"$program" -o locked open; echo "status \$?"
+cd "$work/own" && "$program" -q ../$current/secret ../$current/open; echo "status \$?"
+SCRIPT
+    mkdir -p "$work/own"; chown 65534:65534 "$work/own"
+    setpriv --reuid=65534 --regid=65534 --clear-groups bash user.sh >err.txt 2>&1
+    says "output directory locked: Permission denied"
+    says "secret: cannot be read: Permission denied"
+    check "statuses" [ "$(grep -c 'status 1' err.txt)" = 2 ]
+    has "$work/own/open.fits"
+    check "the source's bits" [ "$(stat -c %a open)" = 644 ]
+}
+
+testRealHeaders() {
+    if [ ! -d "$real" ]; then echo "skipped: no real headers here"; return; fi
+    run 1 -o out "$real"/*.hdr
+    only awav-long-lines.fits dirbe.fits eui-continue.fits int-wfc.fits irac.fits \
+        lasco-c3-tab.fits mdi.fits
+    says "adapt.hdr:6: NAXIS3 would be left over"
+    says "chandra-no-bitpix.hdr:1: SIMPLE must stand here"
+    says "chipass-dump.hdr:1: illegal keyword"
+    says "derived-trimmed.hdr:6: NAXIS3 would be left over"
+    says "hmi-missing-bitpix.hdr:1: SIMPLE must stand here"
+    says "7 converted (4 with warnings), 5 failed"
+}
+
+for current in $(declare -F | sed -n 's/^declare -f \(test.*\)/\1/p'); do
+    mkdir "$work/$current" && cd "$work/$current" && : >err.txt
+    umask 022
+    "$current"
+done
+echo "$passed passed, $failed failed"
+[ "$failed" = 0 ]
