@@ -130,9 +130,9 @@ void Converter::convertOrThrow(const Input& input) {
 }
 
 void Converter::claim(const Input& input, const std::string& result) {
-    const auto [earlier, isNew] = claims_.emplace(result, input.name);
+    const auto [earlier, isNew] = claims_.emplace(result, &input.name);
     if (!isNew)
-        throw IngestError("would give the same result " + result + " as " + earlier->second);
+        throw IngestError("would give the same result " + result + " as " + *earlier->second);
 }
 
 void Converter::checkExisting(const std::string& result) {

@@ -41,7 +41,7 @@ private:
     const IngestOptions& options_;
     std::optional<OutputDirectory>& directory_;
     Reporter& reporter_;
-    std::unordered_map<std::string, std::string> claims_;  ///< result, and the input that gives it
+    std::unordered_map<std::string, const std::string*> claims_;  ///< result, and the input for it
     std::set<FileId> sources_;  ///< files never to be replaced; known when overwriting only
 };
 
