@@ -10,12 +10,13 @@ die() { echo "FAILED: $*" >&2; exit 1; }
 
 cmake --install "$build" --prefix "$work/prefix" >log
 flags=$(sed -n 's/^CMAKE_CXX_FLAGS:STRING=//p' "$build/CMakeCache.txt")
+generator=$(sed -n 's/^CMAKE_GENERATOR:INTERNAL=//p' "$build/CMakeCache.txt")
 compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[A-Z]*=//p' "$build/CMakeCache.txt")
 library=$(find prefix -name libZarnSysUtil.so.0)
 [ -n "$library" ] || die "no libZarnSysUtil.so.0 installed"
 libdir=$(realpath "$(dirname "$library")")
 
-cmake -S "$source/tests/install" -B cmake -DCMAKE_PREFIX_PATH="$work/prefix" \
+cmake -S "$source/tests/install" -B cmake -G "$generator" -DCMAKE_PREFIX_PATH="$work/prefix" \
     -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$flags" >log
 cmake --build cmake >log || die "the consumer does not build: $(cat log)"
 cmake/consumer 2>/dev/null || die "the consumer built by CMake does not work"

@@ -268,9 +268,12 @@ testFullDisk() {
 testOrdinaryUser() {
     if [ "$(id -u)" != 0 ]; then echo "skipped: needs root to become someone else"; return; fi
     header secret; chmod 600 secret; header open; mkdir locked
+    # The build may lie where only root can go.
+    cp "$program" "$(ldd "$program" | awk '/libZarnSysUtil/{print $3}')" .
     cat >user.sh <<SCRIPT
-"$program" -o locked open; echo "status \$?"
-cd "$work/own" && "$program" -q ../$current/secret ../$current/open; echo "status \$?"
+export LD_LIBRARY_PATH=\$PWD
+"\$PWD/zarn-ingest" -o locked open; echo "status \$?"
+cd "$work/own" && ../$current/zarn-ingest -q ../$current/secret ../$current/open; echo "status \$?"
 SCRIPT
     mkdir -p "$work/own"; chown 65534:65534 "$work/own"
     setpriv --reuid=65534 --regid=65534 --clear-groups bash user.sh >err.txt 2>&1

@@ -19,7 +19,7 @@ const struct {
     {"force", 'f', "", "Replace results that exist", ""},
     {"help", 'h', "", "Show this help", ""},
     {"list", 'l', "FILE", "Convert the files named in FILE, one name a line; may be repeated", ""},
-    {"null", '0', "", "Names in lists and on standard input end in NUL instead", ""},
+    {"null", '0', "", "Names in lists and on standard input end in NUL instead (short: -0)", ""},
     {"output-dir", 'o', "DIR", "Directory of the results, created when missing (one level)",
      ". (the current directory)"},
     {"quiet", 'q', "", "Report errors only, without warnings and summary", ""},
