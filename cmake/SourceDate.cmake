@@ -2,6 +2,10 @@
 # change, for the identification string that the file carries. The day comes from git; outside a
 # clone from SOURCE_DATE_EPOCH, as packagers set it; else from the file's modification time.
 find_package(Git QUIET)
+# A commit changes days.
+if(EXISTS ${PROJECT_SOURCE_DIR}/.git/logs/HEAD)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/.git/logs/HEAD)
+endif()
 
 function(zarnsys_date_sources)
     foreach(file IN LISTS ARGN)

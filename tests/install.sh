@@ -21,12 +21,9 @@ cmake -S "$source/tests/install" -B cmake -G "$generator" -DCMAKE_PREFIX_PATH="$
 cmake --build cmake >log || die "the consumer does not build: $(cat log)"
 cmake/consumer 2>/dev/null || die "the consumer built by CMake does not work"
 
-# pkg-config files are written for their place; the copy is moved to the trial's.
-sed "s|^libdir=.*|libdir=$libdir|; s|^includedir=.*|includedir=$work/prefix/include|" \
-    "$libdir/pkgconfig/zarnsysutil.pc" >zarnsysutil.pc
 # shellcheck disable=SC2046,SC2086 # flags are words
 "$compiler" -std=c++17 $flags "$source/tests/install/main.cpp" -o consumer \
-    $(PKG_CONFIG_PATH="$work" pkg-config --cflags --libs zarnsysutil) -Wl,-rpath,"$libdir"
+    $(PKG_CONFIG_PATH="$libdir/pkgconfig" pkg-config --cflags --libs zarnsysutil) -Wl,-rpath,"$libdir"
 ./consumer 2>/dev/null || die "the consumer built by pkg-config does not work"
 
 prefix/bin/zarn-ingest --version >/dev/null || die "the installed program does not run"

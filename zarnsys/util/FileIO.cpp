@@ -28,17 +28,20 @@ constexpr mode_t NEW_DIRECTORY_MODE = 01755;  // at creation, less the umask
 constexpr mode_t DIRECTORY_MODE = 0755;       // rwxr-xr-x, set afterwards
 constexpr std::size_t READ_CHUNK = 1024;      // bytes per read call
 constexpr int NO_FILE = 0;                    // value of fd_ without an open file
+constexpr char CURRENT_DIRECTORY[] = ".";     // always there, even if it cannot be searched
+constexpr char ROOT_DIRECTORY[] = "/";        // likewise
 constexpr char CHMOD_COMMAND[] = "/bin/chmod 755 ";
 
 // Characters that mean themselves to the shell, anywhere in a word.
 constexpr char PLAIN_CHARACTERS[] =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/._-+,:@%=";
 
-/// Logs and throws `action` + `name` + the system's text for `error`.
-[[noreturn]] void fail(const char* action, const std::string& name, int error) {
+/// Logs, as of the caller's line, and throws `action` + `name` + the system's text for `error`.
+[[noreturn]] void fail(const char* action, const std::string& name, int error,
+                       int line = __builtin_LINE()) {
     const std::string message = action + name + ". Error: " + std::strerror(error);
     errno = error;  // building the text may have changed it, and the log context shows it
-    logError()("%s", message.c_str());
+    logError(__builtin_FILE(), line)("%s", message.c_str());
     throw ZarnSysEx(message);
 }
 
@@ -50,8 +53,8 @@ bool nameExists(const std::string& name) {
 /// The directory that holds `name`; both special kinds of name lie in one that exists.
 std::string directoryOf(const std::string& name) {
     const std::string::size_type slash = name.rfind('/');
-    if (slash == std::string::npos) return ".";
-    if (slash == 0) return "/";
+    if (slash == std::string::npos) return CURRENT_DIRECTORY;
+    if (slash == 0) return ROOT_DIRECTORY;
     return name.substr(0, slash);
 }
 
@@ -63,7 +66,7 @@ int accessMode(bool read, bool write) {
 /// `fd`, or another descriptor of the same file when `fd` is the value that stands for "no file".
 int otherThanNoFile(int fd) {
     if (fd != NO_FILE) return fd;
-    const int moved = ::fcntl(fd, F_DUPFD, NO_FILE + 1);
+    const int moved = ::fcntl(fd, F_DUPFD, STDERR_FILENO + 1);  // nor a standard stream's
     const int error = errno;
     ::close(fd);
     errno = error;
@@ -175,8 +178,7 @@ FileIO& FileIO::open(const std::string& fileName, bool read, bool write) {
 }
 
 FileIO& FileIO::close() {
-    if (fd_ == NO_FILE) return *this;
-    ::close(fd_);
+    if (fd_ > NO_FILE) ::close(fd_);
     fd_ = NO_FILE;
     return *this;
 }
@@ -203,13 +205,14 @@ FileIO& FileIO::load(std::stringstream& buf) {
         count = ::read(fd_, chunk.data(), READ_CHUNK);
         if (count == -1) fail("Error reading from file: ", completeName_, errno);
         chunk[static_cast<std::size_t>(count)] = '\0';
-        if (count > 0) buf << chunk.data();
+        buf.write(chunk.data(), static_cast<std::streamsize>(std::strlen(chunk.data())));
     } while (count == static_cast<ssize_t>(READ_CHUNK));
     return *this;
 }
 
 FileIO& FileIO::checkCreateDir(const std::string& path) {
     const std::string checkPath = path.empty() ? getPath() : path;
+    if (checkPath == CURRENT_DIRECTORY || checkPath == ROOT_DIRECTORY) return *this;
     if (nameExists(checkPath)) return *this;
     if (::mkdir(checkPath.c_str(), NEW_DIRECTORY_MODE) != 0)
         fail("Error creating path: ", checkPath, errno);
@@ -224,9 +227,10 @@ FileIO& FileIO::write(const char* buf) {
     logDebug()("Writing into file: %s. Buffer length: %s", completeName_.c_str(),
                std::to_string(length).c_str());
     if (fd_ == NO_FILE) open(completeName_, read_, write_);
-    errno = 0;  // a partial write sets none, and an old number would name a wrong reason
-    if (::write(fd_, buf, length) != static_cast<ssize_t>(length))
-        fail("Error writing to file: ", completeName_, errno);
+    const ssize_t written = ::write(fd_, buf, length);
+    // A partial write sets no error number; an old one would name a wrong reason.
+    if (written != static_cast<ssize_t>(length))
+        fail("Error writing to file: ", completeName_, written == -1 ? errno : 0);
     return *this;
 }
 

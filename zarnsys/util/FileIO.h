@@ -13,16 +13,17 @@
 /// One file (for `match`: a pattern), known by a single string, its complete name.
 ///
 /// Constructing an object touches no file. An operation that needs the file open opens it with the
-/// access given at construction and leaves it open until `close`, `clear`, `setFileName`, `remove`,
-/// the next `open` or the destructor. The object owns the descriptor. It never truncates a file and
-/// never appends to one: writing starts at the beginning and keeps what lies beyond.
+/// access given at construction and leaves it open until `close`, `clear`, `setFileName`, `rename`,
+/// `remove`, the next `open` or the destructor. The object owns the descriptor. It never truncates
+/// a file and never appends to one: writing starts at the beginning and keeps what lies beyond.
 ///
 /// Changing the name by `addPath`, `buildFileName`, `setExtension` or through `getCompleteName`
 /// leaves an open file open: the descriptor stays with the file opened under the earlier name.
 ///
-/// Every failure is logged at ERROR and thrown as `ZarnSysEx`, whose text reads: the failed action,
-/// the name, ". Error: " and the system's text. An object is used by one thread at a time; distinct
-/// objects are independent. Names end at their first NUL byte, as the system takes them.
+/// A failure that a comment names is logged at ERROR and thrown as `ZarnSysEx`, whose text reads:
+/// the failed action, the name, ". Error: " and the system's text. Others are ignored on purpose.
+/// An object is used by one thread at a time; distinct objects are independent. Names hold no NUL
+/// byte.
 class ZARNSYS_EXPORT FileIO {
 public:
     /// @param fileName  complete name: a path or a pattern
@@ -90,15 +91,16 @@ public:
     /// goes on where the last operation stopped; a short read ends it. A file that does not exist
     /// is created, empty.
     ///
-    /// @param buf  receives the text at its write position, after what it holds
+    /// @param buf  receives the text at its write position; what it holds before that stays
     /// @throw ZarnSysEx  when reading fails (the file stays open), or from `open`
     FileIO& load(std::stringstream& buf);
 
     /// Makes sure that a directory exists, creating its last component with permission bits 755.
     ///
     /// Anything that exists under the name is accepted. The bits of a new directory are set by
-    /// /bin/chmod through the shell; of a name that the shell or chmod would take for anything but
-    /// one plain word, by the system call of that name, so that nothing of a name is ever run.
+    /// /bin/chmod through the shell if its name has only letters, digits and /._-+,:@%= and does
+    /// not begin with a dash; else by the system call of that name, so that nothing of it is ever
+    /// run.
     ///
     /// @param path  the directory; empty: the one of the complete name (`getPath`)
     /// @throw ZarnSysEx  when it cannot be created, for example since its parent is missing

@@ -30,16 +30,17 @@ ZARNSYS_EXPORT int openFitsFile(FitsFile*& rpfitsFile, std::string fileName, int
 
 /// Closes a FITS file; CFITSIO completes the header on disk. Logs nothing.
 ///
-/// @return  CFITSIO status; the handle is gone either way
+/// @return  CFITSIO status; a valid handle is gone either way
 ZARNSYS_EXPORT int closeFitsFile(FitsFile* pfitsFile);
 
 /// Makes a FITS file whose primary header holds the lines of a text file, one card per line.
 ///
-/// Lines are taken as they are: CFITSIO cuts them at 80 characters, fills them with blanks and
-/// blanks characters that a header cannot hold. The header is then made to describe no data: NAXIS
-/// becomes 0 (appended where missing), one NAXIS1 and one NAXIS2 are deleted. Later axes, GROUPS
-/// and PCOUNT stay, and a header that still describes data makes CFITSIO write that much when the
-/// file is closed. A text file that cannot be read counts as an empty one.
+/// Lines are taken as they are: CFITSIO cuts them at 80 characters, fills them with blanks, blanks
+/// characters that a header cannot hold and writes keywords in upper case. The header is then made
+/// to describe no data: NAXIS becomes 0 (appended where missing), one NAXIS1 and one NAXIS2 are
+/// deleted. Later axes, GROUPS and PCOUNT stay, and a header that still describes data makes
+/// CFITSIO write that much when the file is closed. A text file that cannot be read counts as an
+/// empty one.
 ///
 /// A failure is logged at ERROR. After a card that was refused, the cards before it are in the file
 /// and NAXIS is untouched.
@@ -47,7 +48,7 @@ ZARNSYS_EXPORT int closeFitsFile(FitsFile* pfitsFile);
 /// @param fptr          receives the handle of the new file, open; the caller closes it by
 ///                      `closeFitsFile`, also after a failure that left it set
 /// @param hdrFilename   name of the header text file
-/// @param fitsFilename  name of the new file, which must not exist
+/// @param fitsFilename  name of the new file; unless it begins with '!', no such file may exist
 /// @return              CFITSIO status of the first failure, or 0
 ZARNSYS_EXPORT int hdr2fits(FitsFile** fptr, std::string hdrFilename, std::string fitsFilename);
 

@@ -101,8 +101,9 @@ int scanOptions(ACE_Get_Opt& parser, OptionMap& options, bool loggingAllowed) {
         const auto row = std::find_if(options.begin(), options.end(), [found](const auto& entry) {
             return entry.second.shortName_ == found;
         });
-        std::string value;
-        if (row != options.end() && row->second.argRequired_) value = parser.opt_arg();
+        const bool takesArgument = found != ':' && row != options.end() && row->second.argRequired_;
+        const char* argument = takesArgument ? parser.opt_arg() : nullptr;
+        const std::string value = argument == nullptr ? "" : argument;
         if (found == ':' || value.rfind('-', 0) == 0) {
             if (loggingAllowed) logError()("-%s requires an argument", parser.last_option());
             status = -1;

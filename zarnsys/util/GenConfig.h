@@ -14,7 +14,9 @@
 /// constructor, one `OptionStruct` per option; the program then calls `parseCommandLine` once and
 /// reads the values recorded. Short options ("-f value", "-fvalue", "-ab"), long options ("--name
 /// value", "--name=value", any unambiguous beginning of the name) and non-option arguments stand
-/// in any order; "--" ends the options. No option value may begin with "-".
+/// in any order. No option value may begin with "-". The rest is ACE's parser: "--" ends the
+/// options only after a non-option argument ("./-x" names a file "-x" in any case), and the
+/// environment variable POSIXLY_CORRECT makes the first non-option argument end them.
 ///
 /// An object owns its copy of the command line and is used by one thread at a time. Nothing is
 /// thrown but `std::bad_alloc`; failures are logged at ERROR and returned as -1.
@@ -52,7 +54,7 @@ public:
     /// `argv[0]`, else what follows its last "/", else the whole.
     ///
     /// @param argc  number of arguments, at least 1
-    /// @param argv  the arguments, as `main` gets them
+    /// @param argv  the arguments, their strings as `main` gets them
     GenConfig(int argc, const char** argv);
 
     /// Copies the command line of `rpackageConfig`; table and arguments start empty.
@@ -65,9 +67,10 @@ public:
 
     /// Parses the command line against `optionMap_` and records what was given.
     ///
-    /// Afterwards options without short name hold their code, the object's command line has the
-    /// options first, and a second call appends to what is recorded. After the first error nothing
-    /// more is recorded, but later errors are reported too.
+    /// Afterwards options without short name hold their code, the object's command line is in the
+    /// order in which the parser left it (options first), and a second call appends to what is
+    /// recorded. After the first error no more option values are recorded, but later errors are
+    /// reported, and the non-option arguments are there.
     ///
     /// @param loggingAllowed  log each error at ERROR; the result is the same either way
     /// @return                0, or -1 when anything was wrong or a mandatory option is missing

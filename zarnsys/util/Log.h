@@ -16,10 +16,8 @@ public:
 
     /// Writes the line through ACE; `errno` is afterwards what it was.
     ///
-    /// @param format  message without date, level, thread and newline. Only %s, %d and %%: ACE
-    /// reads
-    ///                formats by rules of its own, where %ld, for one, is the source line and a
-    ///                'd'.
+    /// @param format  message without date, level, thread and newline. Only %s, %d and %%: ACE has
+    ///                rules of its own, by which %l, for one, is the source line.
     void operator()(const char* format, ...) const __attribute__((format(printf, 2, 3)));
 
 private:

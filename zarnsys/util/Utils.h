@@ -1,6 +1,7 @@
 /// Sleeping for a fraction of a second, and the space of a file system.
 ///
-/// Both functions keep no state and may be called from several threads at once. Neither throws.
+/// Both functions keep no state and may be called from several threads at once. Nothing is thrown
+/// but `std::bad_alloc`.
 #ifndef ZARNSYS_UTIL_UTILS_H
 #define ZARNSYS_UTIL_UTILS_H
 
