@@ -28,11 +28,11 @@ cmake/consumer 2>/dev/null || die "the consumer built by CMake does not work"
 
 prefix/bin/zarn-ingest --version >/dev/null || die "the installed program does not run"
 leaks=$(nm -DC --defined-only "$library" | cut -d' ' -f3- |
-    grep -vE '^(vtable for |typeinfo (name )?for )?(FileIO|GenConfig|ZarnSys|ZarnSysEx|ZarnSysFits)\b|^ZARNSYSUTIL_0$' || true)
+    grep -vE '^(vtable for |typeinfo (name )?for )?(FileIO|GenConfig|WexoLogConfig|WexoProperties|WexoTime|ZarnSys|ZarnSysEx|ZarnSysFits)\b|^ZARNSYSUTIL_0$' || true)
 [ -z "$leaks" ] || die "symbols beyond the public interface: $leaks"
 # Sanitizers record paths of their own.
 [ -n "$flags" ] || ! grep -rlF "$source" prefix/bin "$libdir"/*.so* || die "build paths in these"
-for file in FileIO Utils StringUtils; do
+for file in FileIO Utils StringUtils WexoTime; do
     grep -qaE "@\(#\) \\\$Id: $file\.cpp,v [0-9]+\.[0-9]+\.[0-9]+ [0-9]{4}/[0-9]{2}/[0-9]{2} \\\$" "$library" ||
         die "no identification of $file.cpp"
 done

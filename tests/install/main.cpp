@@ -6,6 +6,9 @@
 #include <zarnsys/util/GenConfig.h>
 #include <zarnsys/util/StringUtils.h>
 #include <zarnsys/util/Utils.h>
+#include <zarnsys/util/WexoLogConfig.h>
+#include <zarnsys/util/WexoProperties.h>
+#include <zarnsys/util/WexoTime.h>
 #include <zarnsys/util/ZarnSysEx.h>
 
 int main(int argc, char** argv) {
