@@ -27,7 +27,7 @@ std::uintmax_t sizeOfHeader(const std::string& text) {
 
 void convert(const TempDir& dir, const std::string& text) {
     dir.put("x.hdr", text);
-    IngestOptions options;
+    ConversionOptions options;
     options.outputDir = dir / "out";
     options.checksum = text.size() % 2 == 0;
     std::optional<OutputDirectory> directory(std::in_place, options.outputDir, true);

@@ -29,7 +29,7 @@ protected:
     }
     /// The lines since the last call, with each one's priority and level: "4 DEBUG", "128 ERROR".
     static Lines debug(Lines texts) {
-        for (std::string& text : texts) text = "4 DEBUG [ ] " + text + "\n";
+        for (std::string& text : texts) text.insert(0, "4 DEBUG [ ] ").append("\n");
         return texts;
     }
 };

@@ -1,84 +1,78 @@
 #include "Converter.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 #include <zarnsys/util/FileIO.h>
+#include <zarnsys/util/Utils.h>
 #include <zarnsys/util/ZarnSysEx.h>
 
 #include <array>
+#include <cerrno>
+#include <filesystem>
 #include <iostream>
+#include <system_error>
 
 #include "Fits.h"
-#include "HeaderText.h"
 #include "IngestError.h"
+#include "Moving.h"
 
 namespace {
 
-constexpr int VERIFIED = 1;  // CFITSIO's word for a checksum that fits
+constexpr int VERIFIED = 1;          // CFITSIO's word for a checksum that fits
+constexpr float FULL_BELOW = 0.25F;  // a file system with less room counts as full [MiB]
 
 bool isAxis(const std::string& keyword) {
     return keyword == "NAXIS" || keyword == "NAXIS1" || keyword == "NAXIS2";
 }
 
-bool isChecksum(const std::string& keyword) {
-    return keyword == "CHECKSUM" || keyword == "DATASUM";
-}
-
-[[noreturn]] void failFits(const std::string& action, int status) {
+void check(int status, const std::string& action) {
+    if (status == 0) return;
     std::array<char, FLEN_ERRMSG> detail = {};
     fits_read_errmsg(detail.data());
     const std::string reason = detail.front() == '\0' ? "" : std::string("; ") + detail.data();
     throw IngestError(action + " (" + statusText(status) + reason + ")");
 }
 
-void check(int status, const std::string& action) {
-    if (status != 0) failFits(action, status);
-}
-
-/// Makes the FITS file under its temporary name.
-void makeFile(const std::string& source, const TemporaryFile& target, bool checksum) {
+/// Makes the FITS file of a text file.
+void makeFile(const WorkFile& text, const WorkFile& target, bool checksum) {
     FitsHandle file;
-    check(ZarnSysFits::hdr2fits(file.receive(), source, target.fitsPath()), "cannot be converted");
+    check(ZarnSysFits::hdr2fits(file.receive(), text.path(), target.fitsPath()),
+          "cannot be converted");
     int status = 0;
     if (checksum) check(fits_write_chksum(file.get(), &status), "no checksum can be written");
     check(file.close(), "the result cannot be completed");
 }
 
-/// Compares the cards of the file with those of the text, the axes and new checksums left out.
+/// Compares the cards of a file with those of the text, axes and renewed checksums left out.
 void compareCards(FitsFile* file, const HeaderText& text, bool checksum) {
+    std::array<char, FLEN_CARD> found = {};
     int status = 0;
     int number = 0;
-    std::array<char, FLEN_CARD> found = {};
-    const auto isOurs = [checksum](const std::string& keyword) {
-        return isAxis(keyword) || (checksum && isChecksum(keyword));
-    };
     for (const Card& card : text.cards()) {
-        if (isOurs(card.keyword)) {
-            if (card.keyword == "NAXIS" || isChecksum(card.keyword)) ++number;
-            continue;
-        }
+        if (checksum && isChecksum(card.keyword)) continue;  // the new ones stand at the end
+        if (card.keyword == "NAXIS") ++number;               // the conversion's own
+        if (isAxis(card.keyword)) continue;
         fits_read_record(file, ++number, found.data(), &status);
         if (card.text.empty() && status != 0) break;  // blank cards at the end do not count
         if (status != 0 || card.text != found.data())
             throw IngestError("the result differs from this card: \"" + card.text + "\"",
-                              card.line);
+                              card.number);
     }
 }
 
-/// Opens the finished file as any reader would.
-void verifyFile(const TemporaryFile& target, const HeaderText& text, bool checksum) {
+/// Opens a file as any reader would and makes sure that it came from this text.
+void verifyFile(const WorkFile& target, const HeaderText& text, bool checksum) {
     FitsHandle file;
     check(ZarnSysFits::openFitsFile(file.get(), target.fitsPath(), READONLY),
           "the result cannot be opened");
     compareCards(file.get(), text, checksum);
     int status = 0;
-    int dataFits = 0;
-    int headerFits = 0;
-    if (checksum) {
-        check(fits_verify_chksum(file.get(), &dataFits, &headerFits, &status),
-              "the checksum cannot be verified");
-        if (dataFits != VERIFIED || headerFits != VERIFIED)
-            throw IngestError("the checksum of the result does not fit");
-    }
+    int dataFits = VERIFIED;
+    int headerFits = VERIFIED;
+    if (checksum) fits_verify_chksum(file.get(), &dataFits, &headerFits, &status);
+    check(status, "the checksum cannot be verified");
+    if (dataFits != VERIFIED || headerFits != VERIFIED)
+        throw IngestError("the checksum of the result does not fit");
     check(file.close(), "the result cannot be closed");
 }
 
@@ -91,20 +85,27 @@ std::string resultName(const std::string& input) {
     return (hasStem ? baseName.substr(0, dot) : baseName) + ".fits";
 }
 
-Converter::Converter(const IngestOptions& options, std::optional<OutputDirectory>& directory,
-                     const std::vector<Input>& inputs, Reporter& reporter)
-    : options_(options), directory_(directory), reporter_(reporter) {
-    if (!options.overwrite) return;
-    for (const Input& input : inputs) {
-        struct stat status = {};
-        if (::stat(input.name.c_str(), &status) == 0)
-            sources_.emplace(status.st_dev, status.st_ino);
-    }
+Converter::Converter(const ConversionOptions& options, const OutputDirectory& output,
+                     Reporter& reporter)
+    : options_(options),
+      output_(output),
+      reporter_(reporter),
+      work_(options.dryRun ? nullptr : std::make_unique<WorkDirectory>(output)) {}
+
+void Converter::beginBatch(const std::vector<Input>& inputs,
+                           const std::vector<std::string>& sources) {
+    claims_.clear();
+    sources_.clear();
+    if (!options_.overwrite) return;
+    for (const Input& input : inputs) protect(input.name);
+    for (const std::string& source : sources) protect(source);
 }
 
-void Converter::convert(const Input& input) {
+Outcome Converter::convert(const Input& input) {
+    Outcome outcome;
     try {
-        convertOrThrow(input);
+        convertOrThrow(input, outcome);
+        outcome.converted = true;
     } catch (const IngestError& error) {
         reporter_.failed(input.name, error);
     } catch (ZarnSysEx& error) {
@@ -112,50 +113,99 @@ void Converter::convert(const Input& input) {
     } catch (const std::exception& error) {
         reporter_.failed(input.name, IngestError(error.what()));
     }
+    return outcome;
 }
 
-void Converter::convertOrThrow(const Input& input) {
+void Converter::convertOrThrow(const Input& input, Outcome& outcome) {
     if (!input.problem.empty()) throw IngestError(input.problem);
-    const std::string result = resultName(input.name);
-    claim(input, result);
+    const std::string name = resultName(input.name);
+    outcome.result = output_.path(name);
+    claim(input, name);
     const HeaderText text = HeaderText::read(input.name);
-    checkExisting(result);
-    if (!options_.dryRun) write(text, result);
-    const std::string resultPath =
-        directory_ ? directory_->path(result) : options_.outputDir + "/" + result;
-    if (options_.dryRun)
-        std::cout << "would convert " + printable(input.name) + " to " + printable(resultPath) +
+    outcome.cards = text.cards().size();
+    const bool isThere = !isFree(outcome.result);
+    const bool isDone = isThere && options_.service && isFrom(text, outcome.result);
+    if (isThere && !isDone) checkReplaceable(outcome.result);
+    if (options_.dryRun) {
+        std::cout << "would convert " + printable(input.name) + " to " + printable(outcome.result) +
                          "\n";
-    reporter_.converted(input.name, text.losses(), options_.checksum, resultPath);
+    } else if (!isDone) {
+        writeOrExplain(text, outcome.result);
+    }
+    if (!options_.dryRun) outcome.size = std::filesystem::file_size(outcome.result);
+    reporter_.converted(input.name, text.losses(), options_.checksum, outcome.result);
 }
 
-void Converter::claim(const Input& input, const std::string& result) {
-    const auto [earlier, isNew] = claims_.emplace(result, &input.name);
-    if (!isNew)
-        throw IngestError("would give the same result " + result + " as " + *earlier->second);
-}
-
-void Converter::checkExisting(const std::string& result) {
-    if (!directory_) return;
+void Converter::protect(const std::string& source) {
     struct stat status = {};
-    if (::lstat(directory_->path(result).c_str(), &status) != 0) return;
-    const std::string path = directory_->path(result);
-    if (S_ISDIR(status.st_mode)) throw IngestError("the result's name " + path + " is a directory");
-    if (!options_.overwrite)
-        throw IngestError("the result " + path + " exists already (--force replaces it)");
-    if (sources_.count({status.st_dev, status.st_ino}) > 0)
-        throw IngestError("the result " + path + " would replace a source of this run");
+    if (::stat(source.c_str(), &status) == 0) sources_.emplace(status.st_dev, status.st_ino);
+    if (::lstat(source.c_str(), &status) == 0) sources_.emplace(status.st_dev, status.st_ino);
 }
 
-void Converter::write(const HeaderText& text, const std::string& result) {
+void Converter::claim(const Input& input, const std::string& name) {
+    const auto [earlier, isNew] = claims_.emplace(name, &input.name);
+    if (!isNew) throw IngestError("would give the same result " + name + " as " + *earlier->second);
+}
+
+bool Converter::isFree(const std::string& result) const {
+    struct stat status = {};
+    if (::lstat(result.c_str(), &status) == 0) return false;
+    if (errno == ENOENT) return true;
+    throw IngestError("the result cannot be named " + result + ": " +
+                      std::generic_category().message(errno));
+}
+
+bool Converter::isFrom(const HeaderText& text, const std::string& result) const {
+    const WorkFile existing(*work_, "existing.fits");  // a name that CFITSIO takes as it is
+    if (::link(result.c_str(), existing.path().c_str()) != 0) return false;
+    try {
+        verifyFile(existing, text, options_.checksum);
+        return true;
+    } catch (const IngestError&) {
+        return false;
+    }
+}
+
+void Converter::checkReplaceable(const std::string& result) const {
+    struct stat status = {};
+    if (::lstat(result.c_str(), &status) != 0) return;
+    if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode))
+        throw IngestError("the result's name " + result + " belongs to something else than a file");
+    if (!options_.overwrite)
+        throw IngestError("the result " + result + " exists already (--force replaces it)");
+    if (sources_.count({status.st_dev, status.st_ino}) > 0)
+        throw IngestError("the result " + result + " would replace a source of this run");
+}
+
+/// CFITSIO and partial writes do not say when it is the disk that is full.
+void Converter::writeOrExplain(const HeaderText& text, const std::string& result) const {
+    try {
+        write(text, result);
+    } catch (const IngestError& error) {
+        throw IngestError(error.what() + diskFull(), error.line());
+    } catch (ZarnSysEx& error) {
+        throw IngestError(error.what() + diskFull());
+    }
+}
+
+void Converter::write(const HeaderText& text, const std::string& result) const {
     fits_clear_errmsg();
     // What was examined is converted, even if the input changes meanwhile.
-    TemporaryFile source(*directory_);
-    FileIO(source.path(), false, true).write(text.text());
-    TemporaryFile target(*directory_);
-    makeFile(source.path(), target, options_.checksum);
+    const WorkFile source(*work_, "header.hdr");
+    FileIO(source.path(), false, true).write(text.text(!options_.checksum));
+    const WorkFile target(*work_, "result.fits");
+    makeFile(source, target, options_.checksum);
     verifyFile(target, text, options_.checksum);
     FileIO file(target.path(), true, false);
     file.open(target.path(), true, false);  // gives the result the archive's permission bits
+    if (options_.service) syncToDisk(target.path());
     target.putInPlace(result, options_.overwrite);
+    if (options_.service) syncToDisk(output_.name());
+}
+
+std::string Converter::diskFull() const {
+    float total = 0;
+    float available = 0;
+    const bool known = ZarnSys::getFilesystemInfo(output_.name().c_str(), &total, &available) == 0;
+    return known && available < FULL_BELOW ? "; the file system of the results is full" : "";
 }

@@ -4,17 +4,36 @@
 
 #include <sys/types.h>
 
-#include <optional>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <set>
 #include <string>
 #include <unordered_map>
 #include <utility>
 #include <vector>
 
-#include "IngestOptions.h"
+#include "HeaderText.h"
 #include "Inputs.h"
 #include "OutputDirectory.h"
 #include "Reporter.h"
+
+/// How results are made.
+struct ConversionOptions {
+    bool overwrite = false;  ///< replace results that exist
+    bool dryRun = false;     ///< examine only
+    bool checksum = false;   ///< add DATASUM and CHECKSUM
+    bool service = false;    ///< results safe on disk; one that exists already from the same text,
+                             ///< as after a crash, counts as converted
+};
+
+/// What became of one file.
+struct Outcome {
+    bool converted = false;
+    std::string result;       ///< path; of a failed file: where it would have been
+    std::size_t cards = 0;    ///< in the text, END left out
+    std::uintmax_t size = 0;  ///< of the result [bytes]
+};
 
 /// Name of the result of an input: its base name up to the last dot that is not its first
 /// character, and ".fits".
@@ -22,25 +41,33 @@ std::string resultName(const std::string& input);
 
 class Converter {
 public:
-    /// @param directory  where results go; none: nothing is written (a dry run in a directory that
-    ///                   does not exist)
-    Converter(const IngestOptions& options, std::optional<OutputDirectory>& directory,
-              const std::vector<Input>& inputs, Reporter& reporter);
+    /// @throw std::exception  with the reason when results cannot be written there
+    Converter(const ConversionOptions& options, const OutputDirectory& output, Reporter& reporter);
+
+    /// Begins a batch: no two of its inputs may have one result, nor may a result replace one of
+    /// its inputs or other `sources`.
+    void beginBatch(const std::vector<Input>& inputs, const std::vector<std::string>& sources);
 
     /// Converts one input, or in a dry run says so, and reports how it went.
-    void convert(const Input& input);
+    Outcome convert(const Input& input);
 
 private:
     using FileId = std::pair<dev_t, ino_t>;
 
-    void convertOrThrow(const Input& input);
-    void claim(const Input& input, const std::string& result);
-    void checkExisting(const std::string& result);
-    void write(const HeaderText& text, const std::string& result);
+    void convertOrThrow(const Input& input, Outcome& outcome);
+    void protect(const std::string& source);
+    void claim(const Input& input, const std::string& name);
+    bool isFree(const std::string& result) const;
+    bool isFrom(const HeaderText& text, const std::string& result) const;
+    void checkReplaceable(const std::string& result) const;
+    void writeOrExplain(const HeaderText& text, const std::string& result) const;
+    void write(const HeaderText& text, const std::string& result) const;
+    std::string diskFull() const;
 
-    const IngestOptions& options_;
-    std::optional<OutputDirectory>& directory_;
+    const ConversionOptions options_;
+    const OutputDirectory output_;
     Reporter& reporter_;
+    std::unique_ptr<WorkDirectory> work_;                         ///< none in a dry run
     std::unordered_map<std::string, const std::string*> claims_;  ///< result, and the input for it
     std::set<FileId> sources_;  ///< files never to be replaced; known when overwriting only
 };

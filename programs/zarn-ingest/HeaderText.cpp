@@ -10,7 +10,6 @@
 #include <filesystem>
 #include <functional>
 #include <iterator>
-#include <map>
 #include <sstream>
 #include <system_error>
 
@@ -22,15 +21,29 @@ namespace {
 
 constexpr std::size_t CARD_LENGTH = 80;
 constexpr std::size_t KEYWORD_LENGTH = 8;
-constexpr std::uintmax_t MAX_BYTES = 64U << 20U;  // far above any header; keeps memory bounded
-constexpr std::size_t BINARY_SHARE = 20;          // one control character in so many: no text
+constexpr std::uintmax_t MAX_BYTES = 16U << 20U;  // far above any header, as is the next one;
+constexpr std::size_t MAX_CARDS = 100000;         // both keep memory and results bounded
+constexpr std::size_t MAX_COUNT_DIGITS = 9;       // of a number that every machine holds
+
+// One character in so many, and a file is no text: control characters; these and non-ASCII ones.
+constexpr std::size_t CONTROL_SHARE = 20;
+constexpr std::size_t UNPRINTABLE_SHARE = 3;
 
 // The cards that a primary header begins with, in this order, and CFITSIO's status without them.
 constexpr struct {
     const char* keyword;
     int status;
 } MANDATORY[] = {{"SIMPLE", NO_SIMPLE}, {"BITPIX", NO_BITPIX}, {"NAXIS", NO_NAXIS}};
-constexpr std::array<const char*, 6> BITPIX_VALUES = {"8", "16", "32", "64", "-32", "-64"};
+
+// Keywords that describe the file; CFITSIO takes HIERARCH cards of these names for them, too.
+constexpr const char* STRUCTURE[] = {"SIMPLE", "BITPIX", "NAXIS",    "NAXIS1",  "NAXIS2", "GROUPS",
+                                     "PCOUNT", "GCOUNT", "CHECKSUM", "DATASUM", "END"};
+constexpr const char* BITPIX_VALUES[] = {"8", "16", "32", "64", "-32", "-64"};
+
+template <typename Words>
+bool contains(const Words& words, const std::string& word) {
+    return std::find(std::begin(words), std::end(words), word) != std::end(words);
+}
 
 bool isPrintable(char c) { return c >= ' ' && c <= '~'; }
 
@@ -94,37 +107,77 @@ bool isZero(const std::string& text) {
     return isWholeNumber(text) && text.find_first_of("123456789") == std::string::npos;
 }
 
+bool isBitpix(const std::string& text) {
+    return contains(BITPIX_VALUES, text.rfind('+', 0) == 0 ? text.substr(1) : text);
+}
+
 /// Whether the keyword is an axis that the conversion leaves in the header.
 bool isLaterAxis(const std::string& keyword) {
     return keyword.rfind("NAXIS", 0) == 0 && keyword != "NAXIS1" && keyword != "NAXIS2" &&
            isWholeNumber(keyword.substr(std::strlen("NAXIS")));
 }
 
-/// Why a card would still describe data in a header without axes; empty: it would not.
-std::string describesData(const Card& card) {
+bool isHierarch(const Card& card) {
+    return card.text.rfind("HIERARCH ", 0) == 0 &&
+           (contains(STRUCTURE, card.keyword) || isLaterAxis(card.keyword));
+}
+
+/// Why a card's value would make a file that cannot be opened, or that still describes data; empty:
+/// it would not. CFITSIO itself crashes on some of these.
+std::string wrongValue(const Card& card) {
+    const std::string& keyword = card.keyword;
     const std::string value = valueOf(card.text);
-    if (isLaterAxis(card.keyword))
-        return card.keyword + " would be left over in a header without data";
-    if (card.keyword == "GROUPS" && value != "F") return "GROUPS asks for data";
-    if (card.keyword == "PCOUNT" && !isZero(value)) return "PCOUNT asks for data";
-    if (card.keyword == "GCOUNT" && !isWholeNumber(value)) return "GCOUNT is no whole number";
+    if (isHierarch(card)) return "CFITSIO takes this card for " + keyword;
+    if (isLaterAxis(keyword)) return keyword + " would be left over in a header without data";
+    if (keyword == "SIMPLE" && value != "T" && value != "F") return "SIMPLE is neither T nor F";
+    if (keyword == "BITPIX" && !isBitpix(value)) return "BITPIX has no legal value";
+    if (keyword == "GROUPS" && value != "F") return "GROUPS asks for data";
+    const bool counts = keyword == "PCOUNT" || keyword == "GCOUNT" || keyword == "NAXIS" ||
+                        keyword == "NAXIS1" || keyword == "NAXIS2";
+    if (counts && (!isWholeNumber(value) || value.size() > MAX_COUNT_DIGITS))
+        return keyword + " is no whole number of up to 9 digits";
+    if (keyword == "PCOUNT" && !isZero(value)) return "PCOUNT asks for data";
     return "";
+}
+
+/// What is wrong with a line that begins with no legal keyword.
+std::string keywordProblem(const std::string& line) {
+    const std::string keyword = line.substr(0, KEYWORD_LENGTH);
+    const std::size_t equals = keyword.find('=');
+    const std::string name = trimmed(keyword.substr(0, equals));
+    if (name.find('\t') != std::string::npos) return "a tab stands in the keyword";
+    if (name.find(' ') != std::string::npos) return "a blank stands within the keyword";
+    if (equals != std::string::npos) return "the equals sign belongs in column 9";
+    return "the keyword holds other characters than letters, digits, - and _";
+}
+
+bool isBinary(const std::string& bytes) {
+    std::size_t control = 0;
+    std::size_t unprintable = 0;
+    for (const char c : bytes) {
+        if (isPrintable(c) || std::isspace(static_cast<unsigned char>(c)) != 0) continue;
+        ++unprintable;
+        if (std::iscntrl(static_cast<unsigned char>(c)) != 0) ++control;
+    }
+    return bytes.find('\0') != std::string::npos || control > bytes.size() / CONTROL_SHARE ||
+           unprintable > bytes.size() / UNPRINTABLE_SHARE;
 }
 
 void refuseOtherThanText(const std::string& bytes) {
     if (bytes.empty()) throw IngestError("is empty");
-    const bool cardsWithoutLines = bytes.compare(0, KEYWORD_LENGTH + 1, "SIMPLE  =") == 0 &&
-                                   bytes.size() > CARD_LENGTH + KEYWORD_LENGTH &&
-                                   bytes.compare(CARD_LENGTH, KEYWORD_LENGTH, "BITPIX  ") == 0;
-    if (cardsWithoutLines) throw IngestError("is a FITS file, not a header text file");
-    const auto control = std::count_if(bytes.begin(), bytes.end(), [](unsigned char c) {
-        return std::iscntrl(c) != 0 && std::isspace(c) == 0;
-    });
-    if (bytes.find('\0') != std::string::npos ||
-        static_cast<std::size_t>(control) > bytes.size() / BINARY_SHARE)
-        throw IngestError("is a binary file, not a header text file");
+    const bool hasLines = bytes.find_first_of("\r\n") < 2 * CARD_LENGTH;
+    const bool isFits = bytes.rfind("SIMPLE  =", 0) == 0 || bytes.rfind("XTENSION=", 0) == 0;
+    if (isFits && !hasLines && bytes.size() > 2 * CARD_LENGTH)
+        throw IngestError("is a FITS file, not a header text file");
+    if (isBinary(bytes)) throw IngestError("is a binary file, not a header text file");
+    if (bytes.find('\n') == std::string::npos && bytes.find('\r') != std::string::npos)
+        throw IngestError("has lines that end in CR alone");
     if (bytes.rfind("\xEF\xBB\xBF", 0) == 0)
         throw IngestError("begins with a byte-order mark before the first card", 1);
+    const auto lines = std::count(bytes.begin(), bytes.end(), '\n');
+    if (static_cast<std::size_t>(lines) > MAX_CARDS)
+        throw IngestError("has more than " + std::to_string(MAX_CARDS) +
+                          " lines, no header text file");
 }
 
 void refuseOtherThanFile(const std::string& fileName) {
@@ -140,6 +193,10 @@ void refuseOtherThanFile(const std::string& fileName) {
 
 }  // namespace
 
+bool isChecksum(const std::string& keyword) {
+    return keyword == "CHECKSUM" || keyword == "DATASUM";
+}
+
 HeaderText HeaderText::read(const std::string& fileName) {
     refuseOtherThanFile(fileName);
     try {
@@ -154,7 +211,17 @@ HeaderText::HeaderText(const std::string& bytes) {
     std::istringstream text(bytes);
     std::size_t number = 0;
     for (std::string line; std::getline(text, line);) addLine(line, ++number);
-    checkStructure();
+    // The conversion appends a missing NAXIS, which is in its place after two cards only.
+    constexpr std::size_t ENOUGH = 2;
+    if (cards_.size() < ENOUGH) checkPlace({"", "(the text ends)", "", number});
+}
+
+std::string HeaderText::text(bool oldChecksums) const {
+    std::string text;
+    for (const Card& card : cards_) {
+        if (oldChecksums || !isChecksum(card.keyword)) text.append(card.line).append("\n");
+    }
+    return text;
 }
 
 void HeaderText::addLine(const std::string& line, std::size_t number) {
@@ -171,45 +238,41 @@ void HeaderText::addLine(const std::string& line, std::size_t number) {
     const auto unprintable =
         std::count_if(columns.begin(), columns.end(), std::not_fn(isPrintable));
     losses_.blanked.add(number, static_cast<std::size_t>(unprintable));
-    addCard(content, number);
+    addCard(columns, number);
 }
 
 void HeaderText::addCard(const std::string& line, std::size_t number) {
     const std::string asWritten = fitted(line);
-    const std::string card = withUpperKeyword(asWritten);
-    if (card != asWritten) losses_.upperCased.add(number);
+    const std::string full = withUpperKeyword(asWritten);
+    if (full != asWritten) losses_.upperCased.add(number);
+    const Card card = {trimmed(full), line, keywordOf(full), number};
+    checkPlace(card);
     int status = 0;
-    if (fits_test_keyword(card.c_str(), &status) != 0)
-        throw cardError("illegal keyword", trimmed(line.substr(0, CARD_LENGTH)), number, status);
-    const std::string keyword = keywordOf(card);
-    if (keyword == "CHECKSUM" || keyword == "DATASUM") losses_.oldChecksum.add(number);
-    ended_ = keyword == "END";
-    if (ended_) return;
-    cards_.push_back({trimmed(card), keyword, number});
-    text_ += line + "\n";
+    if (fits_test_keyword(full.c_str(), &status) != 0)
+        throw cardError(keywordProblem(line), line, number, status);
+    checkCard(card);
+    ended_ = card.keyword == "END";
+    if (!ended_) cards_.push_back(card);
+    if (ended_ && card.text != "END") losses_.hidden.add(number);
 }
 
-void HeaderText::checkStructure() const {
-    for (std::size_t i = 0; i < std::size(MANDATORY); ++i) {
-        const auto& [keyword, status] = MANDATORY[i];
-        // The conversion appends a missing NAXIS, which is in its place after two cards only.
-        if (i == 2 && cards_.size() == 2 && !ended_) break;
-        const Card found = i < cards_.size() ? cards_[i] : Card{"", "", i + 1};
-        if (found.keyword != keyword)
-            throw cardError(std::string(keyword) + " must stand here", found.text, found.line,
-                            status);
-    }
-    const std::string bitpix = valueOf(cards_[1].text);
-    if (std::find(BITPIX_VALUES.begin(), BITPIX_VALUES.end(), bitpix) == BITPIX_VALUES.end())
-        throw cardError("BITPIX has no legal value", cards_[1].text, cards_[1].line, BAD_BITPIX);
-    std::map<std::string, std::size_t> axes;
-    for (const Card& card : cards_) {
-        const std::string problem = describesData(card);
-        if (!problem.empty()) throw IngestError(problem + ": \"" + card.text + "\"", card.line);
-        const bool axis =
-            card.keyword == "NAXIS" || card.keyword == "NAXIS1" || card.keyword == "NAXIS2";
-        if (axis && !axes.emplace(card.keyword, card.line).second)
-            throw IngestError(card.keyword + " stands a second time: \"" + card.text + "\"",
-                              card.line);
-    }
+/// The first cards have their places.
+void HeaderText::checkPlace(const Card& card) const {
+    const std::size_t place = cards_.size();
+    if (place >= std::size(MANDATORY)) return;
+    const auto& [keyword, status] = MANDATORY[place];
+    const bool naxisIsAppended = place + 1 == std::size(MANDATORY) && card.keyword == "END";
+    if (card.keyword == keyword || naxisIsAppended) return;
+    throw cardError("card " + std::to_string(place + 1) + " must be " + keyword, card.line,
+                    card.number, status);
+}
+
+void HeaderText::checkCard(const Card& card) {
+    const std::string problem = wrongValue(card);
+    if (!problem.empty()) throw IngestError(problem + ": \"" + card.line + "\"", card.number);
+    if (isChecksum(card.keyword)) losses_.oldChecksum.add(card.number);
+    const bool structural = contains(STRUCTURE, card.keyword) && !isChecksum(card.keyword);
+    if (structural && !structure_.emplace(card.keyword, card.number).second)
+        throw IngestError(card.keyword + " stands a second time: \"" + card.text + "\"",
+                          card.number);
 }

@@ -7,6 +7,7 @@
 #define ZARN_INGEST_HEADERTEXT_H
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,9 @@ struct Loss {
     }
 };
 
+/// Whether the keyword is one of the two that CFITSIO's checksums stand under.
+bool isChecksum(const std::string& keyword);
+
 /// What the header loses on its way into a FITS file.
 struct Losses {
     Loss cut;          ///< cards with text beyond column 80
@@ -31,11 +35,12 @@ struct Losses {
     Loss oldChecksum;  ///< CHECKSUM and DATASUM cards of the file that the text came from
 };
 
-/// One line as CFITSIO makes a card of it.
+/// One line, and the card that CFITSIO makes of it.
 struct Card {
-    std::string text;     ///< without trailing blanks
+    std::string text;     ///< the card without trailing blanks
+    std::string line;     ///< the line up to column 80
     std::string keyword;  ///< as CFITSIO reads it: HIERARCH names without that word
-    std::size_t line;     ///< line of the text, counted from 1
+    std::size_t number;   ///< of the line, counted from 1
 };
 
 class HeaderText {
@@ -51,17 +56,21 @@ public:
 
     const std::vector<Card>& cards() const { return cards_; }  ///< before END
     const Losses& losses() const { return losses_; }
-    /// The lines of these cards, which are what is converted. Without END, since CFITSIO adds one.
-    const std::string& text() const { return text_; }
+
+    /// What is converted: the lines of these cards, without END, which CFITSIO adds.
+    ///
+    /// @param oldChecksums  false: without CHECKSUM and DATASUM cards, to make room for new ones
+    std::string text(bool oldChecksums) const;
 
 private:
     void addLine(const std::string& line, std::size_t number);
     void addCard(const std::string& line, std::size_t number);
-    void checkStructure() const;
+    void checkPlace(const Card& card) const;
+    void checkCard(const Card& card);
 
     std::vector<Card> cards_;
     Losses losses_;
-    std::string text_;
+    std::map<std::string, std::size_t> structure_;  ///< structural keywords and their lines
     bool ended_ = false;
 };
 

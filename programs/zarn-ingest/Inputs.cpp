@@ -1,16 +1,28 @@
 #include "Inputs.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/ZarnSysEx.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <sstream>
 #include <system_error>
 
 #include "Reading.h"
 
 namespace {
+
+constexpr int NO_LIMIT = 0;  // of matches
+
+/// Why nothing of this name can be read.
+std::string reasonForNothing(const std::string& argument) {
+    struct stat status = {};
+    if (::stat(argument.c_str(), &status) == -1 && errno != ENOENT)
+        return "cannot be read: " + std::generic_category().message(errno);
+    return "no such file, and no file matches it as a pattern";
+}
 
 void addArgument(const std::string& argument, std::vector<Input>& inputs) {
     FileIO file(argument, true, false);
@@ -19,11 +31,10 @@ void addArgument(const std::string& argument, std::vector<Input>& inputs) {
         return;
     }
     std::vector<std::string> matches;
-    file.match(matches, 0);
+    file.match(matches, NO_LIMIT);
     std::sort(matches.begin(), matches.end());
     for (const std::string& match : matches) inputs.push_back({match, ""});
-    if (matches.empty())
-        inputs.push_back({argument, "no such file, and no file matches it as a pattern"});
+    if (matches.empty()) inputs.push_back({argument, reasonForNothing(argument)});
 }
 
 void addNames(const std::string& list, char separator, std::vector<Input>& inputs) {
@@ -35,14 +46,15 @@ void addNames(const std::string& list, char separator, std::vector<Input>& input
     }
 }
 
-std::string readStandardInput(StopSignals& signals) {
+/// Everything that comes, or what came before a signal.
+std::string readList(int fd, const StopSignals& signals) {
     std::string list;
-    while (signals.waitFor(STDIN_FILENO) && readChunk(STDIN_FILENO, list)) {
+    while (signals.waitFor(fd) && readChunk(fd, list)) {
     }
     return list;
 }
 
-/// Adds the names that `read` gives, or what kept it from reading.
+/// Adds the names that the list gives, or what kept it from being read.
 template <typename Read>
 void addList(const std::string& listName, char separator, Read read, std::vector<Input>& inputs) {
     try {
@@ -54,15 +66,17 @@ void addList(const std::string& listName, char separator, Read read, std::vector
 
 }  // namespace
 
-std::vector<Input> collectInputs(const IngestOptions& options, StopSignals& signals) {
-    const char separator = options.nulSeparated ? '\0' : '\n';
+std::vector<Input> collectInputs(const Settings& settings, const StopSignals& signals) {
+    const char separator = settings.nulSeparated ? '\0' : '\n';
     std::vector<Input> inputs;
-    for (const std::string& argument : options.arguments) addArgument(argument, inputs);
-    for (const std::string& list : options.lists)
-        addList(
-            list, separator, [&] { return readFile(list); }, inputs);
-    if (options.standardInput)
-        addList(
-            "standard input", separator, [&] { return readStandardInput(signals); }, inputs);
+    for (const std::string& argument : settings.arguments) addArgument(argument, inputs);
+    for (const std::string& list : settings.lists) {
+        const auto read = [&] { return readList(Descriptor(openForReading(list)).get(), signals); };
+        addList(list, separator, read, inputs);
+    }
+    if (settings.standardInput) {
+        const auto read = [&] { return readList(STDIN_FILENO, signals); };
+        addList("standard input", separator, read, inputs);
+    }
     return inputs;
 }

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "IngestOptions.h"
+#include "Settings.h"
 #include "StopSignals.h"
 
 /// A name to convert, or one that stands for none.
@@ -15,8 +15,7 @@ struct Input {
 };
 
 /// The inputs in the order of the command line, then of its lists, then of standard input. What a
-/// pattern matches comes in alphabetical order. A signal while waiting for standard input ends the
-/// list there.
-std::vector<Input> collectInputs(const IngestOptions& options, StopSignals& signals);
+/// pattern matches comes in alphabetical order. A signal while waiting for a list ends it there.
+std::vector<Input> collectInputs(const Settings& settings, const StopSignals& signals);
 
 #endif  // ZARN_INGEST_INPUTS_H

@@ -1,14 +1,24 @@
 #include "OutputDirectory.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <zarnsys/util/FileIO.h>
+#include <zarnsys/util/ZarnSysEx.h>
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <system_error>
 
+#include "Moving.h"
+
 namespace {
+
+const char WORK_PREFIX[] = ".zarn-ingest-";
+const char WORK_RANDOM[] = "XXXXXX";  // filled in by the system
 
 // Characters to which CFITSIO gives no meaning in the directory part of a name.
 const char PLAIN_CHARACTERS[] =
@@ -19,60 +29,101 @@ constexpr std::size_t MAX_PLAIN_LENGTH = 900;  // CFITSIO holds names of 1024 ch
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-int openDirectory(const std::string& name, bool create) {
-    if (create) FileIO(name, true, false).checkCreateDir(name);
-    const int fd = ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd == -1) fail("output directory " + name);
-    return fd;
+int openDirectory(const std::string& name) {
+    return ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
 }
 
-/// Moves a file to a name that no file has; a failure leaves `errno`.
-bool renameToNew(const std::string& from, const std::string& to) {
-    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
-        return true;
-    if (errno != EINVAL && errno != ENOSYS) return false;
-    // A file system without this kind of renaming has links: a link replaces nothing either.
-    return ::link(from.c_str(), to.c_str()) == 0 && ::unlink(from.c_str()) == 0;
+/// Locks a working directory; false while another run holds it.
+bool lock(const Descriptor& directory) {
+    return directory.get() != -1 && ::flock(directory.get(), LOCK_EX | LOCK_NB) == 0;
+}
+
+bool isRemoved(const Descriptor& directory) {
+    struct stat status = {};
+    return ::fstat(directory.get(), &status) != 0 || status.st_nlink == 0;
+}
+
+/// Creates one level of a directory, or finds that someone else was faster.
+void create(const std::string& name) {
+    try {
+        FileIO(name, true, false).checkCreateDir(name);
+    } catch (ZarnSysEx&) {
+        if (!std::filesystem::is_directory(name)) throw;
+    }
+}
+
+/// Removes the working directories of runs that were killed.
+void removeAbandoned(const std::string& output) {
+    std::error_code ignored;  // what cannot be listed or removed does no harm
+    for (const auto& entry : std::filesystem::directory_iterator(output, ignored)) {
+        if (entry.path().filename().string().rfind(WORK_PREFIX, 0) != 0) continue;
+        const Descriptor directory(openDirectory(entry.path()));
+        if (lock(directory)) std::filesystem::remove_all(entry.path(), ignored);
+    }
+}
+
+/// The directory that would hold a directory.
+std::string parentOf(std::string name) {
+    while (name.size() > 1 && name.back() == '/') name.pop_back();
+    return FileIO(name, true, false).getPath();
+}
+
+std::string makeDirectory(const std::string& output) {
+    std::string name = output + "/" + WORK_PREFIX + WORK_RANDOM;
+    if (::mkdtemp(name.data()) == nullptr) fail("output directory " + output);
+    return name;
+}
+
+/// Makes a working directory and locks it, again if another run took it for abandoned in between.
+int makeLocked(const std::string& output, std::string& name) {
+    for (;;) {
+        name = makeDirectory(output);
+        const Descriptor directory(openDirectory(name));
+        if (lock(directory) && !isRemoved(directory))
+            return ::fcntl(directory.get(), F_DUPFD_CLOEXEC, 0);  // the lock goes with it
+    }
 }
 
 }  // namespace
 
-OutputDirectory::OutputDirectory(const std::string& name, bool create)
-    : name_(name), directory_(openDirectory(name, create)) {
-    if (::access(name.c_str(), W_OK | X_OK) != 0) fail("output directory " + name);
+OutputDirectory::OutputDirectory(const std::string& name, Missing missing) : name_(name) {
+    const bool exists = std::filesystem::exists(std::filesystem::symlink_status(name));
+    if (!exists && missing == Missing::CREATE) create(name);
+    const bool asked = exists || missing == Missing::CREATE;
+    const std::string checked = asked ? name : parentOf(name);
+    std::error_code error;
+    const bool isDirectory = std::filesystem::is_directory(checked, error);
+    if (error) throw std::system_error(error, "output directory " + name);
+    if (!isDirectory) errno = ENOTDIR;
+    if (!isDirectory || ::access(checked.c_str(), W_OK | X_OK) != 0)
+        fail("output directory " + name);
 }
 
 std::string OutputDirectory::path(const std::string& entry) const {
     return name_.back() == '/' ? name_ + entry : name_ + "/" + entry;
 }
 
-std::string OutputDirectory::fitsPath(const std::string& entry) const {
+WorkDirectory::WorkDirectory(const OutputDirectory& output)
+    : directory_((removeAbandoned(output.name()), makeLocked(output.name(), name_))) {}
+
+WorkDirectory::~WorkDirectory() {
+    std::error_code ignored;  // the next run tries again
+    std::filesystem::remove_all(name_, ignored);
+}
+
+std::string WorkDirectory::path(const std::string& entry) const { return name_ + "/" + entry; }
+
+std::string WorkDirectory::fitsPath(const std::string& entry) const {
     const bool plain = name_.find_first_not_of(PLAIN_CHARACTERS) == std::string::npos;
     if (!plain || name_.size() > MAX_PLAIN_LENGTH)
         return "/proc/self/fd/" + std::to_string(directory_.get()) + "/" + entry;
     return name_.front() == '/' ? path(entry) : "./" + path(entry);
 }
 
-std::string OutputDirectory::newTemporary() {
-    std::string entry;
-    do {
-        entry = ".zarn-ingest-" + std::to_string(::getpid()) + "-" +
-                std::to_string(++temporaries_) + ".tmp";
-    } while (FileIO(path(entry), true, false).exists());
-    return entry;
-}
+WorkFile::~WorkFile() { ::unlink(path().c_str()); }
 
-TemporaryFile::TemporaryFile(OutputDirectory& directory)
-    : directory_(directory), name_(directory.newTemporary()) {}
-
-TemporaryFile::~TemporaryFile() {
-    if (!name_.empty()) ::unlink(path().c_str());
-}
-
-void TemporaryFile::putInPlace(const std::string& result, bool overwrite) {
-    const std::string to = directory_.path(result);
+void WorkFile::putInPlace(const std::string& result, bool overwrite) const {
     const bool moved =
-        overwrite ? ::rename(path().c_str(), to.c_str()) == 0 : renameToNew(path(), to);
-    if (!moved) fail("the result cannot be renamed to " + to);
-    name_.clear();
+        overwrite ? ::rename(path().c_str(), result.c_str()) == 0 : renameToNew(path(), result);
+    if (!moved) fail("the result cannot be renamed to " + result);
 }

@@ -20,7 +20,7 @@ Descriptor::~Descriptor() {
 }
 
 int openForReading(const std::string& fileName) {
-    const int fd = ::open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+    const int fd = ::open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
     if (fd == -1) fail();
     return fd;
 }
@@ -28,6 +28,7 @@ int openForReading(const std::string& fileName) {
 bool readChunk(int fd, std::string& bytes) {
     std::array<char, CHUNK> chunk;
     const ssize_t count = ::read(fd, chunk.data(), chunk.size());
+    if (count == -1 && (errno == EAGAIN || errno == EINTR)) return true;
     if (count == -1) fail();
     bytes.append(chunk.data(), static_cast<std::size_t>(count));
     return count > 0;

@@ -22,12 +22,12 @@ private:
     int fd_;
 };
 
-/// Opens a file for reading.
+/// Opens a file for reading, a pipe without waiting for its writer.
 ///
 /// @throw std::system_error  when it cannot be opened
 int openForReading(const std::string& fileName);
 
-/// Appends what one read call gives; false at the end.
+/// Appends what one read call gives, which can be nothing yet; false at the end.
 ///
 /// @throw std::system_error  when reading fails
 bool readChunk(int fd, std::string& bytes);

@@ -7,6 +7,8 @@
 #include <iostream>
 #include <sstream>
 
+#include "zarnsys/util/Log.h"
+
 namespace {
 
 using std::chrono::milliseconds;
@@ -39,7 +41,7 @@ std::string printable(const std::string& text) {
     std::string line;
     for (const char c : text) {
         const auto code = static_cast<unsigned char>(c);
-        if (code >= ' ' && code != DELETE) {
+        if (code >= ' ' && code != DELETE && c != '\\') {
             line += c;
         } else {
             line.append("\\x").append(1, digits[code / 16]).append(1, digits[code % 16]);
@@ -48,8 +50,14 @@ std::string printable(const std::string& text) {
     return line;
 }
 
-Reporter::Reporter(Level level)
-    : level_(level), terminal_(level != Level::QUIET && ::isatty(STDERR_FILENO) == 1) {}
+Reporter::Reporter(Level level) : level_(level) {}
+
+void Reporter::begin(std::size_t total) {
+    const bool seen = level_ != Level::QUIET && !toLog_ && ::isatty(STDERR_FILENO) == 1;
+    total_ = seen ? total : 0;
+    files_ = total;
+    start_ = Clock::now();
+}
 
 void Reporter::converted(const std::string& file, const Losses& losses, bool checksumRenewed,
                          const std::string& result) {
@@ -63,17 +71,22 @@ void Reporter::converted(const std::string& file, const Losses& losses, bool che
     if (!checksumRenewed)
         warn(file, losses.oldChecksum, "checksums of another file (--checksum renews them)");
     if (warnings_ > before) ++warned_;
-    if (level_ == Level::VERBOSE) message(printable(file) + ": gave " + printable(result));
+    if (level_ == Level::VERBOSE || toLog_)
+        message(Kind::INFO, printable(file) + ": gave " + printable(result));
     showProgress();
 }
 
 void Reporter::failed(const std::string& file, const IngestError& error) {
     ++failed_;
-    message(place(file, error.line()) + printable(error.what()));
+    message(Kind::ERROR, place(file, error.line()) + printable(error.what()));
     showProgress();
 }
 
-void Reporter::error(const std::string& text) { message(printable(text)); }
+void Reporter::error(const std::string& text) { message(Kind::ERROR, printable(text)); }
+
+void Reporter::info(const std::string& text) {
+    if (level_ != Level::QUIET) message(Kind::INFO, printable(text));
+}
 
 void Reporter::summary(const std::string& done, int signal) {
     clearProgress();
@@ -83,28 +96,34 @@ void Reporter::summary(const std::string& done, int signal) {
     text << converted_ << " " << done;
     if (warned_ > 0) text << " (" << warned_ << " with warnings)";
     text << ", " << failed_ << " failed";
-    if (signal != 0) text << ", " << total_ - converted_ - failed_ << " left";
+    if (signal != 0 && files_ > 0) text << ", " << files_ - converted_ - failed_ << " left";
     text << " in " << std::fixed << std::setprecision(1) << inSeconds(Clock::now() - start_)
          << " s";
-    message(text.str());
+    message(Kind::INFO, text.str());
 }
 
-void Reporter::message(const std::string& text) {
-    clearProgress();
-    std::cerr << PROGRAM + text + "\n";
+void Reporter::message(Kind kind, const std::string& text) {
+    if (!toLog_) {
+        clearProgress();
+        std::cerr << PROGRAM + text + "\n";
+    } else if (kind == Kind::ERROR) {
+        logError()("%s", text.c_str());
+    } else {
+        logInfo()("%s", text.c_str());
+    }
 }
 
 void Reporter::warn(const std::string& file, const Loss& loss, const std::string& text) {
     if (loss.count == 0) return;
     ++warnings_;
     if (level_ == Level::QUIET) return;
-    message(place(file, loss.firstLine) + "warning: " + text + ": " + std::to_string(loss.count) +
-            " (the first one here)");
+    message(Kind::INFO, place(file, loss.firstLine) + "warning: " + text + ": " +
+                            std::to_string(loss.count) + ", the first in this line");
 }
 
 void Reporter::showProgress() {
     const Clock::time_point now = Clock::now();
-    if (!terminal_ || now - start_ < PROGRESS_AFTER || now - shown_ < PROGRESS_EVERY) return;
+    if (total_ == 0 || now - start_ < PROGRESS_AFTER || now - shown_ < PROGRESS_EVERY) return;
     shown_ = now;
     const std::size_t done = converted_ + failed_;
     const double rate = static_cast<double>(done) / inSeconds(now - start_);

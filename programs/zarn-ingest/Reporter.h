@@ -9,8 +9,8 @@
 #include "HeaderText.h"
 #include "IngestError.h"
 
-/// `text` on one line: control characters as \xHH, so that a name or a card can neither break a
-/// line nor reach the terminal.
+/// `text` on one line: control characters and backslashes as \xHH, so that a name or a card can
+/// neither break a line nor be taken for another.
 std::string printable(const std::string& text);
 
 class Reporter {
@@ -19,16 +19,21 @@ public:
 
     explicit Reporter(Level level);
 
-    /// How many files the progress line counts up to.
-    void begin(std::size_t total) { total_ = total; }
+    /// Sends everything to the log instead, conversions at INFO.
+    void useLog() { toLog_ = true; }
 
-    /// One more file is done. On a terminal, after the first second, progress is shown.
+    /// The work begins: `total` files, up to which progress is shown on a terminal, from the first
+    /// second on.
+    void begin(std::size_t total);
+
+    /// One more file is done.
     void converted(const std::string& file, const Losses& losses, bool checksumRenewed,
                    const std::string& result);
     void failed(const std::string& file, const IngestError& error);
 
-    /// A message about the run as a whole.
+    /// Messages about the run as a whole.
     void error(const std::string& text);
+    void info(const std::string& text);
 
     /// @param done    what was done with files, for example "converted"
     /// @param signal  the signal that ended the run early, or 0
@@ -39,14 +44,17 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    void message(const std::string& text);
+    enum class Kind { ERROR, INFO };
+
+    void message(Kind kind, const std::string& text);
     void warn(const std::string& file, const Loss& loss, const std::string& text);
     void showProgress();
     void clearProgress();
 
     Level level_;
-    bool terminal_;
-    std::size_t total_ = 0;
+    bool toLog_ = false;
+    std::size_t total_ = 0;  ///< 0: no progress is shown
+    std::size_t files_ = 0;  ///< to be done; 0: unknown
     std::size_t converted_ = 0;
     std::size_t warnings_ = 0;
     std::size_t warned_ = 0;  ///< files with a warning

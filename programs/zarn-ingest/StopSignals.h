@@ -1,9 +1,12 @@
 /// Ctrl-C and termination, taken note of between two files.
 ///
-/// While an object lives the process ignores SIGINT, SIGTERM and SIGHUP until asked, so that the
-/// file in hand is always finished. Create it before any thread, and one only.
+/// While an object lives, the first SIGINT, SIGTERM or SIGHUP is noted, and the file in hand is
+/// finished; a second one ends the process at once. A signal that was ignored at the start, as
+/// under nohup, stays ignored. Create the object before any thread, and one only.
 #ifndef ZARN_INGEST_STOPSIGNALS_H
 #define ZARN_INGEST_STOPSIGNALS_H
+
+#include <chrono>
 
 #include "Reading.h"
 
@@ -12,14 +15,16 @@ public:
     StopSignals();
 
     /// The first signal that came, or 0. Does not wait.
-    int received();
+    int received() const;
 
     /// Waits until `fd` can be read, or until a signal comes; false then.
-    bool waitFor(int fd);
+    bool waitFor(int fd) const;
+
+    /// Waits for an interval, or until a signal comes; false then.
+    bool sleep(std::chrono::milliseconds interval) const;
 
 private:
-    Descriptor source_;
-    int received_ = 0;
+    Descriptor wake_;  ///< can be read from the first signal on
 };
 
 #endif  // ZARN_INGEST_STOPSIGNALS_H

@@ -2,7 +2,9 @@
 
 #include <ace/Log_Msg.h>
 #include <ace/Version.h>
+#include <fcntl.h>
 #include <fitsio.h>
+#include <unistd.h>
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/ZarnSysEx.h>
 
@@ -10,13 +12,15 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
-#include <optional>
+#include <memory>
 
+#include "CommandLine.h"
 #include "Converter.h"
-#include "IngestOptions.h"
 #include "Inputs.h"
 #include "OutputDirectory.h"
 #include "Reporter.h"
+#include "RollingLog.h"
+#include "Service.h"
 #include "StopSignals.h"
 
 namespace {
@@ -25,6 +29,10 @@ constexpr int EXIT_SOME_FAILED = 1;
 constexpr int EXIT_WRONG_USAGE = 2;
 constexpr int EXIT_SIGNAL = 128;  // plus the signal's number
 constexpr u_long ERROR_AND_ABOVE = LM_ERROR | LM_CRITICAL | LM_ALERT | LM_EMERGENCY;
+
+void setPriorityMask(u_long mask) {
+    ACE_Log_Msg::instance()->priority_mask(mask, ACE_Log_Msg::PROCESS);
+}
 
 /// The process's arguments under the program's own name, whatever path it was started by.
 std::vector<const char*> asZarnIngest(int argc, char** argv) {
@@ -39,61 +47,93 @@ void ignoreWriteSignals() {
     for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);
 }
 
+/// Fills closed standard streams, so that no other file takes their place. Each is opened the wrong
+/// way round: using it still fails, as it would have.
+void reserveStandardStreams() {
+    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(fd, F_GETFD) == -1)
+            static_cast<void>(::open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+    }
+}
+
 void displayVersion() {
     std::cout << "zarn-ingest " ZARNSYS_VERSION " (CFITSIO " << CFITSIO_MAJOR << '.'
               << CFITSIO_MINOR << '.' << CFITSIO_MICRO << ", ACE " ACE_VERSION ")\n";
 }
 
-Reporter::Level levelOf(const IngestOptions& options) {
-    if (options.quiet) return Reporter::Level::QUIET;
-    return options.verbose ? Reporter::Level::VERBOSE : Reporter::Level::NORMAL;
+Reporter::Level levelOf(const Settings& settings) {
+    if (settings.quiet) return Reporter::Level::QUIET;
+    return settings.verbose ? Reporter::Level::VERBOSE : Reporter::Level::NORMAL;
 }
 
-/// Opens the output directory; a dry run goes without one that does not exist.
-void openOutput(const IngestOptions& options, std::optional<OutputDirectory>& directory) {
-    if (options.dryRun && !FileIO(options.outputDir, true, false).exists()) {
-        std::cout << "would create the directory " + printable(options.outputDir) + "\n";
-        return;
-    }
-    directory.emplace(options.outputDir, !options.dryRun);
+/// Whether the files come from the pattern of a properties file alone.
+bool isService(const Settings& settings) {
+    const bool named =
+        !settings.arguments.empty() || !settings.lists.empty() || settings.standardInput;
+    return !named && !settings.dryRun;
 }
 
-int convertAll(const IngestOptions& options) {
-    Reporter reporter(levelOf(options));
-    StopSignals signals;
-    std::optional<OutputDirectory> directory;
-    openOutput(options, directory);
-    const std::vector<Input> inputs = collectInputs(options, signals);
-    Converter converter(options, directory, inputs, reporter);
+/// Converts the files that are named.
+void convertNamed(Settings settings, const StopSignals& signals, Reporter& reporter) {
+    if (settings.arguments.empty() && settings.dryRun && !settings.pattern.empty())
+        settings.arguments = {settings.pattern};
+    const auto missing =
+        settings.dryRun ? OutputDirectory::Missing::CAN_CREATE : OutputDirectory::Missing::CREATE;
+    if (settings.dryRun && !FileIO(settings.outputDir, true, false).exists())
+        std::cout << "would create the directory " + printable(settings.outputDir) + "\n";
+    ConversionOptions options;
+    options.overwrite = settings.overwrite;
+    options.dryRun = settings.dryRun;
+    options.checksum = settings.checksum;
+    Converter converter(options, OutputDirectory(settings.outputDir, missing), reporter);
+    const std::vector<Input> inputs = collectInputs(settings, signals);
+    converter.beginBatch(inputs, settings.lists);
     reporter.begin(inputs.size());
     for (const Input& input : inputs) {
         if (signals.received() != 0) break;
         converter.convert(input);
     }
-    reporter.summary(options.dryRun ? "would be converted" : "converted", signals.received());
+}
+
+int work(const Settings& settings) {
+    Reporter reporter(levelOf(settings));
+    const StopSignals signals;
+    std::unique_ptr<RollingLog> log;
+    if (!settings.logFile.empty()) {
+        if (!settings.verbose) setPriorityMask(ERROR_AND_ABOVE | LM_INFO);
+        log = std::make_unique<RollingLog>(settings);
+        reporter.useLog();
+    }
+    if (isService(settings)) {
+        Service(settings, signals, reporter).run();
+    } else {
+        convertNamed(settings, signals, reporter);
+    }
+    reporter.summary(settings.dryRun ? "would be converted" : "converted", signals.received());
+    if (settings.watch) return EXIT_SUCCESS;
     if (signals.received() != 0) return EXIT_SIGNAL + signals.received();
     return reporter.anyFailed() ? EXIT_SOME_FAILED : EXIT_SUCCESS;
 }
 
-int run(IngestConfig& config) {
-    const IngestOptions options = config.parse();
-    if (options.help) {
-        config.displayFullHelp();
+int run(CommandLine& commandLine) {
+    const Settings settings = commandLine.parse();
+    if (settings.help) {
+        commandLine.displayFullHelp();
         return EXIT_SUCCESS;
     }
-    if (options.version) {
+    if (settings.version) {
         displayVersion();
         return EXIT_SUCCESS;
     }
-    if (options.verbose) ACE_Log_Msg::instance()->priority_mask(~0UL, ACE_Log_Msg::PROCESS);
-    config.displayCommandLine();
-    return convertAll(options);
+    if (settings.verbose) setPriorityMask(~0UL);
+    commandLine.displayCommandLine();
+    return work(settings);
 }
 
 /// Runs the program and reports what ends it as a whole.
-int runReporting(IngestConfig& config) {
+int runReporting(CommandLine& commandLine) {
     try {
-        return run(config);
+        return run(commandLine);
     } catch (const UsageError& error) {
         std::cerr << std::string("zarn-ingest: ") + error.what() + "; see zarn-ingest --help\n";
         return EXIT_WRONG_USAGE;
@@ -108,10 +148,11 @@ int runReporting(IngestConfig& config) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    reserveStandardStreams();
     ignoreWriteSignals();
-    ACE_Log_Msg::instance()->priority_mask(ERROR_AND_ABOVE, ACE_Log_Msg::PROCESS);
-    IngestConfig config(asZarnIngest(argc, argv));
-    const int status = runReporting(config);
+    setPriorityMask(ERROR_AND_ABOVE);
+    CommandLine commandLine(asZarnIngest(argc, argv));
+    const int status = runReporting(commandLine);
     if (!std::cout.flush()) {
         std::cerr << "zarn-ingest: standard output cannot be written\n";
         return EXIT_SOME_FAILED;

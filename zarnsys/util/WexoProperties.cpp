@@ -9,6 +9,7 @@
 namespace {
 
 constexpr std::size_t DEFAULT_MAP_SIZE = 16;  // sections and values per section, to begin with
+constexpr bool NEVER_CREATE = false;
 
 /// Opens `section`, whatever comes of it, and reads `key` there.
 template <typename Value>
@@ -53,8 +54,8 @@ int WexoProperties::load(const std::string& filename) {
 
 int WexoProperties::open_section(const std::string& section) {
     logDebug()("Opening section %s", section.c_str());
-    constexpr bool create = false;
-    if (config_.open_section(config_.root_section(), section.c_str(), create, section_) == -1) {
+    if (config_.open_section(config_.root_section(), section.c_str(), NEVER_CREATE, section_) ==
+        -1) {
         logError()("Can't open section %s", section.c_str());
         return -1;
     }

@@ -47,7 +47,7 @@ public:
     /// @return         0, or -1 when there is no such section. Then no section is current, or
     ///                 still the earlier one when the name is none that ACE takes (empty, over 255
     ///                 characters, with brackets).
-    int open_section(const std::string& section);
+    int open_section(const std::string& section);  // NOLINT(readability-identifier-naming): given
 
     /// The value as it stands in the file, without blanks and quotes around it.
     int get(const std::string& key, std::string& val);
@@ -72,8 +72,10 @@ public:
 
 protected:
     WexoProperties();
+    // NOLINTBEGIN(modernize-use-equals-delete): the published interface has them protected
     WexoProperties(const WexoProperties& other) = delete;
     WexoProperties& operator=(const WexoProperties& other) = delete;
+    // NOLINTEND(modernize-use-equals-delete)
 
     static WexoProperties* instance_;  ///< null until the first call of `instance`
 

@@ -1,0 +1,131 @@
+#include "CommandLine.h"
+
+#include <iostream>
+
+#include "Properties.h"
+
+namespace {
+
+constexpr char NONE = GenConfig::NO_SHORT_NAME;
+
+// The program's options: long name, short name, argument (none: a flag), help, default.
+const struct {
+    const char* name;
+    char shortName;
+    const char* argument;
+    const char* help;
+    const char* defaultValue;
+} OPTIONS[] = {
+    {"checksum", 'c', "", "Add DATASUM and CHECKSUM to each result", ""},
+    {"dry-run", 'n', "", "Say what would be done, and do nothing", ""},
+    {"force", 'f', "", "Replace results that exist", ""},
+    {"help", 'h', "", "Show this help", ""},
+    {"list", 'l', "FILE", "Convert the files named in FILE, one name a line; may be repeated", ""},
+    {"null", '0', "", "Names in lists and on standard input end in NUL (short: -0)", ""},
+    {"output-dir", 'o', "DIR", "Directory of the results, created when missing (one level)",
+     ". (the current directory)"},
+    {"properties", 'p', "FILE", "Take settings from a properties file; options win", ""},
+    {"quiet", 'q', "", "Report errors only, without warnings and summary", ""},
+    {"retry-failed", NONE, "", "Put the files that failed back to where new ones arrive", ""},
+    {"stdin", NONE, "", "Convert the files named on standard input", ""},
+    {"verbose", 'v', "", "Report each file, and the library's own log lines below ERROR", ""},
+    {"version", 'V', "", "Show the versions of the program and its libraries", ""},
+    {"watch", 'w', "", "Look for new files again and again, until Ctrl-C or SIGTERM", ""},
+};
+
+const struct {
+    const char* name;
+    bool Settings::*flag;
+} FLAGS[] = {
+    {"checksum", &Settings::checksum},   {"dry-run", &Settings::dryRun},
+    {"force", &Settings::overwrite},     {"help", &Settings::help},
+    {"null", &Settings::nulSeparated},   {"quiet", &Settings::quiet},
+    {"stdin", &Settings::standardInput}, {"retry-failed", &Settings::retryFailed},
+    {"verbose", &Settings::verbose},     {"version", &Settings::version},
+    {"watch", &Settings::watch},
+};
+
+const char NOTES[] = R"(
+Each line of a header text file becomes one card of a FITS file that holds this
+header and no data. The result of dir/name.ext is DIR/name.fits: it appears when
+it is complete and can be read, or not at all. Nothing else is touched.
+
+  zarn-ingest -o fits night1/*.hdr
+  zarn-ingest -o fits 'night1/*.hdr'                    (more names than fit a line)
+  find . -name '*.hdr' -print0 | zarn-ingest -o fits --stdin --null
+  zarn-ingest -p ingest.ini --watch                               (as a service)
+
+An argument that names an existing file is that file; any other is expanded as a
+shell pattern. Names from lists are never patterns. A name that begins with a
+dash is written ./-name.hdr; so is a directory or list for an option. Flags take
+no value: --force=no is --force.
+
+Messages read "zarn-ingest: FILE:LINE: text", lines counted from 1.
+
+Exit status: 0 every file was converted, with warnings or not; 1 some were not;
+2 wrong usage; 130, 143 or 129 stopped by Ctrl-C, SIGTERM or SIGHUP, after the
+file in hand was finished (a second one ends the program at once). With --watch
+these signals are the ordinary end, with status 0.
+)";
+
+/// Settings that exclude or lack each other.
+void checkTogether(const Settings& settings) {
+    const bool named = !settings.lists.empty() || settings.standardInput;
+    const bool chosen = named || !settings.arguments.empty();
+    if (settings.outputDir.empty()) throw UsageError("option --output-dir: the name is empty");
+    if (settings.quiet && settings.verbose)
+        throw UsageError("--quiet and --verbose exclude each other");
+    if (settings.nulSeparated && !named) throw UsageError("--null needs --list or --stdin");
+    if (!chosen && settings.pattern.empty()) throw UsageError("no file to convert");
+    const bool service = !chosen && !settings.dryRun;
+    if (settings.watch && !service)
+        throw UsageError("--watch takes its files from the pattern of a properties file alone");
+    if (settings.watch && (settings.doneDir.empty() || settings.failedDir.empty()))
+        throw UsageError("--watch needs the properties done and failed: where sources go");
+    if (settings.retryFailed && (!service || settings.failedDir.empty()))
+        throw UsageError("--retry-failed needs the properties pattern and failed");
+}
+
+}  // namespace
+
+CommandLine::CommandLine(std::vector<const char*> arguments)
+    : GenConfig(static_cast<int>(arguments.size()), arguments.data()) {
+    for (const auto& [name, shortName, argument, help, defaultValue] : OPTIONS) {
+        const bool takesArgument = *argument != '\0';
+        optionMap_[name] = {shortName, argument, false, takesArgument, help, defaultValue};
+    }
+    optionMap_[NON_OPTIONAL_ARG] = {
+        NONE, "[FILE|PATTERN...]", false, false, "Header text files, and patterns of their names",
+        ""};
+}
+
+bool CommandLine::given(const std::string& option) const {
+    return !optionMap_.at(option).availValues_.empty();
+}
+
+void CommandLine::applyOptions(Settings& settings) const {
+    settings.arguments = argumentVect_;
+    if (given("list")) settings.lists = optionMap_.at("list").availValues_;
+    if (given("output-dir")) settings.outputDir = optionMap_.at("output-dir").availValues_.back();
+    for (const auto& [name, flag] : FLAGS) {
+        if (given(name)) settings.*flag = true;
+    }
+}
+
+Settings CommandLine::parse() {
+    if (parseCommandLine(true) != 0) throw UsageError("the command line is wrong");
+    Settings settings;
+    applyOptions(settings);
+    if (settings.help || settings.version) return settings;
+    if (given("properties")) {
+        settings = readProperties(optionMap_.at("properties").availValues_.back());
+        applyOptions(settings);
+    }
+    checkTogether(settings);
+    return settings;
+}
+
+void CommandLine::displayFullHelp() const {
+    displayHelp();
+    std::cout << NOTES << std::flush;
+}

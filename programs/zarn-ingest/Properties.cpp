@@ -1,0 +1,182 @@
+#include "Properties.h"
+
+#include <ace/Configuration_Import_Export.h>
+#include <zarnsys/util/StringUtils.h>
+#include <zarnsys/util/WexoProperties.h>
+
+#include <algorithm>
+#include <iostream>
+#include <iterator>
+#include <limits>
+#include <set>
+#include <sstream>
+#include <system_error>
+#include <utility>
+#include <variant>
+
+#include "Reading.h"
+#include "Reporter.h"
+
+namespace {
+
+using Text = std::string Settings::*;
+using Texts = std::vector<std::string> Settings::*;
+using Number = unsigned Settings::*;
+using Flag = bool Settings::*;
+
+const std::string INGEST = "ingest";
+const std::string SERVICE = "service";
+const std::string LOG = "log";
+
+// What the file may set, and the smallest number allowed.
+const struct Property {
+    const std::string& section;
+    const char* key;
+    std::variant<Text, Texts, Number, Flag> member;
+    unsigned least;
+} PROPERTIES[] = {
+    {INGEST, "pattern", &Settings::pattern, 0},
+    {INGEST, "output-dir", &Settings::outputDir, 0},
+    {INGEST, "list", &Settings::lists, 0},
+    {INGEST, "stdin", &Settings::standardInput, 0},
+    {INGEST, "null", &Settings::nulSeparated, 0},
+    {INGEST, "force", &Settings::overwrite, 0},
+    {INGEST, "checksum", &Settings::checksum, 0},
+    {INGEST, "dry-run", &Settings::dryRun, 0},
+    {INGEST, "quiet", &Settings::quiet, 0},
+    {INGEST, "verbose", &Settings::verbose, 0},
+    {INGEST, "watch", &Settings::watch, 0},
+    {INGEST, "retry-failed", &Settings::retryFailed, 0},
+    {SERVICE, "done", &Settings::doneDir, 0},
+    {SERVICE, "failed", &Settings::failedDir, 0},
+    {SERVICE, "journal", &Settings::journalDir, 0},
+    {SERVICE, "poll", &Settings::pollInterval, 1},
+    {SERVICE, "settle", &Settings::settleTime, 0},
+    {SERVICE, "least-free", &Settings::leastFree, 0},
+    {LOG, "file", &Settings::logFile, 0},
+    {LOG, "size", &Settings::logSize, 1},
+    {LOG, "files", &Settings::logFiles, 1},
+    {LOG, "interval", &Settings::logInterval, 1},
+    {LOG, "priorities", &Settings::logPriorities, 0},
+    {LOG, "flags", &Settings::logFlags, 0},
+    {LOG, "program", &Settings::logProgram, 0},
+};
+constexpr unsigned MOST = std::numeric_limits<int>::max();  // what the logging settings hold
+
+using Keys = std::set<std::pair<std::string, std::string>>;
+
+/// The first line that ACE's importer cannot take, and why; 0: there is none.
+std::pair<std::size_t, std::string> firstWrongLine(const std::string& text) {
+    std::istringstream lines(text);
+    bool inSection = false;
+    std::size_t number = 0;
+    for (std::string line; std::getline(lines, line);) {
+        ++number;
+        const std::size_t begin = line.find_first_not_of(" \t\r");
+        if (begin == std::string::npos || line[begin] == '#' || line[begin] == ';') continue;
+        const bool opens = line[begin] == '[';
+        if (opens && line.find(']') == std::string::npos)
+            return {number, "a bracket is not closed"};
+        if (!opens && line.find('=') == std::string::npos)
+            return {number, "no '=' and no [section]"};
+        if (!opens && !inSection) return {number, "a key before the first [section]"};
+        inSection = true;
+    }
+    return {0, ""};
+}
+
+/// Every key of the file, which `WexoProperties` cannot list: the file is read once more.
+Keys keysOf(const std::string& fileName) {
+    ACE_Configuration_Heap heap;
+    heap.open();
+    ACE_Ini_ImpExp(heap).import_config(fileName.c_str());
+    Keys keys;
+    ACE_TString section;
+    for (int i = 0; heap.enumerate_sections(heap.root_section(), i, section) == 0; ++i) {
+        ACE_Configuration_Section_Key opened;
+        heap.open_section(heap.root_section(), section.c_str(), false, opened);
+        ACE_TString key;
+        ACE_Configuration::VALUETYPE type = ACE_Configuration::STRING;
+        for (int j = 0; heap.enumerate_values(opened, j, key, type) == 0; ++j)
+            keys.emplace(section.c_str(), key.c_str());
+    }
+    return keys;
+}
+
+[[noreturn]] void failValue(const std::string& fileName, const Property& property,
+                            const std::string& expected) {
+    std::string value;
+    WexoProperties::instance()->get(property.section, property.key, value);
+    throw UsageError(printable(fileName + ": [" + property.section + "] " + property.key + " = " +
+                               value + ": must be " + expected));
+}
+
+/// Takes a property's value, as text first, into the settings.
+class Taker {
+public:
+    Taker(const std::string& fileName, const Property& property, Settings& settings)
+        : fileName_(fileName), property_(property), settings_(settings) {}
+
+    void operator()(Text member) {
+        properties_.get(property_.section, property_.key, settings_.*member);
+        if ((settings_.*member).empty()) failValue(fileName_, property_, "something");
+        const bool words = (settings_.*member).find_first_of(" \t\"'") != std::string::npos;
+        if (property_.section == LOG && words)
+            failValue(fileName_, property_, "one word: the log takes no blanks and quotes");
+    }
+    void operator()(Texts member) {
+        std::string names;
+        properties_.get(property_.section, property_.key, names);
+        ZarnSys::split(names, " \t", settings_.*member);
+    }
+    void operator()(Number member) {
+        u_int value = 0;
+        const int status = properties_.get(property_.section, property_.key, value);
+        const bool inRange = value >= property_.least && value <= MOST;
+        if (status != 0 || !inRange) {
+            failValue(fileName_, property_,
+                      "a whole number from " + std::to_string(property_.least) + " to " +
+                          std::to_string(MOST));
+        }
+        settings_.*member = value;
+    }
+    void operator()(Flag member) {
+        if (properties_.get(property_.section, property_.key, settings_.*member) != 0)
+            failValue(fileName_, property_, "T or F");
+    }
+
+private:
+    const std::string& fileName_;
+    const Property& property_;
+    Settings& settings_;
+    WexoProperties& properties_ = *WexoProperties::instance();
+};
+
+void checkLines(const std::string& fileName) {
+    try {
+        const auto [line, problem] = firstWrongLine(readFile(fileName));
+        if (line > 0)
+            throw UsageError(printable(fileName) + ":" + std::to_string(line) + ": " + problem);
+    } catch (const std::system_error& error) {
+        throw UsageError(printable(fileName) + ": cannot be read: " + error.code().message());
+    }
+}
+
+}  // namespace
+
+Settings readProperties(const std::string& fileName) {
+    checkLines(fileName);
+    if (WexoProperties::instance()->load(fileName) != 0)
+        throw UsageError(printable(fileName) + ": cannot be read");
+    Settings settings;
+    settings.properties = fileName;
+    Keys keys = keysOf(fileName);
+    for (const Property& property : PROPERTIES) {
+        if (keys.erase({property.section, property.key}) > 0)
+            std::visit(Taker(fileName, property, settings), property.member);
+    }
+    for (const auto& [section, key] : keys)
+        std::cerr << "zarn-ingest: " + printable(fileName) + ": warning: unknown property [" +
+                         printable(section) + "] " + printable(key) + "\n";
+    return settings;
+}

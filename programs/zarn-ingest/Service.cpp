@@ -1,0 +1,150 @@
+#include "Service.h"
+
+#include <sys/stat.h>
+#include <zarnsys/util/FileIO.h>
+#include <zarnsys/util/Utils.h>
+#include <zarnsys/util/ZarnSysEx.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <stdexcept>
+#include <system_error>
+
+#include "IngestError.h"
+
+namespace {
+
+using std::chrono::seconds;
+
+ConversionOptions conversionOf(const Settings& settings) {
+    ConversionOptions options;
+    options.overwrite = settings.overwrite;
+    options.checksum = settings.checksum;
+    options.service = true;
+    return options;
+}
+
+dev_t fileSystemOf(const std::string& directory) {
+    struct stat status = {};
+    if (::stat(directory.c_str(), &status) != 0)
+        throw std::system_error(errno, std::generic_category(), "directory " + directory);
+    return status.st_dev;
+}
+
+/// A move within a file system is one step; between two it could leave half a file.
+void checkSameFileSystem(const std::string& from, const std::string& to) {
+    if (fileSystemOf(from) != fileSystemOf(to))
+        throw std::runtime_error("the directories " + from + " and " + to +
+                                 " must be on one file system");
+}
+
+}  // namespace
+
+Service::Service(const Settings& settings, const StopSignals& signals, Reporter& reporter)
+    : settings_(settings),
+      signals_(signals),
+      reporter_(reporter),
+      arrivals_(settings.pattern, seconds(settings.settleTime)) {
+    std::vector<std::string> locked = {arrivals_.directory(), settings.outputDir};
+    for (const std::string& target : {settings.doneDir, settings.failedDir}) {
+        if (target.empty()) continue;
+        FileIO(target, true, true).checkCreateDir(target);
+        checkSameFileSystem(arrivals_.directory(), target);
+        locked.push_back(target);
+    }
+    if (!settings.journalDir.empty()) {
+        FileIO(settings.journalDir, true, true).checkCreateDir(settings.journalDir);
+        locked.push_back(settings.journalDir);
+    }
+    const OutputDirectory output(settings.outputDir, OutputDirectory::Missing::CREATE);
+    locks_ = std::make_unique<DirectoryLocks>(locked);
+    converter_ = std::make_unique<Converter>(conversionOf(settings), output, reporter);
+    if (!settings.journalDir.empty()) journal_ = std::make_unique<Journal>(settings.journalDir);
+}
+
+void Service::run() {
+    if (settings_.retryFailed) putBackFailed();
+    if (settings_.watch) {
+        do {
+            doSettled();
+        } while (signals_.sleep(seconds(settings_.pollInterval)));
+        return;
+    }
+    arrivals_.settled();
+    if (!signals_.sleep(seconds(settings_.settleTime)) || !doSettled()) return;
+    if (arrivals_.unsettled() > 0)
+        reporter_.info(std::to_string(arrivals_.unsettled()) +
+                       " files are left: someone was still writing them");
+}
+
+void Service::putBackFailed() {
+    for (const auto& entry : std::filesystem::directory_iterator(settings_.failedDir)) {
+        const std::string name = withoutNumber(entry.path().filename());
+        const std::string target = arrivals_.directory() + "/" + name;
+        if (!renameToNew(entry.path(), target))
+            reporter_.failed(entry.path(), IngestError("cannot be put back to " + target + ": " +
+                                                       std::generic_category().message(errno)));
+    }
+}
+
+/// Does what has settled; false when it had to stop early.
+bool Service::doSettled() {
+    std::vector<Input> batch;
+    std::set<std::string> stillStuck;
+    for (const std::string& name : arrivals_.settled()) {
+        if (stuck_.count(name) > 0) {
+            stillStuck.insert(name);
+        } else {
+            batch.push_back({name, ""});
+        }
+    }
+    stuck_ = stillStuck;
+    converter_->beginBatch(batch, {});
+    for (const Input& input : batch) {
+        if (signals_.received() != 0 || !hasRoom() || !handle(input)) return false;
+    }
+    return true;
+}
+
+bool Service::hasRoom() {
+    float total = 0;
+    float available = 0;
+    const char* directory = settings_.outputDir.c_str();
+    const bool known = ZarnSys::getFilesystemInfo(directory, &total, &available) == 0;
+    const bool room = !known || available >= static_cast<float>(settings_.leastFree);
+    if (!room && !waitsForRoom_)
+        reporter_.error("less than " + std::to_string(settings_.leastFree) + " MiB are free in " +
+                        settings_.outputDir + ": no file is converted until there is room");
+    if (room && waitsForRoom_) reporter_.info("there is room again in " + settings_.outputDir);
+    waitsForRoom_ = !room;
+    return room;
+}
+
+/// Converts a file, tells of it and moves it away; false when the journal cannot be written: the
+/// file is then recognised at the next try.
+bool Service::handle(const Input& input) {
+    const Outcome outcome = converter_->convert(input);
+    try {
+        if (journal_) journal_->add(input.name, outcome);
+        journalFails_ = false;
+    } catch (ZarnSysEx& error) {
+        if (!journalFails_) reporter_.error(error.what());
+        journalFails_ = true;
+    } catch (const std::exception& error) {
+        if (!journalFails_) reporter_.error(error.what());
+        journalFails_ = true;
+    }
+    if (!journalFails_) move(input.name, outcome.converted);
+    return !journalFails_;
+}
+
+void Service::move(const std::string& source, bool converted) {
+    const std::string& directory = converted ? settings_.doneDir : settings_.failedDir;
+    if (directory.empty()) return;
+    try {
+        moveInto(source, directory);
+    } catch (const std::exception& error) {
+        reporter_.error(error.what());
+        stuck_.insert(source);
+    }
+}
