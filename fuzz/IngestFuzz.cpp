@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
-#include <optional>
 #include <string>
 
 #include "programs/zarn-ingest/Converter.h"
@@ -25,16 +24,19 @@ std::uintmax_t sizeOfHeader(const std::string& text) {
     return (cards * CARD + BLOCK - 1) / BLOCK * BLOCK;
 }
 
-void convert(const TempDir& dir, const std::string& text) {
+void convert(const std::string& text) {
+    static const TempDir dir;
+    static const OutputDirectory output(dir / "out", OutputDirectory::Missing::CREATE);
+    static Reporter reporter(Reporter::Level::QUIET);
     dir.put("x.hdr", text);
     ConversionOptions options;
-    options.outputDir = dir / "out";
     options.checksum = text.size() % 2 == 0;
-    std::optional<OutputDirectory> directory(std::in_place, options.outputDir, true);
-    const std::vector<Input> inputs = {{dir / "x.hdr", ""}};
-    Reporter reporter(Reporter::Level::QUIET);
-    Converter(options, directory, inputs, reporter).convert(inputs.front());
-    for (const auto& entry : std::filesystem::directory_iterator(options.outputDir)) {
+    options.service = text.size() % 3 == 0;
+    {
+        Converter converter(options, output, reporter);
+        converter.convert({dir / "x.hdr", ""});
+    }
+    for (const auto& entry : std::filesystem::directory_iterator(output.name())) {
         if (entry.path().filename() != "x.fits" || entry.file_size() > sizeOfHeader(text))
             std::abort();
         std::filesystem::remove(entry.path());
@@ -50,7 +52,6 @@ extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const TempDir dir;
-    convert(dir, std::string(reinterpret_cast<const char*>(data), size));
+    convert(std::string(reinterpret_cast<const char*>(data), size));
     return 0;
 }
