@@ -3,6 +3,8 @@
 #include <array>
 #include <cstdlib>
 #include <ctime>
+#include <locale>
+#include <string>
 
 #include "zarnsys/util/WexoTime.h"
 
@@ -63,7 +65,18 @@ TEST(WexoTimeTest, IsoFormIsLocalTimeFilledWithZeros) {
     }
 }
 
-TEST(WexoTimeTest, UnixFormDoesNotKnowTimeZones) {
+/// Groups digits, as many countries' locales do.
+class Grouping : public std::numpunct<char> {
+    char do_thousands_sep() const override { return ','; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+TEST(WexoTimeTest, UnixFormDoesNotKnowTimeZonesNorAnyFormLocales) {
+    const std::locale before =
+        std::locale::global(std::locale(std::locale::classic(), new Grouping));
+    EXPECT_EQ(WexoTime::asISOTimeString(timeOf(0, 123456)).substr(20), "123456");
+    EXPECT_EQ(WexoTime::asUnixTimeString(timeOf(1176985399, 42)), "1176985399.000042");
+    std::locale::global(before);
     const TimeZone timeZone("NST3:30NDT,M3.2.0,M11.1.0");
     EXPECT_EQ(WexoTime::asUnixTimeString(timeOf(1176985399, 42)), "1176985399.000042");
     EXPECT_EQ(WexoTime::asUnixTimeString(timeOf(0, 0)), "0.000000");

@@ -2,13 +2,14 @@
 
 #include <ace/Configuration_Import_Export.h>
 
+#include <locale>
 #include <sstream>
 
 #include "zarnsys/util/Log.h"
 
 namespace {
 
-constexpr std::size_t DEFAULT_MAP_SIZE = 16;  // sections and values per section, to begin with
+constexpr std::size_t DEFAULT_MAP_SIZE = 16;  // hash buckets of each section
 constexpr bool NEVER_CREATE = false;
 
 /// Opens `section`, whatever comes of it, and reads `key` there.
@@ -81,6 +82,7 @@ int WexoProperties::get(const std::string& key, u_int& val) {
         return -1;
     }
     std::istringstream stringData(tmpString);
+    stringData.imbue(std::locale::classic());  // no grouping, whatever the program's locale
     u_int tmpVal = 0;
     if (!(stringData >> tmpVal)) {
         logError()("Can't parse value %s for unsigned integer property %s", tmpString.c_str(),

@@ -36,24 +36,27 @@ public:
 
     /// Adds the values of a file to those loaded before; a key given again takes the later value.
     ///
-    /// @return  0, or -1 when the file cannot be read. A file that ACE gives up in the middle (a
-    ///          line without '=', an unclosed bracket, a key before the first section) counts as
-    ///          loaded: the values before that line are there.
+    /// @return  0, or -1 when the file cannot be read. A file that ACE gives up in the middle (for
+    ///          example at a line without '=', an unclosed bracket, a key before the first section,
+    ///          a name with a bracket, a line over 4095 characters) counts as loaded: the values
+    ///          before that line are there.
     int load(const std::string& filename);
 
     /// Makes a section current.
     ///
     /// @param section  name from the root; a backslash separates the names of nested sections
-    /// @return         0, or -1 when there is no such section. Then no section is current, or
-    ///                 still the earlier one when the name is none that ACE takes (empty, over 255
-    ///                 characters, with brackets).
+    /// @return         0, or -1 when there is no such section. What is current then is what ACE
+    ///                 leaves: the root, which holds no values; of a nested name its last section
+    ///                 that exists; or, for a name that ACE does not take (for example an empty one
+    ///                 or one with brackets), the earlier section.
     int open_section(const std::string& section);  // NOLINT(readability-identifier-naming): given
 
-    /// The value as it stands in the file, without blanks and quotes around it.
+    /// The value as it stands in the file, without blanks around it and then without one pair of
+    /// double quotes around it.
     int get(const std::string& key, std::string& val);
 
-    /// A whole number in decimal, blanks around it allowed: 0 to 4294967295. A minus sign before
-    /// a number of that range gives what the standard's conversion gives: 4294967296 less it.
+    /// A whole number in decimal, 0 to 4294967295, blanks around it and a plus sign allowed. With a
+    /// minus sign, by the standard's conversion, it counts modulo 4294967296: -1 is 4294967295.
     int get(const std::string& key, u_int& val);
 
     /// A number as above, as an interval [s]. On 32-bit x86, where the system's time has 32 bits,

@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <iomanip>
+#include <locale>
 #include <sstream>
 
 namespace {
@@ -17,11 +18,18 @@ constexpr int YEAR_WIDTH = 4;
 constexpr int FIELD_WIDTH = 2;  // month, day, hour, minute, second
 constexpr int MICROSECOND_WIDTH = 6;
 
+/// A stream that groups no digits, whatever the program's locale.
+std::ostringstream plainStream() {
+    std::ostringstream stream;
+    stream.imbue(std::locale::classic());
+    return stream;
+}
+
 }  // namespace
 
 std::string WexoTime::asISOTimeString(const ACE_Time_Value& timeValue) {
     const ACE_Date_Time time(timeValue);
-    std::ostringstream text;
+    std::ostringstream text = plainStream();
     text << std::right << std::setfill('0');
     text << std::setw(YEAR_WIDTH) << time.year();
     text << '-' << std::setw(FIELD_WIDTH) << time.month();
@@ -39,7 +47,7 @@ ACE_TCHAR* WexoTime::asISOTimeString(const ACE_Time_Value& timeValue, ACE_TCHAR*
 }
 
 std::string WexoTime::asUnixTimeString(const ACE_Time_Value& timeValue) {
-    std::ostringstream text;
+    std::ostringstream text = plainStream();
     text << timeValue.sec() << '.';
     text << std::right << std::setfill('0') << std::setw(MICROSECOND_WIDTH) << timeValue.usec();
     return text.str();

@@ -18,8 +18,8 @@ namespace WexoTime {
 /// Every part has at least the width shown there, filled with '0' on its left, sign included: a
 /// later year than 9999 is wider, microseconds of -5 read 0000-5.
 ///
-/// @param timeValue  seconds and microseconds since the Unix epoch; a year that the system's
-///                   calendar cannot hold (beyond 2147485547) gives meaningless numbers
+/// @param timeValue  seconds and microseconds since the Unix epoch; a year that a 32-bit integer
+///                   cannot hold gives meaningless numbers
 ZARNSYS_EXPORT std::string asISOTimeString(const ACE_Time_Value& timeValue);
 
 /// The same into a buffer of the caller's.
