@@ -4,35 +4,8 @@
 # Everything happens in a directory of its own, which is removed at the end.
 set -u
 program=$(realpath "$1") samples=$(realpath "$2") real=${3:-}
-work=$(mktemp -d "${TMPDIR:-/tmp}/zarn-ingest-test-XXXXXX")
-trap 'cd /; rm -rf "$work"' EXIT
-chmod 755 "$work"
-passed=0 failed=0
+. "$(dirname "$0")/support/checks.sh"
 
-# run STATUS ARGUMENT...: runs the program here, keeps its output, checks its exit status.
-run() {
-    local expected=$1 status
-    shift
-    "$program" "$@" >out.txt 2>err.txt
-    status=$?
-    check "exit status $status instead of $expected of: $*" [ "$status" = "$expected" ]
-}
-# check WHAT COMMAND...: counts; on failure says what is wrong.
-check() {
-    local what=$1
-    shift
-    if "$@"; then
-        passed=$((passed + 1))
-    else
-        failed=$((failed + 1))
-        echo "FAILED in $current: $what"
-        sed 's/^/    stderr: /' err.txt
-    fi
-}
-says() { check "no such message: $1" grep -qF -- "$1" err.txt; }
-silent() { check "unexpected messages" [ ! -s err.txt ]; }
-has() { check "$1 is missing" [ -e "$1" ]; }
-hasNot() { check "$1 is there" [ ! -e "$1" ]; }
 # No file of ours but the named ones; temporary ones start with a dot.
 only() { check "other files than: $*" [ "$(ls -A out)" = "$(printf '%s\n' "$@" | sort)" ]; }
 cards() { fold -w 80 "$1" | sed 's/ *$//' | sed '/^END$/q'; }
@@ -386,10 +359,4 @@ testRealHeaders() {
     says "7 converted (4 with warnings), 5 failed"
 }
 
-for current in $(declare -F | sed -n 's/^declare -f \(test.*\)/\1/p'); do
-    mkdir "$work/$current" && cd "$work/$current" && : >err.txt
-    umask 022
-    "$current"
-done
-echo "$passed passed, $failed failed"
-[ "$failed" = 0 ]
+runTests

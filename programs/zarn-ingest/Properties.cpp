@@ -61,6 +61,7 @@ const struct Property {
     {LOG, "flags", &Settings::logFlags, 0},
     {LOG, "program", &Settings::logProgram, 0},
 };
+constexpr std::size_t MAX_LINE = 4095;                      // what ACE reads at once [characters]
 constexpr unsigned MOST = std::numeric_limits<int>::max();  // what the logging settings hold
 
 using Keys = std::set<std::pair<std::string, std::string>>;
@@ -75,8 +76,10 @@ std::pair<std::size_t, std::string> firstWrongLine(const std::string& text) {
         const std::size_t begin = line.find_first_not_of(" \t\r");
         if (begin == std::string::npos || line[begin] == '#' || line[begin] == ';') continue;
         const bool opens = line[begin] == '[';
+        if (line.size() > MAX_LINE) return {number, "more than 4095 characters"};
         if (opens && line.find(']') == std::string::npos)
             return {number, "a bracket is not closed"};
+        if (opens && line.compare(begin, 2, "[]") == 0) return {number, "a section without name"};
         if (!opens && line.find('=') == std::string::npos)
             return {number, "no '=' and no [section]"};
         if (!opens && !inSection) return {number, "a key before the first [section]"};
@@ -89,7 +92,8 @@ std::pair<std::size_t, std::string> firstWrongLine(const std::string& text) {
 Keys keysOf(const std::string& fileName) {
     ACE_Configuration_Heap heap;
     heap.open();
-    ACE_Ini_ImpExp(heap).import_config(fileName.c_str());
+    if (ACE_Ini_ImpExp(heap).import_config(fileName.c_str()) != 0)
+        throw UsageError(printable(fileName) + ": is no properties file throughout");
     Keys keys;
     ACE_TString section;
     for (int i = 0; heap.enumerate_sections(heap.root_section(), i, section) == 0; ++i) {
@@ -120,9 +124,10 @@ public:
     void operator()(Text member) {
         properties_.get(property_.section, property_.key, settings_.*member);
         if ((settings_.*member).empty()) failValue(fileName_, property_, "something");
-        const bool words = (settings_.*member).find_first_of(" \t\"'") != std::string::npos;
+        const bool words = (settings_.*member).find_first_of(" \t\"'$") != std::string::npos;
         if (property_.section == LOG && words)
-            failValue(fileName_, property_, "one word: the log takes no blanks and quotes");
+            failValue(fileName_, property_,
+                      "one word without quotes and $, which the log would not take as they are");
     }
     void operator()(Texts member) {
         std::string names;

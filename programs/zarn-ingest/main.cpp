@@ -95,9 +95,8 @@ void convertNamed(Settings settings, const StopSignals& signals, Reporter& repor
     }
 }
 
-int work(const Settings& settings) {
+int work(const Settings& settings, const StopSignals& signals) {
     Reporter reporter(levelOf(settings));
-    const StopSignals signals;
     std::unique_ptr<RollingLog> log;
     if (!settings.logFile.empty()) {
         if (!settings.verbose) setPriorityMask(ERROR_AND_ABOVE | LM_INFO);
@@ -115,7 +114,7 @@ int work(const Settings& settings) {
     return reporter.anyFailed() ? EXIT_SOME_FAILED : EXIT_SUCCESS;
 }
 
-int run(CommandLine& commandLine) {
+int run(CommandLine& commandLine, const StopSignals& signals) {
     const Settings settings = commandLine.parse();
     if (settings.help) {
         commandLine.displayFullHelp();
@@ -127,13 +126,13 @@ int run(CommandLine& commandLine) {
     }
     if (settings.verbose) setPriorityMask(~0UL);
     commandLine.displayCommandLine();
-    return work(settings);
+    return work(settings, signals);
 }
 
 /// Runs the program and reports what ends it as a whole.
-int runReporting(CommandLine& commandLine) {
+int runReporting(CommandLine& commandLine, const StopSignals& signals) {
     try {
-        return run(commandLine);
+        return run(commandLine, signals);
     } catch (const UsageError& error) {
         std::cerr << std::string("zarn-ingest: ") + error.what() + "; see zarn-ingest --help\n";
         return EXIT_WRONG_USAGE;
@@ -149,10 +148,11 @@ int runReporting(CommandLine& commandLine) {
 
 int main(int argc, char** argv) {
     reserveStandardStreams();
+    const StopSignals signals;
     ignoreWriteSignals();
     setPriorityMask(ERROR_AND_ABOVE);
     CommandLine commandLine(asZarnIngest(argc, argv));
-    const int status = runReporting(commandLine);
+    const int status = runReporting(commandLine, signals);
     if (!std::cout.flush()) {
         std::cerr << "zarn-ingest: standard output cannot be written\n";
         return EXIT_SOME_FAILED;

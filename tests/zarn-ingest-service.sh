@@ -1,0 +1,183 @@
+#!/usr/bin/env bash
+# Tests of zarn-ingest as a service: arrivals, journal, moves, crashes, logs.
+#   zarn-ingest-service.sh PROGRAM SAMPLES
+# Everything happens in a directory of its own, which is removed at the end.
+set -u
+program=$(realpath "$1") samples=$(realpath "$2")
+. "$(dirname "$0")/support/checks.sh"
+
+# properties [SECTION KEY VALUE]...: writes p.ini with what every service here needs, and more.
+properties() {
+    {
+        printf '[ingest]\npattern = in/*.hdr\noutput-dir = fits\n'
+        printf '[service]\ndone = done\nfailed = failed\njournal = journal\npoll = 1\n'
+        printf 'settle = 0\nleast-free = 0\n'
+        while [ $# -gt 0 ]; do
+            printf '[%s]\n%s = %s\n' "$1" "$2" "$3"
+            shift 3
+        done
+    } >p.ini
+    mkdir -p in
+}
+# arrive FILE...: puts samples into the incoming directory as a careful writer does.
+arrive() {
+    local name
+    for name in "$@"; do
+        cp "$samples/imager.hdr" "in/.$name" && mv "in/.$name" "in/$name"
+    done
+}
+start() {
+    "$program" -p p.ini --watch "$@" >out.txt 2>err.txt &
+    service=$!
+}
+stop() {
+    kill -"${1:-TERM}" "$service"
+    wait "$service"
+    check "status of the service" [ $? = "${2:-0}" ]
+}
+# waitFor CONDITION...: for 20 seconds at the most.
+waitFor() {
+    local i
+    for i in $(seq 200); do
+        "$@" && return
+        sleep 0.1
+    done
+    check "never came true: $*" false
+}
+journalFields() { cat journal/*.journal | cut -f "$1"; }
+count() { find "$1" -type f ! -path '*/.zarn*' 2>/dev/null | wc -l; }
+hasFiles() { [ "$(count "$1")" = "$2" ]; }
+
+testOneRun() {
+    properties; arrive a.hdr b.hdr; cp "$samples/broken.hdr" in/; mkdir in/d.hdr
+    run 1 -p p.ini
+    says "broken.hdr:7:"
+    check "results" [ "$(ls fits)" = "$(printf 'a.fits\nb.fits')" ]
+    check "done" [ "$(ls done)" = "$(printf 'a.hdr\nb.hdr')" ]
+    check "failed" [ "$(ls failed)" = broken.hdr ]
+    check "sources left" hasFiles in 0
+    check "journal" [ "$(journalFields 3-)" = "$(printf '%s\t%s\t%s\t%s\t%s\n' \
+        in/a.hdr fits/a.fits converted 18 2880 in/b.hdr fits/b.fits converted 18 2880 \
+        in/broken.hdr fits/broken.fits failed 0 0)" ]
+    check "times" [ "$(journalFields 1,2 | grep -cE '^[0-9-]{10}T[0-9:]{8}\.([0-9]{6})	[0-9]{10}\.\1$')" = 3 ]
+    sed -i 's/EXP TIME/EXPTIME /' failed/broken.hdr
+    run 0 -q -p p.ini --retry-failed; silent
+    has fits/broken.fits; has done/broken.hdr
+    arrive a.hdr; sed -i 's/Field 17/Field 18/' in/a.hdr
+    run 1 -q -p p.ini; says 'fits/a.fits exists already'; has failed/a.hdr
+    arrive a.hdr; sed -i 's/Field 17/Field 19/' in/a.hdr
+    run 0 -q -p p.ini -f; silent
+    check "not replaced" grep -q 'Field 19' fits/a.fits
+    check "the second source" grep -q 'Field 19' 'done/a.hdr.~1~'
+    check "modes" [ "$(stat -c %a fits/a.fits)" = 664 ]
+}
+
+testProperties() {
+    local line
+    mkdir in
+    for line in 'service poll 0' 'service poll 1x' 'ingest force yes' 'log size -1' 'log file a b'; do
+        # shellcheck disable=SC2086 # three words
+        set -- $line
+        properties "$1" "$2" "${line#"$1 $2 "}"
+        run 2 -p p.ini; says "p.ini: [$1] $2 = ${line#"$1 $2 "}: must be"
+    done
+    properties; echo 'no equals' >>p.ini; run 2 -p p.ini; says "p.ini:11: no '='"
+    echo 'key = 1' >p.ini; run 2 -p p.ini; says 'p.ini:1: a key before the first'
+    run 2 -p missing.ini; says 'missing.ini: cannot be read: No such file'
+    properties other key 1; run 0 -q -p p.ini; says 'unknown property [other] key'
+    properties ingest pattern 'i*/a.hdr'; run 2 -p p.ini; says 'only its last component'
+    run 2 -w x; says '--watch takes its files'
+    properties; arrive a.hdr; run 0 -n -p p.ini -o else
+    check "dry run" grep -qx 'would convert in/a.hdr to else/a.fits' out.txt
+    hasNot else; has in/a.hdr
+    sed "s|/var/[a-z]*/zarn-ingest/|$PWD/|" "$samples/../../programs/zarn-ingest/service/zarn-ingest.ini" >p.ini
+    run 1 -q -p p.ini; says 'incoming'
+}
+
+testWatch() {
+    properties service settle 2 log file log/l.log
+    start
+    waitFor [ -e log/l.log ]
+    arrive a.hdr
+    head -n 5 "$samples/imager.hdr" >in/slow.hdr
+    for i in 1 2 3 4 5 6; do sleep 0.5; echo "COMMENT $i" >>in/slow.hdr; done
+    check "taken half-finished" [ ! -e fits/slow.fits ]
+    waitFor [ -e done/slow.hdr ]
+    check "not the whole file" grep -q 'COMMENT 6' fits/slow.fits
+    "$program" -p p.ini -w -o fits2 2>err2.txt
+    check "a second service" [ $? = 1 ]
+    check "its message" grep -q 'another zarn-ingest works in the directory in' err2.txt
+    stop
+    silent
+    check "log" grep -q 'INFO .* in/a.hdr: gave fits/a.fits' log/l.log
+    check "working directories" [ -z "$(ls -A fits | grep '^\.')" ]
+}
+
+# Whatever was written when the power went: the next run makes one result and one line of it.
+testRecovery() {
+    properties; arrive a.hdr b.hdr c.hdr
+    run 0 -q -p p.ini
+    mv done/c.hdr in/; touch -d 'now - 1 hour' in/c.hdr  # killed between journal and move
+    sleep 0.1
+    printf 'torn' >>journal/*.journal
+    mv done/b.hdr in/b.hdr
+    sed -i '/b.hdr/d' journal/*.journal                  # killed between result and journal
+    mkdir fits/.zarn-ingest-AAAAAA
+    run 0 -q -p p.ini; silent
+    check "places" [ "$(ls -A fits done | tr '\n' ' ')" = 'done: a.hdr b.hdr c.hdr  fits: a.fits b.fits c.fits ' ]
+    check "a torn line" [ -z "$(grep torn journal/*.journal)" ]
+    check "lines for b" [ "$(journalFields 3 | grep -c b.hdr)" = 1 ]
+}
+
+testRoom() {
+    properties service least-free 1000000000
+    arrive a.hdr
+    run 0 -p p.ini; says 'less than 1000000000 MiB are free'
+    has in/a.hdr
+    start; sleep 2.5; stop
+    check "said once" [ "$(grep -c 'MiB are free' err.txt)" = 1 ]
+    has in/a.hdr; hasNot fits/a.fits
+}
+
+testLog() {
+    properties log file log/l.log log size 20 log files 3 log interval 1
+    for i in $(seq 400); do cp "$samples/imager.hdr" "in/a-rather-long-name-of-a-file-$i.hdr"; done
+    start -v
+    waitFor hasFiles done 400
+    waitFor [ -e log/l.log.1 ]
+    stop
+    check "kept" [ "$(ls log | wc -l)" -le 3 ]
+    mkdir blocked.log
+    properties log file blocked.log
+    run 1 -p p.ini; says 'the log blocked.log is not being written'
+}
+
+# Killed again and again while files arrive: nothing is lost, nothing is done twice.
+testKills() {
+    local files=300 kills=12 i
+    properties ingest checksum T
+    (for i in $(seq $files); do
+        sed "s/Field 17/Field $i/" "$samples/imager.hdr" >"in/.$i"; mv "in/.$i" "in/$i.hdr"
+        [ $((i % 20)) != 0 ] || sleep 0.1
+    done) &
+    local writer=$!
+    for i in $(seq $kills); do
+        start
+        sleep "0.$((RANDOM % 9))"
+        kill -KILL "$service"
+        wait "$service" 2>/dev/null
+    done
+    wait $writer
+    start
+    sed "s/Field 17/Field $((++files))/" "$samples/imager.hdr" >"in/.last"; mv in/.last "in/$files.hdr"
+    waitFor hasFiles done $files
+    waitFor [ -e "done/$files.hdr" ]; stop  # it runs by now, and ends in its own way
+    check "results" hasFiles fits $files
+    check "sources" hasFiles in 0
+    check "failures" hasFiles failed 0
+    check "journal" [ "$(journalFields 3 | sort -u | wc -l) $(journalFields 3 | wc -l)" = "$files $files" ]
+    for i in $(seq $files); do grep -q "Field $i'" "fits/$i.fits" || check "content of $i" false; done
+    check "working directories" [ -z "$(ls -A fits | grep '^\.')" ]
+}
+
+runTests
