@@ -117,14 +117,18 @@ testWatch() {
 testRecovery() {
     properties; arrive a.hdr b.hdr c.hdr
     run 0 -q -p p.ini
-    mv done/c.hdr in/; touch -d 'now - 1 hour' in/c.hdr  # killed between journal and move
-    sleep 0.1
+    mv done/c.hdr in/  # killed between journal and move: the line is younger than the file's name
+    sed -i "\$s/\t[0-9.]*\t/\t$(($(date +%s) + 1)).000000\t/" journal/*.journal
     printf 'torn' >>journal/*.journal
     mv done/b.hdr in/b.hdr
     sed -i '/b.hdr/d' journal/*.journal                  # killed between result and journal
     mkdir fits/.zarn-ingest-AAAAAA
-    run 0 -q -p p.ini; silent
-    check "places" [ "$(ls -A fits done | tr '\n' ' ')" = 'done: a.hdr b.hdr c.hdr  fits: a.fits b.fits c.fits ' ]
+    arrive a0.hdr
+    run 0 -v -p p.ini
+    check "c comes first" grep -q 'in/c.hdr: gave' <(grep -m 1 ': gave' err.txt)
+    check "lines for c" [ "$(journalFields 3 | grep -c c.hdr)" = 1 ]
+    check "places" [ "$(ls -A fits done | tr '\n' ' ')" = \
+        'done: a.hdr a0.hdr b.hdr c.hdr  fits: a.fits a0.fits b.fits c.fits ' ]
     check "a torn line" [ -z "$(grep torn journal/*.journal)" ]
     check "lines for b" [ "$(journalFields 3 | grep -c b.hdr)" = 1 ]
 }

@@ -97,6 +97,10 @@ void Journal::add(const std::string& source, const Outcome& outcome) {
     }
 }
 
+bool Journal::isLast(const std::string& source) const {
+    return lastRecord_.rfind(printable(source) + '\t', 0) == 0;
+}
+
 bool Journal::isToldAlready(const std::string& source, const std::string& record) const {
     return record == lastRecord_ && changeTime(source) < lastTime_;
 }

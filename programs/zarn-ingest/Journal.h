@@ -27,6 +27,10 @@ public:
     /// @throw ZarnSysEx, std::exception  when the line cannot be written; a torn one is mended then
     void add(const std::string& source, const Outcome& outcome);
 
+    /// Whether the last line of an earlier run tells of this name. Such a file comes first: a line
+    /// in between would make it forgotten.
+    bool isLast(const std::string& source) const;
+
 private:
     bool isToldAlready(const std::string& source, const std::string& record) const;
     void openFor(const std::string& fileName);

@@ -5,6 +5,7 @@
 #include <zarnsys/util/Utils.h>
 #include <zarnsys/util/ZarnSysEx.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <stdexcept>
@@ -99,6 +100,9 @@ bool Service::doSettled() {
         }
     }
     stuck_ = stillStuck;
+    std::stable_partition(batch.begin(), batch.end(), [this](const Input& input) {
+        return journal_ && journal_->isLast(input.name);
+    });
     converter_->beginBatch(batch, {});
     for (const Input& input : batch) {
         if (signals_.received() != 0 || !hasRoom() || !handle(input)) return false;
