@@ -42,13 +42,13 @@ testConversion() {
     sed 's/^NAXIS .*/NAXIS   =                    0 \/ # of axes in frame/; /^NAXIS[12]/d' \
         "$samples/imager.hdr" | sed 's/ *$//' >expected
     check "cards differ" cmp -s expected <(cards out/imager.fits)
-    run 1 -o out "$samples/spectrograph.hdr" "$samples/broken.hdr" "$samples/imager.hdr"
-    says "$samples/spectrograph.hdr:15: warning: cards cut at 80 characters: 1"
+    run 1 -o out "$samples/slit-spectrograph.hdr" "$samples/broken.hdr" "$samples/imager.hdr"
+    says "$samples/slit-spectrograph.hdr:15: warning: cards cut at 80 characters: 1"
     says "$samples/broken.hdr:7: a blank stands within the keyword: \"EXP TIME="
     says 'CFITSIO status 207: illegal character in keyword'
     says "imager.hdr: the result out/imager.fits exists already"
     says "1 converted (1 with warnings), 2 failed"
-    only continued.fits imager.fits spectrograph.fits
+    only continued.fits imager.fits slit-spectrograph.fits
     echo old >out/imager.fits
     run 0 -q -f -o out/ "$samples/imager.hdr"; silent
     check "not replaced" cmp -s expected <(cards out/imager.fits)
