@@ -94,7 +94,7 @@ int main(int argc, char** argv) {
     if (argc != 4) return 2;
     const std::string log = std::string(argv[1]) + "/lines.log";
     linesPerThread = std::strtoul(argv[2], nullptr, 10) / THREADS;
-    const int kept = std::atoi(argv[3]);
+    const int kept = static_cast<int>(std::strtol(argv[3], nullptr, 10));
     WexoLogConfig config;
     config.setFileName(log);
     config.setMaxFileSize(ROLL_ABOVE);

@@ -1,5 +1,6 @@
 /// Includes every public header and uses one thing of each.
 
+#include <zarnsys/util/Astronomy.h>
 #include <zarnsys/util/Export.h>
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/FitsUtils.h>
@@ -9,7 +10,9 @@
 #include <zarnsys/util/WexoLogConfig.h>
 #include <zarnsys/util/WexoProperties.h>
 #include <zarnsys/util/WexoTime.h>
+#include <zarnsys/util/ZarnMoonVal.h>
 #include <zarnsys/util/ZarnSysEx.h>
+#include <zarnsys/util/ZarnTime.h>
 
 int main(int argc, char** argv) {
     std::vector<const char*> arguments(argv, argv + argc);
@@ -22,7 +25,8 @@ int main(int argc, char** argv) {
         const bool works = ZarnSys::lower(error.what()).find("missing/file") != std::string::npos &&
                            ZarnSys::getFilesystemInfo(".", &total, &available) == 0 &&
                            config.parseCommandLine(false) == 0 &&
-                           ZarnSysFits::RECORD_MAX_LENGTH == FLEN_CARD;
+                           ZarnSysFits::RECORD_MAX_LENGTH == FLEN_CARD && adj_time(36.5) == -11.5 &&
+                           ZarnMoonVal(0, 0, MJD_DATE(51544.5), OLAN).getFLI() > 0;
         return works ? 0 : 1;
     }
     return 2;

@@ -49,7 +49,7 @@ public:
     ///                 leaves: the root, which holds no values; of a nested name its last section
     ///                 that exists; or, for a name that ACE does not take (for example an empty one
     ///                 or one with brackets), the earlier section.
-    int open_section(const std::string& section);  // NOLINT(readability-identifier-naming): given
+    int open_section(const std::string& section);
 
     /// The value as it stands in the file, without blanks around it and then without one pair of
     /// double quotes around it.
