@@ -136,7 +136,7 @@ testRecovery() {
 testRoom() {
     properties service least-free 1000000000
     arrive a.hdr
-    run 0 -p p.ini; says 'less than 1000000000 MiB are free'
+    run 1 -p p.ini; says 'less than 1000000000 MiB are free'
     has in/a.hdr
     start; sleep 2.5; stop
     check "said once" [ "$(grep -c 'MiB are free' err.txt)" = 1 ]

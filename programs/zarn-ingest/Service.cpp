@@ -63,19 +63,20 @@ Service::Service(const Settings& settings, const StopSignals& signals, Reporter&
     if (!settings.journalDir.empty()) journal_ = std::make_unique<Journal>(settings.journalDir);
 }
 
-void Service::run() {
+bool Service::run() {
     if (settings_.retryFailed) putBackFailed();
     if (settings_.watch) {
         do {
             doSettled();
         } while (signals_.sleep(seconds(settings_.pollInterval)));
-        return;
+        return true;
     }
     arrivals_.settled();
-    if (!signals_.sleep(seconds(settings_.settleTime)) || !doSettled()) return;
+    const bool whole = signals_.sleep(seconds(settings_.settleTime)) && doSettled();
     if (arrivals_.unsettled() > 0)
         reporter_.info(std::to_string(arrivals_.unsettled()) +
                        " files are left: someone was still writing them");
+    return whole && stuck_.empty();
 }
 
 void Service::putBackFailed() {

@@ -27,7 +27,9 @@ public:
     Service(const Settings& settings, const StopSignals& signals, Reporter& reporter);
 
     /// Works until a signal comes, or, unless it watches, until what is there has been done.
-    void run();
+    ///
+    /// @return  false when it had to leave settled files or could not move them away
+    bool run();
 
 private:
     void putBackFailed();

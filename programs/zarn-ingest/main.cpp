@@ -103,15 +103,16 @@ int work(const Settings& settings, const StopSignals& signals) {
         log = std::make_unique<RollingLog>(settings);
         reporter.useLog();
     }
+    bool whole = true;
     if (isService(settings)) {
-        Service(settings, signals, reporter).run();
+        whole = Service(settings, signals, reporter).run();
     } else {
         convertNamed(settings, signals, reporter);
     }
     reporter.summary(settings.dryRun ? "would be converted" : "converted", signals.received());
     if (settings.watch) return EXIT_SUCCESS;
     if (signals.received() != 0) return EXIT_SIGNAL + signals.received();
-    return reporter.anyFailed() ? EXIT_SOME_FAILED : EXIT_SUCCESS;
+    return whole && !reporter.anyFailed() ? EXIT_SUCCESS : EXIT_SOME_FAILED;
 }
 
 int run(CommandLine& commandLine, const StopSignals& signals) {
