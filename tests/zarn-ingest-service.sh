@@ -65,17 +65,25 @@ testOneRun() {
     has fits/broken.fits; has done/broken.hdr
     arrive a.hdr; sed -i 's/Field 17/Field 18/' in/a.hdr
     run 1 -q -p p.ini; says 'fits/a.fits exists already'; has failed/a.hdr
+    rm failed/a.hdr
     arrive a.hdr; sed -i 's/Field 17/Field 19/' in/a.hdr
     run 0 -q -p p.ini -f; silent
     check "not replaced" grep -q 'Field 19' fits/a.fits
     check "the second source" grep -q 'Field 19' 'done/a.hdr.~1~'
+    arrive a.hdr; sed -i 4,18d in/a.hdr
+    run 1 -q -p p.ini; says 'fits/a.fits exists already'
+    cp "$samples/imager.hdr" in/l; ln -s l in/link.hdr
+    touch other; mv other failed/other.txt
+    run 0 -v -p p.ini --retry-failed -f
+    check "a result with more cards" [ "$(fold -w 80 fits/a.fits | grep -c OBSERVER)" = 0 ]
+    has failed/other.txt; has fits/link.fits; [ -L done/link.hdr ] || check "the link" false
     check "modes" [ "$(stat -c %a fits/a.fits)" = 664 ]
 }
 
 testProperties() {
     local line
     mkdir in
-    for line in 'service poll 0' 'service poll 1x' 'ingest force yes' 'log size -1' 'log file a b'; do
+    for line in 'log priorities FOO' 'log flags STDERR|BAR' 'service poll 0' 'service poll 1x' 'ingest force yes' 'log size -1' 'log file a b'; do
         # shellcheck disable=SC2086 # three words
         set -- $line
         properties "$1" "$2" "${line#"$1 $2 "}"
@@ -86,6 +94,7 @@ testProperties() {
     run 2 -p missing.ini; says 'missing.ini: cannot be read: No such file'
     properties other key 1; run 0 -q -p p.ini; says 'unknown property [other] key'
     properties ingest pattern 'i*/a.hdr'; run 2 -p p.ini; says 'only its last component'
+    properties service done in; run 1 -p p.ini; says 'in cannot serve two purposes'
     run 2 -w x; says '--watch takes its files'
     properties; arrive a.hdr; run 0 -n -p p.ini -o else
     check "dry run" grep -qx 'would convert in/a.hdr to else/a.fits' out.txt
@@ -180,7 +189,7 @@ testKills() {
     check "sources" hasFiles in 0
     check "failures" hasFiles failed 0
     check "journal" [ "$(journalFields 3 | sort -u | wc -l) $(journalFields 3 | wc -l)" = "$files $files" ]
-    for i in $(seq $files); do grep -q "Field $i'" "fits/$i.fits" || check "content of $i" false; done
+    for i in $(seq $files); do grep -qs "Field $i'" "fits/$i.fits" || check "content of $i" false; done
     check "working directories" [ -z "$(ls -A fits | grep '^\.')" ]
 }
 

@@ -29,14 +29,11 @@ std::vector<std::string> Arrivals::settled() {
     std::map<std::string, Seen> seen;
     std::vector<std::string> settled;
     for (const std::string& name : names) {
-        struct stat status = {};
-        if (::lstat(name.c_str(), &status) != 0) continue;
-        if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) continue;
-        const std::int64_t modified = status.st_mtim.tv_sec * NANOSECONDS + status.st_mtim.tv_nsec;
-        Seen file = {status.st_size, modified, now};
+        Seen file = {};
+        if (!look(name, file)) continue;
+        file.since = now;
         const auto before = seen_.find(name);
-        if (before != seen_.end() && before->second.size == file.size &&
-            before->second.modified == file.modified)
+        if (before != seen_.end() && isSame(before->second, file))
             file.since = before->second.since;
         seen.emplace(name, file);
         if (now - file.since >= settle_) settled.push_back(name);
@@ -44,4 +41,25 @@ std::vector<std::string> Arrivals::settled() {
     seen_ = std::move(seen);
     unsettled_ = seen_.size() - settled.size();
     return settled;
+}
+
+bool Arrivals::isUnchanged(const std::string& name) const {
+    Seen now = {};
+    const auto before = seen_.find(name);
+    return before != seen_.end() && look(name, now) && isSame(before->second, now);
+}
+
+/// Looks at a file, through a link unless that dangles; false for what is no file.
+bool Arrivals::look(const std::string& name, Seen& seen) {
+    struct stat status = {};
+    if (::stat(name.c_str(), &status) != 0 && ::lstat(name.c_str(), &status) != 0) return false;
+    if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) return false;
+    seen.inode = status.st_ino;
+    seen.size = status.st_size;
+    seen.modified = status.st_mtim.tv_sec * NANOSECONDS + status.st_mtim.tv_nsec;
+    return true;
+}
+
+bool Arrivals::isSame(const Seen& left, const Seen& right) {
+    return left.inode == right.inode && left.size == right.size && left.modified == right.modified;
 }

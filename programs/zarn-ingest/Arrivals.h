@@ -21,6 +21,9 @@ public:
     /// The regular files and links there that have settled, in alphabetical order.
     std::vector<std::string> settled();
 
+    /// Whether a file is still as it was at the last look.
+    bool isUnchanged(const std::string& name) const;
+
     /// How many more are there.
     std::size_t unsettled() const { return unsettled_; }
 
@@ -28,10 +31,14 @@ public:
 
 private:
     struct Seen {
+        ino_t inode;
         off_t size;
         std::int64_t modified;    ///< [ns since the epoch]
         Clock::time_point since;  ///< when both were first seen so
     };
+
+    static bool look(const std::string& name, Seen& seen);
+    static bool isSame(const Seen& left, const Seen& right);
 
     std::string pattern_;
     std::string directory_;

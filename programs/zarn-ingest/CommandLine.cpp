@@ -64,8 +64,8 @@ Messages read "zarn-ingest: FILE:LINE: text", lines counted from 1.
 
 Exit status: 0 every file was converted, with warnings or not; 1 some were not;
 2 wrong usage; 130, 143 or 129 stopped by Ctrl-C, SIGTERM or SIGHUP, after the
-file in hand was finished (a second one ends the program at once). With --watch
-these signals are the ordinary end, with status 0.
+file in hand was finished (the same one again ends the program at once). With
+--watch these signals are the ordinary end, with status 0.
 )";
 
 /// Settings that exclude or lack each other.
@@ -110,6 +110,12 @@ void CommandLine::applyOptions(Settings& settings) const {
     for (const auto& [name, flag] : FLAGS) {
         if (given(name)) settings.*flag = true;
     }
+    // An option wins over the property that would forbid it.
+    if (given("verbose") && !given("quiet")) settings.quiet = false;
+    if (given("quiet") && !given("verbose")) settings.verbose = false;
+    const bool files = !argumentVect_.empty() || given("list") || given("stdin");
+    if ((files || given("dry-run")) && !given("watch")) settings.watch = false;
+    if ((files || given("dry-run")) && !given("retry-failed")) settings.retryFailed = false;
 }
 
 Settings CommandLine::parse() {

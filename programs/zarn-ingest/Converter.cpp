@@ -18,7 +18,8 @@
 
 namespace {
 
-constexpr int VERIFIED = 1;          // CFITSIO's word for a checksum that fits
+constexpr int VERIFIED = 1;  // CFITSIO's word for a checksum that fits
+const char NO_AXES[] = "NAXIS   =                    0 / # of axes in frame";
 constexpr float FULL_BELOW = 0.25F;  // a file system with less room counts as full [MiB]
 
 bool isAxis(const std::string& keyword) {
@@ -43,21 +44,43 @@ void makeFile(const WorkFile& text, const WorkFile& target, bool checksum) {
     check(file.close(), "the result cannot be completed");
 }
 
-/// Compares the cards of a file with those of the text, axes and renewed checksums left out.
-void compareCards(FitsFile* file, const HeaderText& text, bool checksum) {
-    std::array<char, FLEN_CARD> found = {};
+/// Reads a card without trailing blanks; false beyond the last one, END not counted.
+bool readCard(FitsFile* file, int number, std::string& card) {
+    int count = 0;
     int status = 0;
+    std::array<char, FLEN_CARD> found = {};
+    fits_get_hdrspace(file, &count, nullptr, &status);
+    if (number > count || fits_read_record(file, number, found.data(), &status) != 0) return false;
+    card = found.data();
+    return true;
+}
+
+/// Makes sure that a file holds the text's cards, with the conversion's NAXIS, no axes, renewed
+/// checksums at the end, and nothing else.
+void compareCards(FitsFile* file, const HeaderText& text, bool checksum) {
     int number = 0;
+    bool naxis = false;
+    std::string found;
     for (const Card& card : text.cards()) {
-        if (checksum && isChecksum(card.keyword)) continue;  // the new ones stand at the end
-        if (card.keyword == "NAXIS") ++number;               // the conversion's own
-        if (isAxis(card.keyword)) continue;
-        fits_read_record(file, ++number, found.data(), &status);
-        if (card.text.empty() && status != 0) break;  // blank cards at the end do not count
-        if (status != 0 || card.text != found.data())
+        const bool isNaxis = card.keyword == "NAXIS";
+        if (isAxis(card.keyword) && !isNaxis) continue;
+        if (checksum && isChecksum(card.keyword)) continue;
+        naxis = naxis || isNaxis;
+        const bool isThere = readCard(file, ++number, found);
+        if (!isThere && card.text.empty()) break;  // blank cards at the end do not count
+        if (!isThere || found != (isNaxis ? NO_AXES : card.text))
             throw IngestError("the result differs from this card: \"" + card.text + "\"",
                               card.number);
     }
+    while (readCard(file, ++number, found)) {
+        const bool added = (!naxis && found == NO_AXES) ||
+                           (checksum && isChecksum(found.substr(0, found.find_first_of(" ="))));
+        if (!added) throw IngestError("the result has another card: \"" + found + "\"");
+    }
+    int hdus = 0;
+    int status = 0;
+    check(fits_get_num_hdus(file, &hdus, &status), "the result cannot be read");
+    if (hdus != 1) throw IngestError("the result holds more than a header");
 }
 
 /// Opens a file as any reader would and makes sure that it came from this text.
@@ -131,6 +154,9 @@ void Converter::convertOrThrow(const Input& input, Outcome& outcome) {
                          "\n";
     } else if (!isDone) {
         writeOrExplain(text, outcome.result);
+    } else {
+        syncToDisk(outcome.result);  // the run that made it may have ended before
+        syncToDisk(output_.name());
     }
     if (!options_.dryRun) outcome.size = std::filesystem::file_size(outcome.result);
     reporter_.converted(input.name, text.losses(), options_.checksum, outcome.result);

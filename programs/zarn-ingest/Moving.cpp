@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <stdexcept>
 #include <system_error>
@@ -45,11 +46,12 @@ void syncToDisk(const std::string& path) {
 }
 
 std::string moveInto(const std::string& file, const std::string& directory) {
-    const std::string first = directory + "/" + file.substr(afterSlash(file));
-    std::string target = first;
+    const std::string name = file.substr(afterSlash(file));
+    std::string target = directory + "/" + name;
     for (unsigned number = 1; !renameToNew(file, target); ++number) {
-        if (errno != EEXIST) fail("cannot move " + file);
-        target = first + NUMBER_BEGIN + std::to_string(number) + NUMBER_END;
+        if (errno != EEXIST) fail("cannot move " + file + " to " + directory);
+        const std::string suffix = NUMBER_BEGIN + std::to_string(number) + NUMBER_END;
+        target = directory + "/" + name.substr(0, NAME_MAX - suffix.size()) + suffix;
     }
     syncToDisk(directory);
     const std::string::size_type slash = file.rfind('/');
@@ -75,7 +77,8 @@ void DirectoryLocks::add(const std::string& directory) {
     if (fd == -1) fail("directory " + directory);
     const bool again = std::any_of(locked_.begin(), std::prev(locked_.end()),
                                    [fd](const auto& held) { return sameFile(held.get(), fd); });
-    if (again) return;
+    if (again)
+        throw std::runtime_error("the directory " + directory + " cannot serve two purposes");
     if (::flock(fd, LOCK_EX | LOCK_NB) == 0) return;
     if (errno == EWOULDBLOCK)
         throw std::runtime_error("another zarn-ingest works in the directory " + directory);

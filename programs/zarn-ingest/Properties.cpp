@@ -61,6 +61,12 @@ const struct Property {
     {LOG, "flags", &Settings::logFlags, 0},
     {LOG, "program", &Settings::logProgram, 0},
 };
+// ACE's words.
+constexpr const char* PRIORITIES[] = {"SHUTDOWN", "TRACE",   "DEBUG",    "INFO",
+                                      "NOTICE",   "WARNING", "STARTUP",  "ERROR",
+                                      "CRITICAL", "ALERT",   "EMERGENCY"};
+constexpr const char* LOG_FLAGS[] = {"STDERR",  "LOGGER",       "OSTREAM",
+                                     "VERBOSE", "VERBOSE_LITE", "SYSLOG"};
 constexpr std::size_t MAX_LINE = 4095;                      // what ACE reads at once [characters]
 constexpr unsigned MOST = std::numeric_limits<int>::max();  // what the logging settings hold
 
@@ -115,6 +121,17 @@ Keys keysOf(const std::string& fileName) {
                                value + ": must be " + expected));
 }
 
+/// Whether a text is made of words from a list, joined by '|', each perhaps with a '~' before it.
+template <typename Words>
+bool isMadeOf(const std::string& text, const Words& words) {
+    std::vector<std::string> parts;
+    ZarnSys::split(text, "|", parts);
+    return std::all_of(parts.begin(), parts.end(), [&words](const std::string& part) {
+        const std::string word = part.rfind('~', 0) == 0 ? part.substr(1) : part;
+        return std::find(std::begin(words), std::end(words), word) != std::end(words);
+    });
+}
+
 /// Takes a property's value, as text first, into the settings.
 class Taker {
 public:
@@ -128,6 +145,14 @@ public:
         if (property_.section == LOG && words)
             failValue(fileName_, property_,
                       "one word without quotes and $, which the log would not take as they are");
+        checkWords(member);
+    }
+    void checkWords(Text member) {
+        const std::string& value = settings_.*member;
+        if (member == Text(&Settings::logPriorities) && !isMadeOf(value, PRIORITIES))
+            failValue(fileName_, property_, "made of ACE's priorities, as DEBUG|~INFO");
+        if (member == Text(&Settings::logFlags) && !isMadeOf(value, LOG_FLAGS))
+            failValue(fileName_, property_, "made of ACE's flags, as STDERR|OSTREAM");
     }
     void operator()(Texts member) {
         std::string names;

@@ -1,11 +1,14 @@
 #include "RollingLog.h"
 
 #include <ace/Log_Msg.h>
+#include <ace/OS_NS_sys_time.h>
 #include <ace/Thread_Manager.h>
 #include <unistd.h>
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/WexoLogConfig.h>
+#include <zarnsys/util/WexoTime.h>
 
+#include <filesystem>
 #include <stdexcept>
 #include <system_error>
 
@@ -28,8 +31,9 @@ void configure(const Settings& settings) {
 
 /// Writes a line at a level that is not masked; empty: all are.
 std::string writeTrial() {
-    std::string line =
-        "log of zarn-ingest " ZARNSYS_VERSION " begins, process " + std::to_string(::getpid());
+    std::string line = "log of zarn-ingest " ZARNSYS_VERSION " begins, process " +
+                       std::to_string(::getpid()) + ", " +
+                       WexoTime::asUnixTimeString(ACE_OS::gettimeofday());
     ACE_Log_Msg* log = ACE_Log_Msg::instance();
     if (log->log_priority_enabled(LM_INFO) != 0) {
         logInfo()("%s", line.c_str());
@@ -54,6 +58,10 @@ std::string contentOf(const std::string& fileName) {
 
 RollingLog::RollingLog(const Settings& settings) {
     FileIO(settings.logFile, true, true).checkCreateDir("");
+    std::error_code ignored;  // the check below finds out
+    const auto status = std::filesystem::status(settings.logFile, ignored);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        throw std::runtime_error("the log " + settings.logFile + " is not being written: no file");
     configure(settings);
     const std::string trial = writeTrial();
     if (contentOf(settings.logFile).find(trial) == std::string::npos)

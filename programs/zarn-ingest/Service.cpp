@@ -1,6 +1,8 @@
 #include "Service.h"
 
+#include <fnmatch.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/Utils.h>
 #include <zarnsys/util/ZarnSysEx.h>
@@ -8,8 +10,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <set>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 
 #include "IngestError.h"
 
@@ -51,6 +55,8 @@ Service::Service(const Settings& settings, const StopSignals& signals, Reporter&
         if (target.empty()) continue;
         FileIO(target, true, true).checkCreateDir(target);
         checkSameFileSystem(arrivals_.directory(), target);
+        if (::access(target.c_str(), W_OK | X_OK) != 0)
+            throw std::system_error(errno, std::generic_category(), "directory " + target);
         locked.push_back(target);
     }
     if (!settings.journalDir.empty()) {
@@ -79,31 +85,46 @@ bool Service::run() {
     return whole && stuck_.empty();
 }
 
+/// Puts back what failed and would be taken again, each name once: numbered ones need further runs.
 void Service::putBackFailed() {
-    for (const auto& entry : std::filesystem::directory_iterator(settings_.failedDir)) {
-        const std::string name = withoutNumber(entry.path().filename());
+    const std::string pattern = FileIO(settings_.pattern, true, false).getBaseName();
+    std::set<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::directory_iterator(settings_.failedDir))
+        if (!entry.is_directory()) files.insert(entry.path());
+    for (const std::filesystem::path& file : files) {
+        const std::string name = withoutNumber(file.filename());
+        if (::fnmatch(pattern.c_str(), name.c_str(), FNM_PERIOD) != 0) continue;
         const std::string target = arrivals_.directory() + "/" + name;
-        if (!renameToNew(entry.path(), target))
-            reporter_.failed(entry.path(), IngestError("cannot be put back to " + target + ": " +
-                                                       std::generic_category().message(errno)));
+        if (!renameToNew(file, target))
+            reporter_.failed(file, IngestError("cannot be put back to " + target + ": " +
+                                               std::generic_category().message(errno)));
     }
+    syncToDisk(arrivals_.directory());
+    syncToDisk(settings_.failedDir);
+}
+
+/// What has settled, without the sources that could not be moved away: these are moved now, if it
+/// goes. The file that the journal told last comes first.
+std::vector<Input> Service::nextBatch() {
+    std::vector<Input> batch;
+    const std::map<std::string, bool> before = std::exchange(stuck_, {});
+    for (const std::string& name : arrivals_.settled()) {
+        const auto stuck = before.find(name);
+        if (stuck == before.end()) {
+            batch.push_back({name, ""});
+        } else {
+            move(name, stuck->second);
+        }
+    }
+    std::stable_partition(batch.begin(), batch.end(), [this](const Input& input) {
+        return journal_ && journal_->isLast(input.name);
+    });
+    return batch;
 }
 
 /// Does what has settled; false when it had to stop early.
 bool Service::doSettled() {
-    std::vector<Input> batch;
-    std::set<std::string> stillStuck;
-    for (const std::string& name : arrivals_.settled()) {
-        if (stuck_.count(name) > 0) {
-            stillStuck.insert(name);
-        } else {
-            batch.push_back({name, ""});
-        }
-    }
-    stuck_ = stillStuck;
-    std::stable_partition(batch.begin(), batch.end(), [this](const Input& input) {
-        return journal_ && journal_->isLast(input.name);
-    });
+    const std::vector<Input> batch = nextBatch();
     converter_->beginBatch(batch, {});
     for (const Input& input : batch) {
         if (signals_.received() != 0 || !hasRoom() || !handle(input)) return false;
@@ -116,40 +137,58 @@ bool Service::hasRoom() {
     float available = 0;
     const char* directory = settings_.outputDir.c_str();
     const bool known = ZarnSys::getFilesystemInfo(directory, &total, &available) == 0;
-    const bool room = !known || available >= static_cast<float>(settings_.leastFree);
+    const bool room = known && available >= static_cast<float>(settings_.leastFree);
     if (!room && !waitsForRoom_)
-        reporter_.error("less than " + std::to_string(settings_.leastFree) + " MiB are free in " +
-                        settings_.outputDir + ": no file is converted until there is room");
+        reporter_.error((known ? "less than " + std::to_string(settings_.leastFree) +
+                                     " MiB are free in " + settings_.outputDir
+                               : settings_.outputDir + " is not there") +
+                        ": no file is converted until there is room");
     if (room && waitsForRoom_) reporter_.info("there is room again in " + settings_.outputDir);
     waitsForRoom_ = !room;
     return room;
 }
 
 /// Converts a file, tells of it and moves it away; false when the journal cannot be written: the
-/// file is then recognised at the next try.
+/// file is then recognised at the next try. A file that someone writes again is left for a later
+/// look.
 bool Service::handle(const Input& input) {
+    if (!arrivals_.isUnchanged(input.name)) return true;
     const Outcome outcome = converter_->convert(input);
-    try {
-        if (journal_) journal_->add(input.name, outcome);
-        journalFails_ = false;
-    } catch (ZarnSysEx& error) {
-        if (!journalFails_) reporter_.error(error.what());
-        journalFails_ = true;
-    } catch (const std::exception& error) {
-        if (!journalFails_) reporter_.error(error.what());
-        journalFails_ = true;
+    if (!arrivals_.isUnchanged(input.name)) {
+        reporter_.error(input.name + " changed while it was converted; it is looked at again");
+        return true;
     }
-    if (!journalFails_) move(input.name, outcome.converted);
-    return !journalFails_;
+    if (!tell(input, outcome)) return false;
+    move(input.name, outcome.converted);
+    return true;
 }
 
+bool Service::tell(const Input& input, const Outcome& outcome) {
+    if (!journal_) return true;
+    std::string problem;
+    try {
+        journal_->add(input.name, outcome);
+    } catch (ZarnSysEx& error) {
+        problem = error.what();
+    } catch (const std::exception& error) {
+        problem = error.what();
+    }
+    if (!problem.empty() && !journalFails_) reporter_.error("the journal: " + problem);
+    journalFails_ = !problem.empty();
+    return problem.empty();
+}
+
+/// Moves a source to where it belongs, or notes that it must be tried again.
 void Service::move(const std::string& source, bool converted) {
     const std::string& directory = converted ? settings_.doneDir : settings_.failedDir;
     if (directory.empty()) return;
     try {
         moveInto(source, directory);
     } catch (const std::exception& error) {
-        reporter_.error(error.what());
-        stuck_.insert(source);
+        if (!moveFails_) reporter_.error(error.what());
+        moveFails_ = true;
+        stuck_[source] = converted;
+        return;
     }
+    moveFails_ = false;
 }

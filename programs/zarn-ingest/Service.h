@@ -6,8 +6,8 @@
 #ifndef ZARN_INGEST_SERVICE_H
 #define ZARN_INGEST_SERVICE_H
 
+#include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -33,9 +33,11 @@ public:
 
 private:
     void putBackFailed();
+    std::vector<Input> nextBatch();
     bool doSettled();
     bool hasRoom();
     bool handle(const Input& input);
+    bool tell(const Input& input, const Outcome& outcome);
     void move(const std::string& source, bool converted);
 
     const Settings& settings_;
@@ -44,10 +46,11 @@ private:
     Arrivals arrivals_;
     std::unique_ptr<DirectoryLocks> locks_;
     std::unique_ptr<Converter> converter_;
-    std::unique_ptr<Journal> journal_;  ///< none where the settings name no directory
-    std::set<std::string> stuck_;       ///< sources that could not be moved away
+    std::unique_ptr<Journal> journal_;   ///< none where the settings name no directory
+    std::map<std::string, bool> stuck_;  ///< sources that could not be moved; whether converted
     bool waitsForRoom_ = false;
     bool journalFails_ = false;
+    bool moveFails_ = false;
 };
 
 #endif  // ZARN_INGEST_SERVICE_H

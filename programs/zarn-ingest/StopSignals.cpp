@@ -4,15 +4,18 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
+#include <limits>
 #include <system_error>
 
 namespace {
 
 constexpr int WAIT_FOREVER = -1;
+constexpr std::int64_t LONGEST_WAIT = std::numeric_limits<int>::max();  // [ms], 24 days
 
 // What a signal handler can reach.
 volatile std::sig_atomic_t firstSignal = 0;
@@ -59,6 +62,7 @@ bool StopSignals::waitFor(int fd) const {
 
 bool StopSignals::sleep(std::chrono::milliseconds interval) const {
     pollfd wake = {wake_.get(), POLLIN, 0};
-    static_cast<void>(::poll(&wake, 1, static_cast<int>(interval.count())));
+    static_cast<void>(
+        ::poll(&wake, 1, static_cast<int>(std::min<std::int64_t>(interval.count(), LONGEST_WAIT))));
     return received() == 0;
 }
