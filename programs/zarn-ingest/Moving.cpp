@@ -21,6 +21,10 @@ const char NUMBER_END = '~';
     throw std::system_error(errno, std::generic_category(), what);
 }
 
+[[noreturn]] void failMove(const std::string& file, const std::string& directory) {
+    fail("cannot move " + file + " to " + directory);
+}
+
 std::string::size_type afterSlash(const std::string& path) { return path.rfind('/') + 1; }
 
 bool sameFile(int left, int right) {
@@ -47,11 +51,13 @@ void syncToDisk(const std::string& path) {
 
 std::string moveInto(const std::string& file, const std::string& directory) {
     const std::string name = file.substr(afterSlash(file));
-    std::string target = directory + "/" + name;
+    const std::string folder = directory + "/";
+    std::string target = folder + name;
     for (unsigned number = 1; !renameToNew(file, target); ++number) {
-        if (errno != EEXIST) fail("cannot move " + file + " to " + directory);
+        if (errno != EEXIST) failMove(file, directory);
         const std::string suffix = NUMBER_BEGIN + std::to_string(number) + NUMBER_END;
-        target = directory + "/" + name.substr(0, NAME_MAX - suffix.size()) + suffix;
+        target = folder;
+        target.append(name, 0, NAME_MAX - suffix.size()).append(suffix);
     }
     syncToDisk(directory);
     const std::string::size_type slash = file.rfind('/');

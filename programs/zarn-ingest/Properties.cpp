@@ -149,9 +149,9 @@ public:
     }
     void checkWords(Text member) {
         const std::string& value = settings_.*member;
-        if (member == Text(&Settings::logPriorities) && !isMadeOf(value, PRIORITIES))
+        if (member == &Settings::logPriorities && !isMadeOf(value, PRIORITIES))
             failValue(fileName_, property_, "made of ACE's priorities, as DEBUG|~INFO");
-        if (member == Text(&Settings::logFlags) && !isMadeOf(value, LOG_FLAGS))
+        if (member == &Settings::logFlags && !isMadeOf(value, LOG_FLAGS))
             failValue(fileName_, property_, "made of ACE's flags, as STDERR|OSTREAM");
     }
     void operator()(Texts member) {

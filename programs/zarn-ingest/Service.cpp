@@ -138,11 +138,13 @@ bool Service::hasRoom() {
     const char* directory = settings_.outputDir.c_str();
     const bool known = ZarnSys::getFilesystemInfo(directory, &total, &available) == 0;
     const bool room = known && available >= static_cast<float>(settings_.leastFree);
-    if (!room && !waitsForRoom_)
-        reporter_.error((known ? "less than " + std::to_string(settings_.leastFree) +
-                                     " MiB are free in " + settings_.outputDir
-                               : settings_.outputDir + " is not there") +
-                        ": no file is converted until there is room");
+    if (!room && !waitsForRoom_) {
+        const std::string reason =
+            known ? "less than " + std::to_string(settings_.leastFree) + " MiB are free in "
+                  : "lost: ";
+        reporter_.error(reason + settings_.outputDir +
+                        "; no file is converted until there is room");
+    }
     if (room && waitsForRoom_) reporter_.info("there is room again in " + settings_.outputDir);
     waitsForRoom_ = !room;
     return room;
