@@ -244,6 +244,8 @@ testProtection() {
         [ -s both/a.fits ] && [ -s both/b.fits ] || echo "round $i lost a file" >>err.txt
     done
     check "two runs at once" [ -z "$(grep -E 'lost|failed' err.txt)" ]
+    timeout 10 bash -c 'ulimit -n 4; exec "$0" -q -o few a' "$program" 2>err.txt
+    check "too few descriptors" [ "$? $(ls -A few)" = '1 ' ]
 }
 
 testStreams() {

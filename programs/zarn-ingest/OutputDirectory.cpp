@@ -74,13 +74,25 @@ std::string makeDirectory(const std::string& output) {
     return name;
 }
 
+/// Gives up a working directory for the reason in `errno`: no descriptor, or no locks there.
+[[noreturn]] void failRemoving(const std::string& name) {
+    const int error = errno;
+    ::rmdir(name.c_str());
+    errno = error;
+    fail("working directory " + name);
+}
+
 /// Makes a working directory and locks it, again if another run took it for abandoned in between.
 int makeLocked(const std::string& output, std::string& name) {
     for (;;) {
         name = makeDirectory(output);
         const Descriptor directory(openDirectory(name));
-        if (lock(directory) && !isRemoved(directory))
-            return ::fcntl(directory.get(), F_DUPFD_CLOEXEC, 0);  // the lock goes with it
+        const bool locked = lock(directory);
+        if (!locked && errno != EWOULDBLOCK && errno != ENOENT) failRemoving(name);
+        if (!locked || isRemoved(directory)) continue;
+        const int kept = ::fcntl(directory.get(), F_DUPFD_CLOEXEC, 0);  // the lock goes with it
+        if (kept == -1) failRemoving(name);
+        return kept;
     }
 }
 
