@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "Settings.h"
+#include "UsageError.h"
 
 namespace {
 

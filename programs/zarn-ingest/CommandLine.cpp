@@ -1,21 +1,16 @@
 #include "CommandLine.h"
 
 #include <iostream>
+#include <utility>
 
 #include "Properties.h"
+#include "UsageError.h"
 
 namespace {
 
 constexpr char NONE = GenConfig::NO_SHORT_NAME;
 
-// The program's options: long name, short name, argument (none: a flag), help, default.
-const struct {
-    const char* name;
-    char shortName;
-    const char* argument;
-    const char* help;
-    const char* defaultValue;
-} OPTIONS[] = {
+const std::vector<OptionRow> OPTIONS = {
     {"checksum", 'c', "", "Add DATASUM and CHECKSUM to each result", ""},
     {"dry-run", 'n', "", "Say what would be done, and do nothing", ""},
     {"force", 'f', "", "Replace results that exist", ""},
@@ -89,24 +84,16 @@ void checkTogether(const Settings& settings) {
 }  // namespace
 
 CommandLine::CommandLine(std::vector<const char*> arguments)
-    : GenConfig(static_cast<int>(arguments.size()), arguments.data()) {
-    for (const auto& [name, shortName, argument, help, defaultValue] : OPTIONS) {
-        const bool takesArgument = *argument != '\0';
-        optionMap_[name] = {shortName, argument, false, takesArgument, help, defaultValue};
-    }
+    : OptionTable(std::move(arguments), OPTIONS) {
     optionMap_[NON_OPTIONAL_ARG] = {
         NONE, "[FILE|PATTERN...]", false, false, "Header text files, and patterns of their names",
         ""};
 }
 
-bool CommandLine::given(const std::string& option) const {
-    return !optionMap_.at(option).availValues_.empty();
-}
-
 void CommandLine::applyOptions(Settings& settings) const {
     settings.arguments = argumentVect_;
-    if (given("list")) settings.lists = optionMap_.at("list").availValues_;
-    if (given("output-dir")) settings.outputDir = optionMap_.at("output-dir").availValues_.back();
+    if (given("list")) settings.lists = values("list");
+    if (given("output-dir")) settings.outputDir = value("output-dir");
     for (const auto& [name, flag] : FLAGS) {
         if (given(name)) settings.*flag = true;
     }
@@ -124,7 +111,7 @@ Settings CommandLine::parse() {
     applyOptions(settings);
     if (settings.help || settings.version) return settings;
     if (given("properties")) {
-        settings = readProperties(optionMap_.at("properties").availValues_.back());
+        settings = readProperties(value("properties"));
         applyOptions(settings);
     }
     checkTogether(settings);

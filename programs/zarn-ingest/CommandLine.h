@@ -2,15 +2,13 @@
 #ifndef ZARN_INGEST_COMMANDLINE_H
 #define ZARN_INGEST_COMMANDLINE_H
 
-#include <zarnsys/util/GenConfig.h>
-
-#include <string>
 #include <vector>
 
+#include "OptionTable.h"
 #include "Settings.h"
 
 /// Parser and help.
-class CommandLine : public GenConfig {
+class CommandLine : public OptionTable {
 public:
     /// @param arguments  the process's arguments, its name first
     explicit CommandLine(std::vector<const char*> arguments);
@@ -25,7 +23,6 @@ public:
     void displayFullHelp() const;
 
 private:
-    bool given(const std::string& option) const;
     void applyOptions(Settings& settings) const;
 };
 

@@ -15,6 +15,7 @@
 #include "Fits.h"
 #include "IngestError.h"
 #include "Moving.h"
+#include "Printable.h"
 
 namespace {
 

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "Moving.h"
+#include "Printable.h"
 #include "Reading.h"
-#include "Reporter.h"
 
 namespace {
 

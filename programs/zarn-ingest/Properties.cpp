@@ -14,8 +14,9 @@
 #include <utility>
 #include <variant>
 
+#include "Printable.h"
 #include "Reading.h"
-#include "Reporter.h"
+#include "UsageError.h"
 
 namespace {
 

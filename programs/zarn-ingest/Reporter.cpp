@@ -7,6 +7,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "Printable.h"
 #include "zarnsys/util/Log.h"
 
 namespace {
@@ -17,7 +18,6 @@ using std::chrono::seconds;
 const char PROGRAM[] = "zarn-ingest: ";
 constexpr milliseconds PROGRESS_AFTER{1000};  // shorter work needs none
 constexpr milliseconds PROGRESS_EVERY{200};
-constexpr unsigned char DELETE = 0x7F;  // the control character beyond the printable ones
 
 double inSeconds(std::chrono::steady_clock::duration duration) {
     return std::chrono::duration<double>(duration).count();
@@ -35,20 +35,6 @@ std::string minutesAndSeconds(double duration) {
 }
 
 }  // namespace
-
-std::string printable(const std::string& text) {
-    static const char digits[] = "0123456789ABCDEF";
-    std::string line;
-    for (const char c : text) {
-        const auto code = static_cast<unsigned char>(c);
-        if (code >= ' ' && code != DELETE && c != '\\') {
-            line += c;
-        } else {
-            line.append("\\x").append(1, digits[code / 16]).append(1, digits[code % 16]);
-        }
-    }
-    return line;
-}
 
 Reporter::Reporter(Level level) : level_(level) {}
 

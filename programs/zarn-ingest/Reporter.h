@@ -9,10 +9,6 @@
 #include "HeaderText.h"
 #include "IngestError.h"
 
-/// `text` on one line: control characters and backslashes as \xHH, so that a name or a card can
-/// neither break a line nor be taken for another.
-std::string printable(const std::string& text);
-
 class Reporter {
 public:
     enum class Level { QUIET, NORMAL, VERBOSE };

@@ -2,15 +2,8 @@
 #ifndef ZARN_INGEST_SETTINGS_H
 #define ZARN_INGEST_SETTINGS_H
 
-#include <stdexcept>
 #include <string>
 #include <vector>
-
-/// A command line or properties file that cannot be carried out; the text says why.
-class UsageError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 /// Everything that options and properties set. A member holds its default until then.
 struct Settings {

@@ -2,13 +2,10 @@
 
 #include <ace/Log_Msg.h>
 #include <ace/Version.h>
-#include <fcntl.h>
 #include <fitsio.h>
-#include <unistd.h>
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/ZarnSysEx.h>
 
-#include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -18,43 +15,15 @@
 #include "Converter.h"
 #include "Inputs.h"
 #include "OutputDirectory.h"
+#include "Printable.h"
+#include "Process.h"
 #include "Reporter.h"
 #include "RollingLog.h"
 #include "Service.h"
 #include "StopSignals.h"
+#include "UsageError.h"
 
 namespace {
-
-constexpr int EXIT_SOME_FAILED = 1;
-constexpr int EXIT_WRONG_USAGE = 2;
-constexpr int EXIT_SIGNAL = 128;  // plus the signal's number
-constexpr u_long ERROR_AND_ABOVE = LM_ERROR | LM_CRITICAL | LM_ALERT | LM_EMERGENCY;
-
-void setPriorityMask(u_long mask) {
-    ACE_Log_Msg::instance()->priority_mask(mask, ACE_Log_Msg::PROCESS);
-}
-
-/// The process's arguments under the program's own name, whatever path it was started by.
-std::vector<const char*> asZarnIngest(int argc, char** argv) {
-    std::vector<const char*> arguments(argv, argv + argc);
-    if (arguments.empty()) arguments.resize(1);
-    arguments.front() = "zarn-ingest";
-    return arguments;
-}
-
-/// Makes a full pipe, disk or quota an error of the write concerned instead of the process's end.
-void ignoreWriteSignals() {
-    for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);
-}
-
-/// Fills closed standard streams, so that no other file takes their place. Each is opened the wrong
-/// way round: using it still fails, as it would have.
-void reserveStandardStreams() {
-    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (::fcntl(fd, F_GETFD) == -1)
-            static_cast<void>(::open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY));
-    }
-}
 
 void displayVersion() {
     std::cout << "zarn-ingest " ZARNSYS_VERSION " (CFITSIO " << CFITSIO_MAJOR << '.'
@@ -152,7 +121,7 @@ int main(int argc, char** argv) {
     const StopSignals signals;
     ignoreWriteSignals();
     setPriorityMask(ERROR_AND_ABOVE);
-    CommandLine commandLine(asZarnIngest(argc, argv));
+    CommandLine commandLine(argumentsOf("zarn-ingest", argc, argv));
     const int status = runReporting(commandLine, signals);
     if (!std::cout.flush()) {
         std::cerr << "zarn-ingest: standard output cannot be written\n";

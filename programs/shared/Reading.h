@@ -3,8 +3,8 @@
 /// The programs' inputs are read here rather than through `FileIO`, which sets permission bits on
 /// what it opens and ends a chunk at a NUL byte: an archive's sources stay untouched, and lists may
 /// be separated by NUL.
-#ifndef ZARN_INGEST_READING_H
-#define ZARN_INGEST_READING_H
+#ifndef ZARN_PROGRAMS_READING_H
+#define ZARN_PROGRAMS_READING_H
 
 #include <string>
 
@@ -37,4 +37,4 @@ bool readChunk(int fd, std::string& bytes);
 /// @throw std::system_error  when it cannot be opened or read
 std::string readFile(const std::string& fileName);
 
-#endif  // ZARN_INGEST_READING_H
+#endif  // ZARN_PROGRAMS_READING_H

@@ -1,0 +1,30 @@
+/// Numbers and positions as people write them.
+///
+/// Nothing but the number may stand in a text: no blanks, no rubbish behind, no infinity. The
+/// functions throw std::invalid_argument with a text that says what is wrong with what.
+#ifndef ZARN_PROGRAMS_ANGLES_H
+#define ZARN_PROGRAMS_ANGLES_H
+
+#include <string>
+
+/// A direction in the sky [deg].
+struct Position {
+    double ra;   ///< 0 <= ra < 360
+    double dec;  ///< -90 to 90
+};
+
+/// A decimal number from `least` to `most`.
+double parseNumber(const std::string& text, double least, double most);
+
+/// An angle without sign, as a decimal number or as d:m or d:m:s, where only the last part may have
+/// a fraction. In the unit of its first part, 0 to `most`.
+double parseAngle(const std::string& text, double most);
+
+/// A position: both in degrees ("83.8221 -5.3911"), or both sexagesimal, the right ascension in
+/// hours ("05:35:17.3 -05:23:28").
+Position parsePosition(const std::string& ra, const std::string& dec);
+
+/// The same from one text, with blanks between the two.
+Position parsePosition(const std::string& text);
+
+#endif  // ZARN_PROGRAMS_ANGLES_H

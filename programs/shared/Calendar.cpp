@@ -1,0 +1,87 @@
+#include "Calendar.h"
+
+#include <erfa.h>
+#include <erfam.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <stdexcept>
+
+#include "Angles.h"
+#include "Printable.h"
+
+namespace {
+
+constexpr double MINUTES_PER_DAY = 1440.0;
+
+[[noreturn]] void fail(const std::string& text, const std::string& problem) {
+    throw std::invalid_argument("\"" + printable(text) + "\" " + problem);
+}
+
+/// Whether a text has digits where the pattern has a 0 and else the pattern's own characters.
+bool matches(const std::string& text, const std::string& pattern) {
+    if (text.size() != pattern.size()) return false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool digit = text[i] >= '0' && text[i] <= '9';
+        if (pattern[i] == '0' ? !digit : text[i] != pattern[i]) return false;
+    }
+    return true;
+}
+
+double roundedToMinute(double mjd) { return std::round(mjd * MINUTES_PER_DAY) / MINUTES_PER_DAY; }
+
+}  // namespace
+
+double mjdOfDate(const std::string& text) {
+    if (!matches(text, "0000-00-00")) fail(text, "is no date of the form YYYY-MM-DD");
+    double zero = 0;
+    double mjd = 0;
+    const int status = eraCal2jd(std::stoi(text.substr(0, 4)), std::stoi(text.substr(5, 2)),
+                                 std::stoi(text.substr(8, 2)), &zero, &mjd);
+    if (status != 0) fail(text, "is no date of the calendar");
+    return mjd;
+}
+
+double mjdOfInstant(const std::string& text) {
+    const std::string form = "0000-00-00T00:00:00";
+    const std::string fraction = text.substr(std::min(text.size(), form.size()));
+    const bool isFraction =
+        fraction.empty() || matches(fraction, "." + std::string(fraction.size() - 1, '0'));
+    if (!matches(text.substr(0, form.size()), form) || !isFraction)
+        fail(text, "is no instant of the form YYYY-MM-DDThh:mm:ss");
+    constexpr double LAST_HOUR = 23.0;
+    constexpr double LAST_MINUTE = 59.0;
+    constexpr double LEAP_SECOND = 60.0;
+    const double hour = parseNumber(text.substr(11, 2), 0.0, LAST_HOUR);
+    const double minute = parseNumber(text.substr(14, 2), 0.0, LAST_MINUTE);
+    const double whole = parseNumber(text.substr(17, 2), 0.0, LEAP_SECOND);
+    const double second = whole + parseNumber("0" + fraction, 0.0, 1.0);
+    return mjdOfDate(text.substr(0, 10)) + ((hour * 60.0 + minute) * 60.0 + second) / ERFA_DAYSEC;
+}
+
+std::string dateOf(double mjd) {
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    double fraction = 0;
+    eraJd2cal(ERFA_DJM0, mjd, &year, &month, &day, &fraction);
+    std::array<char, 40> text = {};
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02d", year, month, day);
+    return text.data();
+}
+
+std::string minuteOf(double mjd) {
+    const double minutes = std::round((mjd - std::floor(mjd)) * MINUTES_PER_DAY);
+    const int whole = static_cast<int>(minutes) % static_cast<int>(MINUTES_PER_DAY);
+    std::array<char, 40> text = {};
+    std::snprintf(text.data(), text.size(), "%02d:%02d", whole / 60, whole % 60);
+    return text.data();
+}
+
+std::string dateAndMinuteOf(double mjd) {
+    const double rounded = roundedToMinute(mjd);
+    constexpr double WITHIN = 0.25 / MINUTES_PER_DAY;  // against the rounding's own error
+    return dateOf(rounded + WITHIN) + "T" + minuteOf(rounded);
+}

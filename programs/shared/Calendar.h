@@ -1,0 +1,26 @@
+/// Dates and Modified Julian Dates, in the Gregorian calendar and universal time.
+///
+/// The functions that read throw std::invalid_argument with a text that says what is wrong.
+#ifndef ZARN_PROGRAMS_CALENDAR_H
+#define ZARN_PROGRAMS_CALENDAR_H
+
+#include <string>
+
+/// The Modified Julian Date of 0 h on a date YYYY-MM-DD.
+double mjdOfDate(const std::string& text);
+
+/// The Modified Julian Date of an instant YYYY-MM-DDThh:mm:ss, with or without a fraction of the
+/// seconds; a leap second is read as the first of the next day.
+double mjdOfInstant(const std::string& text);
+
+/// The date YYYY-MM-DD that an instant falls on.
+std::string dateOf(double mjd);
+
+/// The time of day hh:mm of an instant, rounded to the minute before it is split: 23:59:40 is
+/// 00:00.
+std::string minuteOf(double mjd);
+
+/// The instant rounded to the minute, as YYYY-MM-DDThh:mm.
+std::string dateAndMinuteOf(double mjd);
+
+#endif  // ZARN_PROGRAMS_CALENDAR_H

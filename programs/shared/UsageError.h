@@ -1,0 +1,13 @@
+/// The error that ends a program with exit status 2.
+#ifndef ZARN_PROGRAMS_USAGEERROR_H
+#define ZARN_PROGRAMS_USAGEERROR_H
+
+#include <stdexcept>
+
+/// A command line, or a value that it leads to, that cannot be carried out; the text says why.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+#endif  // ZARN_PROGRAMS_USAGEERROR_H
