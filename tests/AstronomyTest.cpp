@@ -87,6 +87,28 @@ TEST(AstronomyTest, ReferencePhasesAndAges) {
     EXPECT_FALSE(std::isnan(lun_age(6.8e9, &lunation))) << "far, but within reach";
 }
 
+TEST(AstronomyTest, TheSearchForANewMoonTakesTheFirstThatIsNotBefore) {
+    // One lunation after the other from the same guess on; 4e8 is 13 million lunations away, where
+    // the series' corrections put new moons out of order.
+    const auto stepByStep = [](double jd) {
+        int n = static_cast<int>((jd - 2415020.5) / 29.5307 - 1);
+        double newMoon = 0;
+        for (flmoon(n + 1, 0, &newMoon); newMoon < jd; flmoon(n + 1, 0, &newMoon)) ++n;
+        return n;
+    };
+    for (const double start : {1.7e6, 2.4e6, 2.46e6, 1e7, 4e8}) {
+        for (int i = 0; i < 40; ++i) {
+            const double jd = start + 11.3 * i;
+            int lunation = 0;
+            const float age = lun_age(jd, &lunation);
+            double newMoon = 0;
+            flmoon(lunation, 0, &newMoon);
+            ASSERT_EQ(lunation, stepByStep(jd)) << jd;
+            ASSERT_EQ(age, static_cast<float>(jd - newMoon)) << jd;
+        }
+    }
+}
+
 TEST(AstronomyTest, ReferenceBrightness) {
     EXPECT_NEAR(lunskybright(180, 30, 0.172, 60, 60, 60.27), 17.4329, FOUR_DECIMALS);
     EXPECT_NEAR(lunskybright(90, 45, 0.172, 30, 60, 60.27), 20.8827, FOUR_DECIMALS);

@@ -4,68 +4,17 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
+
+#include "zarnsys/util/Formulas.h"
+#include "zarnsys/util/Lunation.h"
+
+using namespace formulas;
 
 namespace {
 
-// Shortened literals are part of the results: none of these is replaced by a fuller value.
-constexpr double DEG_PER_RAD = 57.2957795130823;
-constexpr double HOURS_PER_RAD = 3.819718634205;
-constexpr double PI = 3.14159265358979;
-constexpr double TWO_PI = 6.28318530717958;
-constexpr double HALF_PI = 1.570796326794895;
-constexpr double THREE_HALVES_PI = 4.712388980384685;
-
-constexpr double J2000 = 2451545.0;           // [d], Julian Date
-constexpr double DAYS_PER_CENTURY = 36525.0;  // Julian century [d]
-constexpr double HOURS_PER_DAY = 24.0;
-constexpr double SECONDS_PER_DAY = 86400.0;
-
-double sinDeg(double degrees) { return std::sin(degrees / DEG_PER_RAD); }
-double cosDeg(double degrees) { return std::cos(degrees / DEG_PER_RAD); }
-
-/// A sine or cosine that rounding may have carried beyond 1; not-a-number stays so.
-double withinOne(double x) { return std::clamp(x, -1.0, 1.0); }
-
-/// One term of a series in T, Julian centuries from J2000: amplitude * f(phase + rate * T).
-struct Term {
-    double amplitude;  // [deg]
-    double phase;      // [deg]
-    double rate;       // [deg per century]
-};
-
-// The Astronomical Almanac's low-precision moon.
-constexpr Term LONGITUDE[] = {
-    // sines
-    {6.29, 134.9, 477198.85}, {-1.27, 259.2, -413335.38}, {0.66, 235.7, 890534.23},
-    {0.21, 269.9, 954397.7},  {-0.19, 357.5, 35999.05},   {-0.11, 186.6, 966404.05},
-};
-constexpr Term LATITUDE[] = {
-    // sines
-    {5.13, 93.3, 483202.03},
-    {0.28, 228.2, 960400.87},
-    {-0.28, 318.3, 6003.18},
-    {-0.17, 217.6, -407332.2},
-};
-constexpr Term PARALLAX[] = {
-    // cosines
-    {0.0518, 134.9, 477198.85},
-    {0.0095, 259.2, -413335.38},
-    {0.0078, 235.7, 890534.23},
-    {0.0028, 269.9, 954397.7},
-};
-
-template <std::size_t N>
-double addSines(double sum, const Term (&series)[N], double T) {
-    for (const Term& term : series) sum += term.amplitude * sinDeg(term.phase + term.rate * T);
-    return sum;
-}
-
-template <std::size_t N>
-double addCosines(double sum, const Term (&series)[N], double T) {
-    for (const Term& term : series) sum += term.amplitude * cosDeg(term.phase + term.rate * T);
-    return sum;
-}
+Pair pairOf(double angle) { return {std::sin(angle), std::cos(angle)}; }
 
 /// One correction of a phase's time: coefficient * sin(m M + mpr M' + f F).
 struct PhaseTerm {
@@ -94,25 +43,25 @@ double newMoon(std::int64_t lunation) {
 // Where the search for a new moon ends: the series' cubic term lets the mean new moons advance up
 // to this lunation only, near JD 6.84e9.
 constexpr std::int64_t LAST_LUNATION = 346000000;
-constexpr double LONGEST_LUNATION = 30.0;  // [d], more than any
+constexpr double LONGEST_MEAN_LUNATION = 29.5307;  // [d], more than any
+constexpr double LUNATIONS_EPOCH = 2415020.5;      // [d], Julian Date
+
+/// Where the search for a new moon begins: a lunation early, at present.
+double firstGuess(double jd) {
+    return std::trunc((jd - LUNATIONS_EPOCH) / LONGEST_MEAN_LUNATION - 1.0);
+}
+
+/// How many new moons from one at `newjd` on come before `jd` for certain: this one, and those that
+/// the corrections, which grow with the distance from 1900, cannot carry beyond it.
+std::int64_t newMoonsBefore(double jd, double newjd) {
+    const double corrections = 2.0 + 3.4e-8 * std::fabs(jd - LUNATIONS_EPOCH);  // [d], at most
+    const double lunations = (jd - newjd - corrections) / LONGEST_MEAN_LUNATION;
+    return 1 + static_cast<std::int64_t>(std::max(0.0, lunations));
+}
 
 }  // namespace
 
-double lst(double jd, double longit) {
-    const double jdint = std::trunc(jd);
-    const double jdfrac = jd - jdint;
-    const bool beforeMidnight = jdfrac < 0.5;
-    const double jdmid = beforeMidnight ? jdint - 0.5 : jdint + 0.5;
-    const double ut = beforeMidnight ? jdfrac + 0.5 : jdfrac - 0.5;
-    const double t = (jdmid - J2000) / DAYS_PER_CENTURY;
-    double sid_g = (24110.54841 + 8640184.812866 * t + 0.093104 * t * t - 6.2e-6 * t * t * t) /
-                   SECONDS_PER_DAY;
-    sid_g -= std::trunc(sid_g);
-    double sid = sid_g + 1.0027379093 * ut - longit / HOURS_PER_DAY;
-    sid = (sid - std::trunc(sid)) * HOURS_PER_DAY;
-    if (sid < 0.0) sid += HOURS_PER_DAY;
-    return sid >= HOURS_PER_DAY ? 0.0 : sid;  // a tiny negative time rounds up to 24
-}
+double lst(double jd, double longit) { return siderealTime(jd, longit); }
 
 double adj_time(double x) {
     constexpr double BOUND = 100000.0;
@@ -125,28 +74,16 @@ double adj_time(double x) {
     return x;
 }
 
-double atan_circ(double x, double y) {
-    if (x == 0.0) {
-        if (y > 0.0) return HALF_PI;
-        if (y < 0.0) return THREE_HALVES_PI;
-        return std::isnan(y) ? y : 0.0;
-    }
-    double theta = std::atan(y / x);
-    if (x < 0.0) theta += PI;
-    if (theta < 0.0) theta += TWO_PI;
-    return theta;
-}
+double atan_circ(double x, double y) { return circleAngle(x, y); }
 
 double altit(double dec, double ha, double lat, double* az) {
-    dec /= DEG_PER_RAD;
-    ha /= HOURS_PER_RAD;
-    lat /= DEG_PER_RAD;
-    const double x = std::cos(dec) * std::cos(ha) * std::cos(lat) + std::sin(dec) * std::sin(lat);
-    const double y =
-        std::sin(dec) * std::cos(lat) - std::cos(dec) * std::cos(ha) * std::sin(lat);  // north
-    const double z = -std::cos(dec) * std::sin(ha);                                    // east
-    *az = atan_circ(y, z) * DEG_PER_RAD;
-    return std::asin(withinOne(x)) * DEG_PER_RAD;
+    const Pair declination = pairOf(dec / DEG_PER_RAD);
+    const Pair hourAngle = pairOf(ha / HOURS_PER_RAD);
+    const Vector horizon =
+        toHorizon(declination.cosine * hourAngle.cosine, declination.cosine * hourAngle.sine,
+                  declination.sine, pairOf(lat / DEG_PER_RAD));
+    *az = circleAngle(horizon.y, horizon.z) * DEG_PER_RAD;
+    return std::asin(withinOne(horizon.x)) * DEG_PER_RAD;
 }
 
 double subtend(double ra1, double dec1, double ra2, double dec2) {
@@ -171,38 +108,21 @@ double subtend(double ra1, double dec1, double ra2, double dec2) {
 }
 
 void lpsun(double jd, double* ra, double* dec) {
-    const double n = jd - J2000;
-    const double L = 280.46 + 0.9856474 * n;
-    const double g = (357.528 + 0.9856003 * n) / DEG_PER_RAD;
-    const double lambda = (L + 1.915 * std::sin(g) + 0.02 * std::sin(2.0 * g)) / DEG_PER_RAD;
-    const double epsilon = (23.439 - 4e-7 * n) / DEG_PER_RAD;
-    const double x = std::cos(lambda);
-    const double y = std::cos(epsilon) * std::sin(lambda);
-    const double z = std::sin(epsilon) * std::sin(lambda);
-    *ra = atan_circ(x, y) * HOURS_PER_RAD;
-    *dec = std::asin(withinOne(z)) * DEG_PER_RAD;
+    const Vector sun = sunDirection(pairOf(sunLongitude(jd)), pairOf(obliquity(jd)));
+    *ra = circleAngle(sun.x, sun.y) * HOURS_PER_RAD;
+    *dec = std::asin(withinOne(sun.z)) * DEG_PER_RAD;
 }
 
 void lpmoon(double jd, double lat, double sid, double* ra, double* dec, double* dist) {
-    const double T = (jd - J2000) / DAYS_PER_CENTURY;
-    const double lambda = addSines(218.32 + 481267.883 * T, LONGITUDE, T) / DEG_PER_RAD;
-    const double beta = addSines(0.0, LATITUDE, T) / DEG_PER_RAD;
-    const double pie = addCosines(0.9508, PARALLAX, T) / DEG_PER_RAD;
-    const double distance = 1.0 / std::sin(pie);
-    // Direction cosines; the obliquity is taken as fixed.
-    const double l = std::cos(beta) * std::cos(lambda);
-    const double m = 0.9175 * std::cos(beta) * std::sin(lambda) - 0.3978 * std::sin(beta);
-    const double n = 0.3978 * std::cos(beta) * std::sin(lambda) + 0.9175 * std::sin(beta);
-    // From the Earth's centre to the observer, on a sphere of radius 1.
-    const double rad_lat = lat / DEG_PER_RAD;
-    const double rad_lst = sid / HOURS_PER_RAD;
-    const double x = l * distance - std::cos(rad_lat) * std::cos(rad_lst);
-    const double y = m * distance - std::cos(rad_lat) * std::sin(rad_lst);
-    const double z = n * distance - std::sin(rad_lat);
-    const double topo_dist = std::sqrt(x * x + y * y + z * z);
-    *ra = atan_circ(x / topo_dist, y / topo_dist) * HOURS_PER_RAD;
-    *dec = std::asin(withinOne(z / topo_dist)) * DEG_PER_RAD;
-    *dist = topo_dist;
+    const Pair latitude = pairOf(lat / DEG_PER_RAD);
+    const Pair sidereal = pairOf(sid / HOURS_PER_RAD);
+    const Vector observer = {latitude.cosine * sidereal.cosine, latitude.cosine * sidereal.sine,
+                             latitude.sine};
+    const Place moon = moonPlace(pairOf(moonLongitude(jd)), pairOf(moonLatitude(jd)),
+                                 std::sin(moonParallax(jd)), observer);
+    *ra = circleAngle(moon.direction.x, moon.direction.y) * HOURS_PER_RAD;
+    *dec = std::asin(withinOne(moon.direction.z)) * DEG_PER_RAD;
+    *dist = moon.distance;
 }
 
 void flmoon(int n, int nph, double* jdout) {
@@ -228,21 +148,34 @@ void flmoon(int n, int nph, double* jdout) {
     *jdout = jd + cor;
 }
 
-float lun_age(double jd, int* nlun) {
-    const double guess = std::trunc((jd - 2415020.5) / 29.5307 - 1.0);
+Lunation findLunation(double jd) {
+    constexpr double NONE = std::numeric_limits<double>::quiet_NaN();
     constexpr double FIRST_LUNATION = std::numeric_limits<int>::min();
-    *nlun = 0;
-    if (!(guess >= FIRST_LUNATION) || !(jd <= newMoon(LAST_LUNATION)))
-        return std::numeric_limits<float>::quiet_NaN();
+    static const double LAST_NEW_MOON = newMoon(LAST_LUNATION);
+    const double guess = firstGuess(jd);
+    if (!(guess >= FIRST_LUNATION) || !(jd <= LAST_NEW_MOON)) return {0, NONE, NONE};
     auto n = static_cast<std::int64_t>(guess);
+    double lastnewjd = newMoon(n);
     double newjd = newMoon(n + 1);
-    while (newjd < jd) {
-        // Lunations that lie between for certain, at least one: as one step at a time, but sooner.
-        n += std::max<std::int64_t>(1, static_cast<std::int64_t>((jd - newjd) / LONGEST_LUNATION));
+    while (newjd < jd) {  // as one lunation after the other, but sooner
+        const std::int64_t step = newMoonsBefore(jd, newjd);
+        n += step;
+        lastnewjd = step == 1 ? newjd : newMoon(n);
         newjd = newMoon(n + 1);
     }
-    *nlun = static_cast<int>(n);
-    return static_cast<float>(jd - newMoon(n));
+    return {static_cast<int>(n), lastnewjd, newjd};
+}
+
+bool holds(const Lunation& lunation, double jd) {
+    constexpr int REGULAR = 600000;  // so far from 1900, new moons still come in their order
+    return std::abs(lunation.number) < REGULAR && lunation.newMoon < jd &&
+           jd <= lunation.nextNewMoon && firstGuess(jd) <= lunation.number;
+}
+
+float lun_age(double jd, int* nlun) {
+    const Lunation lunation = findLunation(jd);
+    *nlun = lunation.number;
+    return static_cast<float>(jd - lunation.newMoon);
 }
 
 double lunskybright(double alpha, double rho, double kzen, double altmoon, double alt,

@@ -19,9 +19,8 @@ ZARNSYS_EXPORT double lst(double jd, double longit);
 /// A time or hour angle reduced by whole days.
 ///
 /// @param x  [h]
-/// @return   -12 <= x <= 12. When |x| >= 100000 or x is not a number, a line on standard output
-/// says
-///           so and x comes back as it is.
+/// @return   -12 <= x <= 12. When |x| >= 100000 or x is not a number, it comes back as it is, and a
+///           line on standard output says so.
 ZARNSYS_EXPORT double adj_time(double x);
 
 /// The angle of the point (x, y), seen from the origin.
@@ -86,9 +85,10 @@ ZARNSYS_EXPORT void flmoon(int n, int nph, double* jdout);
 ///
 /// At the very instant of a new moon the age is a whole lunation.
 ///
-/// @param jd    Julian Date [d]. The series' new moons advance up to JD 6.84e9; beyond, and where
-///              lunation numbers of 32 bits end, the age is not a number and the lunation 0. Far in
-///              the past (a million years) the search may start too late and the age be negative.
+/// @param jd    Julian Date [d]. Before 1900 the search may start at the new moon to come: the age
+/// is
+///              then negative. The series' new moons advance up to JD 6.84e9; beyond, and where
+///              lunation numbers of 32 bits end, the age is not a number and the lunation 0.
 /// @param nlun  receives that new moon's lunation number, as `flmoon` counts; 0 without one
 /// @return      age [d], rounded to single precision
 ZARNSYS_EXPORT float lun_age(double jd, int* nlun);
@@ -104,9 +104,8 @@ ZARNSYS_EXPORT float lun_age(double jd, int* nlun);
 /// @param altmoon   moon's altitude [deg]
 /// @param alt       target's altitude [deg]
 /// @param moondist  moon's distance [Earth radii]
-/// @return          [V mag per square arc second], larger is darker; 99.0 where it is negligible or
-/// an
-///                  input is not a number
+/// @return          [V mag per square arc second], larger is darker; 99.0 where it is negligible
+///                  or an input is not a number
 ZARNSYS_EXPORT double lunskybright(double alpha, double rho, double kzen, double altmoon,
                                    double alt, double moondist);
 

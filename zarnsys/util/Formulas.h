@@ -1,0 +1,192 @@
+/// The formulas behind Astronomy.h and MoonGrid.h, once for both.
+///
+/// They have no branches and are always inlined: a loop around them can become vector instructions.
+/// None takes the sine and the cosine of one angle, which gcc would turn into a complex function
+/// that has no vector form; these come in as a pair.
+#ifndef ZARNSYS_UTIL_FORMULAS_H
+#define ZARNSYS_UTIL_FORMULAS_H
+
+#include <cmath>
+#include <cstddef>
+#include <iterator>
+#include <utility>
+
+namespace formulas {
+
+// Shortened literals are part of the results: none of these is replaced by a fuller value.
+constexpr double DEG_PER_RAD = 57.2957795130823;
+constexpr double HOURS_PER_RAD = 3.819718634205;
+constexpr double PI = 3.14159265358979;
+constexpr double TWO_PI = 6.28318530717958;
+constexpr double HALF_PI = 1.570796326794895;
+constexpr double THREE_HALVES_PI = 4.712388980384685;
+
+constexpr double J2000 = 2451545.0;           // [d], Julian Date
+constexpr double DAYS_PER_CENTURY = 36525.0;  // Julian century [d]
+constexpr double HOURS_PER_DAY = 24.0;
+constexpr double SECONDS_PER_DAY = 86400.0;
+
+/// One term of a series in T, Julian centuries from J2000: amplitude * f(phase + rate * T).
+struct Term {
+    double amplitude;  // [deg]
+    double phase;      // [deg]
+    double rate;       // [deg per century]
+};
+
+// The Astronomical Almanac's low-precision moon.
+constexpr Term LONGITUDE[] = {
+    // sines
+    {6.29, 134.9, 477198.85}, {-1.27, 259.2, -413335.38}, {0.66, 235.7, 890534.23},
+    {0.21, 269.9, 954397.7},  {-0.19, 357.5, 35999.05},   {-0.11, 186.6, 966404.05},
+};
+constexpr Term LATITUDE[] = {
+    // sines
+    {5.13, 93.3, 483202.03},
+    {0.28, 228.2, 960400.87},
+    {-0.28, 318.3, 6003.18},
+    {-0.17, 217.6, -407332.2},
+};
+constexpr Term PARALLAX[] = {
+    // cosines
+    {0.0518, 134.9, 477198.85},
+    {0.0095, 259.2, -413335.38},
+    {0.0078, 235.7, 890534.23},
+    {0.0028, 269.9, 954397.7},
+};
+
+struct Vector {
+    double x;
+    double y;
+    double z;
+};
+
+/// Sine and cosine of an angle.
+struct Pair {
+    double sine;
+    double cosine;
+};
+
+/// A direction, and how far what stands there is away.
+struct Place {
+    Vector direction;  ///< length 1, x to the equinox, z to the pole
+    double distance;   ///< [Earth radii]
+};
+
+[[gnu::always_inline]] inline double sinDeg(double degrees) {
+    return std::sin(degrees / DEG_PER_RAD);
+}
+
+[[gnu::always_inline]] inline double cosDeg(double degrees) {
+    return std::cos(degrees / DEG_PER_RAD);
+}
+
+/// A sine or cosine that rounding may have carried beyond 1; not-a-number stays so.
+[[gnu::always_inline]] inline double withinOne(double x) {
+    const double notBelow = x < -1.0 ? -1.0 : x;
+    return notBelow > 1.0 ? 1.0 : notBelow;
+}
+
+template <std::size_t N, std::size_t... I>
+[[gnu::always_inline]] inline double addSines(double sum, const Term (&series)[N], double T,
+                                              std::index_sequence<I...> /*terms*/) {
+    ((sum += series[I].amplitude * sinDeg(series[I].phase + series[I].rate * T)), ...);
+    return sum;
+}
+
+template <std::size_t N, std::size_t... I>
+[[gnu::always_inline]] inline double addCosines(double sum, const Term (&series)[N], double T,
+                                                std::index_sequence<I...> /*terms*/) {
+    ((sum += series[I].amplitude * cosDeg(series[I].phase + series[I].rate * T)), ...);
+    return sum;
+}
+
+/// Local mean sidereal time [h], see `lst`.
+[[gnu::always_inline]] inline double siderealTime(double jd, double longit) {
+    const double jdint = std::trunc(jd);
+    const double jdfrac = jd - jdint;
+    const bool beforeMidnight = jdfrac < 0.5;
+    const double jdmid = beforeMidnight ? jdint - 0.5 : jdint + 0.5;
+    const double ut = beforeMidnight ? jdfrac + 0.5 : jdfrac - 0.5;
+    const double t = (jdmid - J2000) / DAYS_PER_CENTURY;
+    double sid_g = (24110.54841 + 8640184.812866 * t + 0.093104 * t * t - 6.2e-6 * t * t * t) /
+                   SECONDS_PER_DAY;
+    sid_g -= std::trunc(sid_g);
+    const double turns = sid_g + 1.0027379093 * ut - longit / HOURS_PER_DAY;
+    const double signedSid = (turns - std::trunc(turns)) * HOURS_PER_DAY;
+    const double sid = signedSid < 0.0 ? signedSid + HOURS_PER_DAY : signedSid;
+    return sid >= HOURS_PER_DAY ? 0.0 : sid;  // a tiny negative time rounds up to 24
+}
+
+/// The angle of a point [rad], see `atan_circ`.
+[[gnu::always_inline]] inline double circleAngle(double x, double y) {
+    const double angle = std::atan(y / x);
+    const double turned = x < 0.0 ? angle + PI : angle;
+    const double positive = turned < 0.0 ? turned + TWO_PI : turned;
+    const double down = y < 0.0 ? THREE_HALVES_PI : y;  // 0 and not-a-number stay
+    const double onAxis = y > 0.0 ? HALF_PI : down;
+    return x == 0.0 ? onAxis : positive;
+}
+
+/// The sun's ecliptic longitude and the obliquity of the ecliptic [rad], see `lpsun`.
+[[gnu::always_inline]] inline double sunLongitude(double jd) {
+    const double n = jd - J2000;
+    const double L = 280.46 + 0.9856474 * n;
+    const double g = (357.528 + 0.9856003 * n) / DEG_PER_RAD;
+    return (L + 1.915 * std::sin(g) + 0.02 * std::sin(2.0 * g)) / DEG_PER_RAD;
+}
+[[gnu::always_inline]] inline double obliquity(double jd) {
+    return (23.439 - 4e-7 * (jd - J2000)) / DEG_PER_RAD;
+}
+
+[[gnu::always_inline]] inline Vector sunDirection(const Pair& longitude, const Pair& obliquity) {
+    return {longitude.cosine, obliquity.cosine * longitude.sine, obliquity.sine * longitude.sine};
+}
+
+/// The moon's ecliptic longitude, latitude and parallax [rad], see `lpmoon`.
+[[gnu::always_inline]] inline double moonLongitude(double jd) {
+    const double T = (jd - J2000) / DAYS_PER_CENTURY;
+    const std::make_index_sequence<std::size(LONGITUDE)> terms;
+    return addSines(218.32 + 481267.883 * T, LONGITUDE, T, terms) / DEG_PER_RAD;
+}
+[[gnu::always_inline]] inline double moonLatitude(double jd) {
+    const double T = (jd - J2000) / DAYS_PER_CENTURY;
+    const std::make_index_sequence<std::size(LATITUDE)> terms;
+    return addSines(0.0, LATITUDE, T, terms) / DEG_PER_RAD;
+}
+[[gnu::always_inline]] inline double moonParallax(double jd) {
+    const double T = (jd - J2000) / DAYS_PER_CENTURY;
+    const std::make_index_sequence<std::size(PARALLAX)> terms;
+    return addCosines(0.9508, PARALLAX, T, terms) / DEG_PER_RAD;
+}
+
+/// The moon as an observer sees it, see `lpmoon`.
+///
+/// @param observer  from the Earth's centre to the observer, on a sphere of radius 1
+[[gnu::always_inline]] inline Place moonPlace(const Pair& longitude, const Pair& latitude,
+                                              double sinParallax, const Vector& observer) {
+    const double distance = 1.0 / sinParallax;
+    // Direction cosines; the obliquity is taken as fixed.
+    const double l = latitude.cosine * longitude.cosine;
+    const double m = 0.9175 * latitude.cosine * longitude.sine - 0.3978 * latitude.sine;
+    const double n = 0.3978 * latitude.cosine * longitude.sine + 0.9175 * latitude.sine;
+    const double x = l * distance - observer.x;
+    const double y = m * distance - observer.y;
+    const double z = n * distance - observer.z;
+    const double topo_dist = std::sqrt(x * x + y * y + z * z);
+    return {{x / topo_dist, y / topo_dist, z / topo_dist}, topo_dist};
+}
+
+/// From a direction in the equatorial frame of the meridian to that of the horizon, see `altit`.
+///
+/// @param south, west, pole  cos(dec) cos(ha), cos(dec) sin(ha), sin(dec)
+/// @param latitude           the observer's
+/// @return                   x up, y north, z east
+[[gnu::always_inline]] inline Vector toHorizon(double south, double west, double pole,
+                                               const Pair& latitude) {
+    return {south * latitude.cosine + pole * latitude.sine,
+            pole * latitude.cosine - south * latitude.sine, -west};
+}
+
+}  // namespace formulas
+
+#endif  // ZARNSYS_UTIL_FORMULAS_H

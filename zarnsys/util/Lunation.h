@@ -1,0 +1,18 @@
+/// The search for the lunation of an instant, behind `lun_age` and the moon grid.
+#ifndef ZARNSYS_UTIL_LUNATION_H
+#define ZARNSYS_UTIL_LUNATION_H
+
+/// A lunation, as `flmoon` counts them.
+struct Lunation {
+    int number;
+    double newMoon;      ///< that it begins with, Julian Date [d]; not a number: none was found
+    double nextNewMoon;  ///< Julian Date [d]
+};
+
+/// The lunation of an instant, by the search that `lun_age` describes.
+Lunation findLunation(double jd);
+
+/// Whether `findLunation` would find this lunation again for another instant; false when in doubt.
+bool holds(const Lunation& lunation, double jd);
+
+#endif  // ZARNSYS_UTIL_LUNATION_H

@@ -1,0 +1,258 @@
+// This file is compiled for vector instructions, see CMakeLists.txt.
+#include <cmath>
+
+// glibc has vector forms of these functions, within 4 units of the last place and with the same
+// results for infinities and not-a-numbers, but tells the compiler only under fast mathematics,
+// which would break other promises.
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__GLIBC__) && \
+    __GLIBC_PREREQ(2, 35)
+#define ZARNSYS_VECTOR_FUNCTIONS
+extern "C" {
+[[gnu::simd("notinbranch")]] double sin(double) noexcept;
+[[gnu::simd("notinbranch")]] double cos(double) noexcept;
+[[gnu::simd("notinbranch")]] double asin(double) noexcept;
+[[gnu::simd("notinbranch")]] double acos(double) noexcept;
+[[gnu::simd("notinbranch")]] double atan(double) noexcept;
+}
+#endif
+
+#include <algorithm>
+#include <cstddef>
+#include <stdexcept>
+
+#include "zarnsys/util/Formulas.h"
+#include "zarnsys/util/Lunation.h"
+#include "zarnsys/util/MoonGrid.h"
+
+namespace {
+
+using formulas::Pair;
+using formulas::Vector;
+
+constexpr double JD_OF_MJD_0 = 2400000.5;
+constexpr double DEG_PER_HOUR = 15.0;
+constexpr double SYNODIC_MONTH = 29.5305888531;         // mean [d]
+constexpr double FULL_DEG_PER_RAD = 57.29577951308238;  // of separations, as in the classic call
+
+constexpr std::size_t BLOCK = 64;  // instants worked on together: they stay in the nearest cache
+using Values = double[BLOCK];      // a plain array: gcc 12 does not vectorise over std::array
+
+/// Angles [rad] with their sines and cosines.
+struct Angles {
+    Values angle;
+    Values sine;
+    Values cosine;
+
+    Pair pair(std::size_t i) const { return {sine[i], cosine[i]}; }
+};
+
+/// What is needed of the observer's place.
+struct Observer {
+    double longitude;  ///< [h], positive west
+    Pair latitude;
+};
+
+/// Instants and what depends on them alone; the units are those of `MoonGrid`.
+struct Instants {
+    Values jd;  ///< Julian Date [d]
+    Values lst;
+    Angles sidereal, moonLongitude, moonLatitude, moonParallax, sunLongitude, obliquity;
+    Values moonX, moonY, moonZ;  ///< direction of the moon
+    Values objdist;
+    Values altitude, azimuth;
+    Values alphasun;
+    Values fli;
+};
+
+/// Directions, an array per coordinate.
+struct Directions {
+    explicit Directions(std::size_t count) : x(count), y(count), z(count) {}
+
+    std::vector<double> x;
+    std::vector<double> y;
+    std::vector<double> z;
+};
+
+[[gnu::always_inline]] inline void fillPairs(Angles& angles) {
+    for (std::size_t i = 0; i < BLOCK; ++i) angles.sine[i] = std::sin(angles.angle[i]);
+    for (std::size_t i = 0; i < BLOCK; ++i) angles.cosine[i] = std::cos(angles.angle[i]);
+}
+
+[[gnu::always_inline]] inline void fillAngles(const Observer& observer, Instants& at) {
+    for (std::size_t i = 0; i < BLOCK; ++i) {
+        at.lst[i] = formulas::siderealTime(at.jd[i], observer.longitude);
+        at.sidereal.angle[i] = at.lst[i] / formulas::HOURS_PER_RAD;
+    }
+    for (std::size_t i = 0; i < BLOCK; ++i) {
+        at.moonLongitude.angle[i] = formulas::moonLongitude(at.jd[i]);
+        at.moonLatitude.angle[i] = formulas::moonLatitude(at.jd[i]);
+        at.sunLongitude.angle[i] = formulas::sunLongitude(at.jd[i]);
+        at.obliquity.angle[i] = formulas::obliquity(at.jd[i]);
+    }
+    for (std::size_t i = 0; i < BLOCK; ++i)
+        at.moonParallax.angle[i] = formulas::moonParallax(at.jd[i]);
+    for (Angles* angles : {&at.sidereal, &at.moonLongitude, &at.moonLatitude, &at.moonParallax,
+                           &at.sunLongitude, &at.obliquity})
+        fillPairs(*angles);
+}
+
+[[gnu::always_inline]] inline void computeInstants(const Observer& observer, Instants& at) {
+    fillAngles(observer, at);
+    for (std::size_t i = 0; i < BLOCK; ++i) {
+        const Pair lst = at.sidereal.pair(i);
+        const Vector site = {observer.latitude.cosine * lst.cosine,
+                             observer.latitude.cosine * lst.sine, observer.latitude.sine};
+        const auto [moon, distance] = formulas::moonPlace(
+            at.moonLongitude.pair(i), at.moonLatitude.pair(i), at.moonParallax.sine[i], site);
+        // The hour angle's sine and cosine, from those of sidereal time and right ascension.
+        const double south = moon.x * lst.cosine + moon.y * lst.sine;
+        const double west = moon.x * lst.sine - moon.y * lst.cosine;
+        const Vector horizon = formulas::toHorizon(south, west, moon.z, observer.latitude);
+        const Vector sun = formulas::sunDirection(at.sunLongitude.pair(i), at.obliquity.pair(i));
+        const double cosSun = formulas::withinOne(sun.x * moon.x + sun.y * moon.y + sun.z * moon.z);
+        at.moonX[i] = moon.x;
+        at.moonY[i] = moon.y;
+        at.moonZ[i] = moon.z;
+        at.objdist[i] = distance;
+        at.altitude[i] = std::asin(formulas::withinOne(horizon.x)) * formulas::DEG_PER_RAD;
+        at.azimuth[i] = formulas::circleAngle(horizon.y, horizon.z) * formulas::DEG_PER_RAD;
+        at.alphasun[i] = std::acos(cosSun);
+        at.fli[i] = (1.0 - cosSun) * 0.5;
+    }
+}
+
+/// The directions of the targets from `begin` on, at most a block of them.
+[[gnu::always_inline]] inline void computeDirections(const std::vector<MoonTarget>& targets,
+                                                     std::size_t begin, Directions& directions) {
+    const std::size_t count = std::min(BLOCK, targets.size() - begin);
+    Angles ra = {};
+    Angles dec = {};
+    for (std::size_t i = 0; i < count; ++i) {
+        ra.angle[i] = targets[begin + i].ra / DEG_PER_HOUR / formulas::HOURS_PER_RAD;
+        dec.angle[i] = targets[begin + i].dec / formulas::DEG_PER_RAD;
+    }
+    fillPairs(ra);
+    fillPairs(dec);
+    for (std::size_t i = 0; i < count; ++i) {
+        directions.x[begin + i] = ra.cosine[i] * dec.cosine[i];
+        directions.y[begin + i] = ra.sine[i] * dec.cosine[i];
+        directions.z[begin + i] = dec.sine[i];
+    }
+}
+
+[[gnu::always_inline]] inline void computeSeparations(const Directions& targets, const Vector& moon,
+                                                      double* __restrict separations) {
+    const std::size_t count = targets.x.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const double cosine = targets.x[i] * moon.x + targets.y[i] * moon.y + targets.z[i] * moon.z;
+        separations[i] = std::acos(formulas::withinOne(cosine)) * FULL_DEG_PER_RAD;
+    }
+}
+
+/// Computes the values of the instants from `begin` on, at most a block of them.
+[[gnu::always_inline]] inline void computeBlock(const Directions& targets,
+                                                const std::vector<MJD_DATE>& instants,
+                                                const Observer& observer, std::size_t begin,
+                                                Instants& at, MoonGrid& grid) {
+    const std::size_t count = std::min(BLOCK, instants.size() - begin);
+    for (std::size_t i = 0; i < count; ++i) at.jd[i] = instants[begin + i] + JD_OF_MJD_0;
+    computeInstants(observer, at);
+    const auto keep = [begin, count](const Values& values, std::vector<double>& result) {
+        std::copy_n(values, count,
+                    result.begin() + static_cast<std::vector<double>::difference_type>(begin));
+    };
+    keep(at.lst, grid.lst);
+    keep(at.fli, grid.moonfli);
+    keep(at.altitude, grid.moonalt);
+    keep(at.azimuth, grid.moonaz);
+    keep(at.alphasun, grid.alphasun);
+    keep(at.objdist, grid.objdist);
+    double* row = grid.moondist.data() + begin * targets.x.size();
+    for (std::size_t i = 0; i < count; ++i, row += targets.x.size())
+        computeSeparations(targets, {at.moonX[i], at.moonY[i], at.moonZ[i]}, row);
+}
+
+/// Computes all but the phases.
+[[gnu::always_inline]] inline void compute(const std::vector<MoonTarget>& targets,
+                                           const std::vector<MJD_DATE>& instants,
+                                           const Observer& observer, MoonGrid& grid) {
+    Directions directions(targets.size());
+    for (std::size_t begin = 0; begin < targets.size(); begin += BLOCK)
+        computeDirections(targets, begin, directions);
+    Instants at = {};
+    for (std::size_t begin = 0; begin < instants.size(); begin += BLOCK)
+        computeBlock(directions, instants, observer, begin, at, grid);
+}
+
+using Compute = void(const std::vector<MoonTarget>&, const std::vector<MJD_DATE>&, const Observer&,
+                     MoonGrid&);
+
+void computeAnywhere(const std::vector<MoonTarget>& targets, const std::vector<MJD_DATE>& instants,
+                     const Observer& observer, MoonGrid& grid) {
+    compute(targets, instants, observer, grid);
+}
+
+#ifdef ZARNSYS_VECTOR_FUNCTIONS
+[[gnu::target("avx2")]] void computeAvx2(const std::vector<MoonTarget>& targets,
+                                         const std::vector<MJD_DATE>& instants,
+                                         const Observer& observer, MoonGrid& grid) {
+    compute(targets, instants, observer, grid);
+}
+
+[[gnu::target("avx512f,avx512dq")]] void computeAvx512(const std::vector<MoonTarget>& targets,
+                                                       const std::vector<MJD_DATE>& instants,
+                                                       const Observer& observer, MoonGrid& grid) {
+    compute(targets, instants, observer, grid);
+}
+#endif
+
+/// The fastest form that this processor and its system can run.
+Compute* chooseCompute() {
+#ifdef ZARNSYS_VECTOR_FUNCTIONS
+    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq"))
+        return computeAvx512;
+    if (__builtin_cpu_supports("avx2")) return computeAvx2;
+#endif
+    return computeAnywhere;
+}
+
+std::vector<double> phases(const std::vector<MJD_DATE>& instants) {
+    std::vector<double> result;
+    result.reserve(instants.size());
+    Lunation lunation = {};
+    for (const MJD_DATE instant : instants) {
+        const double jd = instant + JD_OF_MJD_0;
+        if (!holds(lunation, jd)) lunation = findLunation(jd);
+        const auto age = static_cast<float>(jd - lunation.newMoon);
+        result.push_back(static_cast<double>(age) / SYNODIC_MONTH);
+    }
+    return result;
+}
+
+}  // namespace
+
+MoonGrid computeMoonGrid(const std::vector<MoonTarget>& targets,
+                         const std::vector<MJD_DATE>& instants, double longitude, double latitude) {
+    static Compute* const chosen = chooseCompute();
+    const std::size_t count = instants.size();
+    MoonGrid grid;
+    if (count > 0 && targets.size() > grid.moondist.max_size() / count)
+        throw std::length_error("the moon grid is too large");
+    for (std::vector<double>* values :
+         {&grid.lst, &grid.moonfli, &grid.moonalt, &grid.moonaz, &grid.alphasun, &grid.objdist})
+        values->resize(count);
+    grid.moondist.resize(count * targets.size());
+    grid.moonphase = phases(instants);
+    const double radLatitude = latitude / formulas::DEG_PER_RAD;
+    chosen(targets, instants,
+           {longitude / DEG_PER_HOUR, {std::sin(radLatitude), std::cos(radLatitude)}}, grid);
+    return grid;
+}
+
+MoonGrid computeMoonGrid(const std::vector<MoonTarget>& targets,
+                         const std::vector<MJD_DATE>& instants, Telescope telescope) {
+    double latitude = 0;
+    double longitude = 0;
+    getTelescopeCoord(latitude, longitude, telescope);
+    return computeMoonGrid(targets, instants, longitude, latitude);
+}
