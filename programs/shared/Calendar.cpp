@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr double MINUTES_PER_DAY = 1440.0;
 
 [[noreturn]] void fail(const std::string& text, const std::string& problem) {
     throw std::invalid_argument("\"" + printable(text) + "\" " + problem);
@@ -30,7 +29,16 @@ bool matches(const std::string& text, const std::string& pattern) {
     return true;
 }
 
-double roundedToMinute(double mjd) { return std::round(mjd * MINUTES_PER_DAY) / MINUTES_PER_DAY; }
+/// An instant rounded to whole units, of which a day has so many, down to the seconds.
+std::string rounded(double mjd, double unitsPerDay) {
+    const double units = std::round(mjd * unitsPerDay);
+    const double day = std::floor(units / unitsPerDay);
+    const auto second = static_cast<int>((units - day * unitsPerDay) * (ERFA_DAYSEC / unitsPerDay));
+    std::array<char, 40> time = {};
+    std::snprintf(time.data(), time.size(), "T%02d:%02d:%02d", second / 3600, second / 60 % 60,
+                  second % 60);
+    return dateOf(day) + time.data();
+}
 
 }  // namespace
 
@@ -72,16 +80,10 @@ std::string dateOf(double mjd) {
     return text.data();
 }
 
-std::string minuteOf(double mjd) {
-    const double minutes = std::round((mjd - std::floor(mjd)) * MINUTES_PER_DAY);
-    const int whole = static_cast<int>(minutes) % static_cast<int>(MINUTES_PER_DAY);
-    std::array<char, 40> text = {};
-    std::snprintf(text.data(), text.size(), "%02d:%02d", whole / 60, whole % 60);
-    return text.data();
-}
+std::string secondOf(double mjd) { return rounded(mjd, ERFA_DAYSEC); }
 
-std::string dateAndMinuteOf(double mjd) {
-    const double rounded = roundedToMinute(mjd);
-    constexpr double WITHIN = 0.25 / MINUTES_PER_DAY;  // against the rounding's own error
-    return dateOf(rounded + WITHIN) + "T" + minuteOf(rounded);
+std::string minuteOf(double mjd) {
+    constexpr double MINUTES_PER_DAY = 1440.0;
+    const std::string seconds = rounded(mjd, MINUTES_PER_DAY);
+    return seconds.substr(0, seconds.size() - std::string(":00").size());
 }

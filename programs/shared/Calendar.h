@@ -16,11 +16,10 @@ double mjdOfInstant(const std::string& text);
 /// The date YYYY-MM-DD that an instant falls on.
 std::string dateOf(double mjd);
 
-/// The time of day hh:mm of an instant, rounded to the minute before it is split: 23:59:40 is
-/// 00:00.
-std::string minuteOf(double mjd);
+/// An instant rounded to the second, as YYYY-MM-DDThh:mm:ss.
+std::string secondOf(double mjd);
 
-/// The instant rounded to the minute, as YYYY-MM-DDThh:mm.
-std::string dateAndMinuteOf(double mjd);
+/// An instant rounded to the minute, as YYYY-MM-DDThh:mm.
+std::string minuteOf(double mjd);
 
 #endif  // ZARN_PROGRAMS_CALENDAR_H

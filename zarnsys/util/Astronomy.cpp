@@ -40,9 +40,9 @@ double newMoon(std::int64_t lunation) {
     return jd;
 }
 
-// Where the search for a new moon ends: the series' cubic term lets the mean new moons advance up
-// to this lunation only, near JD 6.84e9.
-constexpr std::int64_t LAST_LUNATION = 346000000;
+// The last instant for which the search for a new moon ends [d], Julian Date: the series' cubic
+// term lets the mean new moons advance up to lunation 346,000,000 only.
+constexpr double LAST_DATE = 6.836e9;
 constexpr double LONGEST_MEAN_LUNATION = 29.5307;  // [d], more than any
 constexpr double LUNATIONS_EPOCH = 2415020.5;      // [d], Julian Date
 
@@ -93,8 +93,8 @@ double subtend(double ra1, double dec1, double ra2, double dec2) {
     dec1 /= DEG_PER_RAD;
     ra2 /= HOURS_PER_RAD;
     dec2 /= DEG_PER_RAD;
-    const double x = std::cos(ra1) * std::cos(dec1) * std::cos(ra2) * std::cos(dec2);
-    const double y = std::sin(ra1) * std::cos(dec1) * std::sin(ra2) * std::cos(dec2);
+    const double x = (std::cos(ra1) * std::cos(dec1)) * (std::cos(ra2) * std::cos(dec2));
+    const double y = (std::sin(ra1) * std::cos(dec1)) * (std::sin(ra2) * std::cos(dec2));
     const double z = std::sin(dec1) * std::sin(dec2);
     const double theta = std::acos(withinOne(x + y + z));
     const bool awayFromPoles = std::fabs(dec1) < NEAR_POLE && std::fabs(dec2) < NEAR_POLE;
@@ -151,9 +151,8 @@ void flmoon(int n, int nph, double* jdout) {
 Lunation findLunation(double jd) {
     constexpr double NONE = std::numeric_limits<double>::quiet_NaN();
     constexpr double FIRST_LUNATION = std::numeric_limits<int>::min();
-    static const double LAST_NEW_MOON = newMoon(LAST_LUNATION);
     const double guess = firstGuess(jd);
-    if (!(guess >= FIRST_LUNATION) || !(jd <= LAST_NEW_MOON)) return {0, NONE, NONE};
+    if (!(guess >= FIRST_LUNATION) || !(jd <= LAST_DATE)) return {0, NONE, NONE};
     auto n = static_cast<std::int64_t>(guess);
     double lastnewjd = newMoon(n);
     double newjd = newMoon(n + 1);

@@ -3,7 +3,7 @@
 /// Right ascension, hour angle and sidereal time are in hours, all other angles in degrees unless a
 /// comment says radians. Longitudes are positive to the WEST. Nutation, aberration and refraction
 /// are left out. Every function is reentrant, keeps no state and throws nothing. Outputs are always
-/// written. A not-a-number among the inputs gives not-a-number results.
+/// written. A not-a-number among the inputs gives not-a-number results, but for `lunskybright`.
 #ifndef ZARNSYS_UTIL_ASTRONOMY_H
 #define ZARNSYS_UTIL_ASTRONOMY_H
 
@@ -41,8 +41,9 @@ ZARNSYS_EXPORT double altit(double dec, double ha, double lat, double* az);
 /// The angle between two positions.
 ///
 /// Below 1e-5 rad, away from the poles, a small-angle form takes the place of the arc cosine, which
-/// is blind there. Coincident positions give 0 although rounding may carry their cosine above 1,
-/// and a right ascension just below 24 h is near one just above 0 h.
+/// is blind there: within 0.06 degrees of a pole, coincident positions may give 2e-8. Rounding that
+/// carries a cosine above 1 gives 0, and a right ascension just below 24 h is near one just above
+/// 0 h.
 ///
 /// @param ra1, ra2    right ascensions [h]
 /// @param dec1, dec2  declinations [deg]
@@ -83,11 +84,11 @@ ZARNSYS_EXPORT void flmoon(int n, int nph, double* jdout);
 
 /// The moon's age: the time since the last new moon before an instant.
 ///
-/// At the very instant of a new moon the age is a whole lunation.
+/// At the very instant of a new moon, from that of lunation 1 on, the age is a whole lunation.
 ///
 /// @param jd    Julian Date [d]. Before 1900 the search may start at the new moon to come: the age
 /// is
-///              then negative. The series' new moons advance up to JD 6.84e9; beyond, and where
+///              then negative. The series' new moons advance up to JD 6.836e9; beyond, and where
 ///              lunation numbers of 32 bits end, the age is not a number and the lunation 0.
 /// @param nlun  receives that new moon's lunation number, as `flmoon` counts; 0 without one
 /// @return      age [d], rounded to single precision

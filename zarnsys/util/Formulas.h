@@ -6,6 +6,7 @@
 #ifndef ZARNSYS_UTIL_FORMULAS_H
 #define ZARNSYS_UTIL_FORMULAS_H
 
+#include <cfloat>
 #include <cmath>
 #include <cstddef>
 #include <iterator>
@@ -80,6 +81,16 @@ struct Place {
     return std::cos(degrees / DEG_PER_RAD);
 }
 
+/// The number as a double holds it: on 32-bit x86 a register may hold more of it.
+[[gnu::always_inline]] inline double stored(double x) {
+    constexpr int IN_LONG_DOUBLE = 2;
+    if constexpr (FLT_EVAL_METHOD == IN_LONG_DOUBLE) {
+        const volatile double rounded = x;
+        return rounded;
+    }
+    return x;
+}
+
 /// A sine or cosine that rounding may have carried beyond 1; not-a-number stays so.
 [[gnu::always_inline]] inline double withinOne(double x) {
     const double notBelow = x < -1.0 ? -1.0 : x;
@@ -113,7 +124,7 @@ template <std::size_t N, std::size_t... I>
     sid_g -= std::trunc(sid_g);
     const double turns = sid_g + 1.0027379093 * ut - longit / HOURS_PER_DAY;
     const double signedSid = (turns - std::trunc(turns)) * HOURS_PER_DAY;
-    const double sid = signedSid < 0.0 ? signedSid + HOURS_PER_DAY : signedSid;
+    const double sid = stored(signedSid < 0.0 ? signedSid + HOURS_PER_DAY : signedSid);
     return sid >= HOURS_PER_DAY ? 0.0 : sid;  // a tiny negative time rounds up to 24
 }
 

@@ -8,7 +8,7 @@
 #include "zarnsys/util/ZarnTime.h"
 
 /// The telescopes served: OLAN on one site, VEK1 to VEK4 on another.
-enum Telescope { OLAN = 0, VEK1 = 1, VEK2 = 2, VEK3 = 3, VEK4 = 4 };
+enum Telescope : int { OLAN = 0, VEK1 = 1, VEK2 = 2, VEK3 = 3, VEK4 = 4 };
 
 /// The place of a telescope.
 ///
