@@ -14,7 +14,6 @@
 
 namespace {
 
-
 [[noreturn]] void fail(const std::string& text, const std::string& problem) {
     throw std::invalid_argument("\"" + printable(text) + "\" " + problem);
 }

@@ -63,9 +63,8 @@ Row rowOf(const Site& site, const MoonGrid& moon, std::size_t i, double mjd) {
 std::vector<MoonTarget> placesOfDate(const Settings& settings, double mjd) {
     std::vector<MoonTarget> places;
     for (const Target& target : settings.targets) {
-        const Position place = settings.equinoxOfDate
-                                   ? target.place
-                                   : precessed(target.place, J2000_EPOCH, mjd);
+        const Position place =
+            settings.equinoxOfDate ? target.place : precessed(target.place, J2000_EPOCH, mjd);
         places.push_back({place.ra, place.dec});
     }
     return places;
@@ -98,8 +97,8 @@ std::vector<Row> makeRows(const Settings& settings, const std::vector<MJD_DATE>&
         const bool isDark = row.sunAltitude < ASTRONOMICAL_TWILIGHT;
         for (std::size_t t = 0; t < targets.size(); ++t) {
             const double altitude = altitudeOf(targets[t], row.lst, site.latitude);
-            row.targets.push_back(valuesOf(settings, altitude,
-                                           moon.moondist[i * targets.size() + t], light, isDark));
+            row.targets.push_back(
+                valuesOf(settings, altitude, moon.moondist[i * targets.size() + t], light, isDark));
             if (!windows.empty()) {
                 row.targets.back().best =
                     instants[i] >= windows[t].begin && instants[i] <= windows[t].end;

@@ -10,13 +10,13 @@
 
 /// A target at an instant. What would mean nothing is absent.
 struct TargetValues {
-    double altitude;                   ///< [deg], without refraction
-    double moonDistance;               ///< angle between moon and target [deg]
-    std::optional<double> airmass;     ///< above the horizon only
-    std::optional<double> moonSky;     ///< added by the moon [V mag per square arc second]; both up,
-                                       ///< and the moon not negligible
-    std::optional<double> sky;         ///< in all; target up, sun below -18 degrees
-    bool best;                         ///< within the target's best window
+    double altitude;                ///< [deg], without refraction
+    double moonDistance;            ///< angle between moon and target [deg]
+    std::optional<double> airmass;  ///< above the horizon only
+    std::optional<double> moonSky;  ///< added by the moon [V mag per square arc second]; both up,
+                                    ///< and the moon not negligible
+    std::optional<double> sky;      ///< in all; target up, sun below -18 degrees
+    bool best;                      ///< within the target's best window
 };
 
 struct Row {

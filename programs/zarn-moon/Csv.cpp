@@ -1,0 +1,122 @@
+#include <algorithm>
+
+#include "Calendar.h"
+#include "Report.h"
+#include "Texts.h"
+
+namespace {
+
+constexpr int ANGLE = 4;       // decimals of degrees,
+constexpr int HOUR = 5;        // of hours,
+constexpr int BRIGHTNESS = 3;  // of magnitudes,
+constexpr int FRACTION = 4;    // and of the rest
+constexpr int DAY = 6;         // [d]
+
+using Cells = std::vector<std::string>;
+
+/// A cell in quotes where commas or quotes in it would mislead.
+std::string quoted(const std::string& text) {
+    if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+    std::string result = "\"";
+    for (const char c : text) result.append(c == '"' ? 2 : 1, c);
+    return result + '"';
+}
+
+std::string lineOf(const Cells& cells) {
+    std::string line;
+    for (const std::string& cell : cells) line += (line.empty() ? "" : ",") + quoted(cell);
+    return line + "\n";
+}
+
+std::string word(bool yes) { return yes ? "1" : "0"; }
+
+Cells instantTitles(const Settings& settings) {
+    Cells titles = {"utc", "mjd"};
+    if (settings.local) titles.emplace_back("local");
+    const Cells more = {"lst_h",         "sun_alt_deg",  "moon_alt_deg", "moon_az_deg",
+                        "illumination",  "phase",        "moon_up",      "target",
+                        "ra_deg",        "dec_deg",      "alt_deg",      "airmass",
+                        "moon_dist_deg", "moon_sky_mag", "sky_mag",      "best"};
+    titles.insert(titles.end(), more.begin(), more.end());
+    return titles;
+}
+
+Cells instantCells(const Settings& settings, const Row& row) {
+    Cells cells = {secondOf(row.mjd) + "Z", fixed(row.mjd, DAY)};
+    if (settings.local) cells.push_back(localTime(row.mjd, "%Y-%m-%dT%H:%M%z"));
+    const Cells more = {fixed(row.lst, HOUR),
+                        fixed(row.sunAltitude, ANGLE),
+                        fixed(row.moonAltitude, ANGLE),
+                        fixed(row.moonAzimuth, ANGLE),
+                        fixed(row.illumination, FRACTION),
+                        fixed(row.phase, FRACTION),
+                        word(row.moonUp)};
+    cells.insert(cells.end(), more.begin(), more.end());
+    return cells;
+}
+
+Cells targetCells(const Report& report, const Target& target, const TargetValues& values) {
+    return {target.name,
+            fixed(target.place.ra, ANGLE),
+            fixed(target.place.dec, ANGLE),
+            fixed(values.altitude, ANGLE),
+            fixedOr(values.airmass, FRACTION, ""),
+            fixed(values.moonDistance, ANGLE),
+            fixedOr(values.moonSky, BRIGHTNESS, ""),
+            fixedOr(values.sky, BRIGHTNESS, ""),
+            report.windows.empty() ? "" : word(values.best)};
+}
+
+std::string instants(const Report& report) {
+    constexpr std::size_t TARGET_CELLS = 9;
+    const Settings& settings = report.settings;
+    std::string text = lineOf(instantTitles(settings));
+    for (const Row& row : report.rows) {
+        const Cells instant = instantCells(settings, row);
+        for (std::size_t i = 0; i < std::max<std::size_t>(1, row.targets.size()); ++i) {
+            const Cells target = row.targets.empty()
+                                     ? Cells(TARGET_CELLS)
+                                     : targetCells(report, settings.targets[i], row.targets[i]);
+            Cells cells = instant;
+            cells.insert(cells.end(), target.begin(), target.end());
+            text += lineOf(cells);
+        }
+    }
+    return text;
+}
+
+/// "civil_dusk" of "civil dusk".
+std::string column(std::string name) {
+    std::replace(name.begin(), name.end(), ' ', '_');
+    return name;
+}
+
+std::string nights(const Report& report) {
+    Cells titles = {"night"};
+    for (const Event& event : report.nights.front().events) titles.push_back(column(event.name));
+    for (const char* title : {"astronomical_hours", "dark_hours", "illumination", "phase", "word"})
+        titles.emplace_back(title);
+    std::string text = lineOf(titles);
+    for (const auto& [date, events, summary] : report.nights) {
+        Cells cells = {dateOf(date)};
+        for (const Event& event : events) {
+            std::string times;
+            for (const double time : event.times)
+                times += (times.empty() ? "" : " ") + minuteOf(time) + "Z";
+            cells.push_back(times);
+        }
+        cells.push_back(fixed(summary.astronomicalHours, 2));
+        cells.push_back(fixed(summary.darkHours, 2));
+        cells.push_back(fixed(summary.illumination, FRACTION));
+        cells.push_back(fixed(summary.moonPhase, FRACTION));
+        cells.push_back(summary.word);
+        text += lineOf(cells);
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string csvOf(const Report& report) {
+    return report.settings.nights > 0 ? nights(report) : instants(report);
+}

@@ -1,0 +1,82 @@
+/// zarn-moon: what the moon does to a night.
+
+#include <zarnsys/util/ZarnSysEx.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+
+#include "CommandLine.h"
+#include "Plot.h"
+#include "Printable.h"
+#include "Process.h"
+#include "Report.h"
+#include "ResultFile.h"
+#include "UsageError.h"
+
+namespace {
+
+double presentMjd() {
+    constexpr double MJD_OF_EPOCH = 40587.0;  // 1970-01-01
+    constexpr double SECONDS_PER_DAY = 86400.0;
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return MJD_OF_EPOCH + std::chrono::duration<double>(now).count() / SECONDS_PER_DAY;
+}
+
+std::string formOf(const Report& report) {
+    switch (report.settings.format) {
+        case Format::CSV:
+            return csvOf(report);
+        case Format::JSON:
+            return jsonOf(report);
+        case Format::TABLE:
+            break;
+    }
+    return tableOf(report);
+}
+
+void run(CommandLine& commandLine) {
+    const Settings settings = commandLine.parse(presentMjd());
+    if (settings.help) return commandLine.displayFullHelp();
+    if (settings.version) {
+        std::cout << "zarn-moon " ZARNSYS_VERSION "\n";
+        return;
+    }
+    const std::string result = formOf(makeReport(settings));
+    if (settings.output.empty()) {
+        std::cout << result << std::flush;
+    } else {
+        writeWhole(settings.output, result);
+    }
+    if (!settings.plot.empty()) writeWhole(settings.plot, drawNight(settings));
+}
+
+/// Runs the program and reports what ends it.
+int runReporting(CommandLine& commandLine) {
+    try {
+        run(commandLine);
+        return EXIT_SUCCESS;
+    } catch (const UsageError& error) {
+        std::cerr << std::string("zarn-moon: ") + error.what() + "; see zarn-moon --help\n";
+        return EXIT_WRONG_USAGE;
+    } catch (const std::exception& error) {
+        std::cerr << std::string("zarn-moon: ") + error.what() + "\n";
+        return EXIT_FAILURE;
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    reserveStandardStreams();
+    ignoreWriteSignals();
+    setPriorityMask(ERROR_AND_ABOVE);
+    CommandLine commandLine(argumentsOf("zarn-moon", argc, argv));
+    const int status = runReporting(commandLine);
+    if (!std::cout.flush()) {
+        std::cerr << "zarn-moon: standard output cannot be written\n";
+        return EXIT_FAILURE;
+    }
+    return status;
+}
