@@ -1,6 +1,6 @@
-# For test scripts of zarn-ingest: runs the program and counts checks. The script sets `program`.
+# For test scripts of the programs: runs the one and counts checks. The script sets `program`.
 # shellcheck shell=bash
-work=$(mktemp -d "${TMPDIR:-/tmp}/zarn-ingest-test-XXXXXX")
+work=$(mktemp -d "${TMPDIR:-/tmp}/zarnsys-test-XXXXXX")
 trap 'cd /; rm -rf "$work"' EXIT
 chmod 755 "$work"
 passed=0 failed=0
