@@ -58,20 +58,6 @@ double sexagesimal(const std::string& text) {
     return decimal(parts[0]) + minutesOrSeconds(text, parts[1]) + seconds / PARTS;
 }
 
-double declination(const std::string& text) {
-    constexpr double POLE = 90.0;
-    const bool isSigned = text.find_first_of("+-") == 0;
-    const double size = parseAngle(text.substr(isSigned ? 1 : 0), POLE);
-    return text[0] == '-' ? -size : size;
-}
-
-double rightAscension(const std::string& text) {
-    const double unit = isSexagesimal(text) ? DEG_PER_HOUR : 1.0;
-    constexpr double CIRCLE = 360.0;  // [deg]
-    const double ra = parseAngle(text, CIRCLE / unit) * unit;
-    return ra < CIRCLE ? ra : 0.0;
-}
-
 }  // namespace
 
 double parseNumber(const std::string& text, double least, double most) {
@@ -88,10 +74,24 @@ double parseAngle(const std::string& text, double most) {
     return angle;
 }
 
+double parseRightAscension(const std::string& text) {
+    const double unit = isSexagesimal(text) ? DEG_PER_HOUR : 1.0;
+    constexpr double CIRCLE = 360.0;  // [deg]
+    const double ra = parseAngle(text, CIRCLE / unit) * unit;
+    return ra < CIRCLE ? ra : 0.0;
+}
+
+double parseDeclination(const std::string& text) {
+    constexpr double POLE = 90.0;
+    const bool isSigned = text.find_first_of("+-") == 0;
+    const double size = parseAngle(text.substr(isSigned ? 1 : 0), POLE);
+    return text[0] == '-' ? -size : size;
+}
+
 Position parsePosition(const std::string& ra, const std::string& dec) {
     if (isSexagesimal(ra) != isSexagesimal(dec))
         fail(ra + " " + dec, "is neither two numbers in degrees nor two sexagesimal ones");
-    return {rightAscension(ra), declination(dec)};
+    return {parseRightAscension(ra), parseDeclination(dec)};
 }
 
 Position parsePosition(const std::string& text) {

@@ -20,6 +20,12 @@ double parseNumber(const std::string& text, double least, double most);
 /// a fraction. In the unit of its first part, 0 to `most`.
 double parseAngle(const std::string& text, double most);
 
+/// A right ascension [deg], 0 <= ra < 360: in degrees ("83.8221") or in hours ("05:35:17.3").
+double parseRightAscension(const std::string& text);
+
+/// A declination [deg], -90 to 90: "-5.3911" or "-05:23:28".
+double parseDeclination(const std::string& text);
+
 /// A position: both in degrees ("83.8221 -5.3911"), or both sexagesimal, the right ascension in
 /// hours ("05:35:17.3 -05:23:28").
 Position parsePosition(const std::string& ra, const std::string& dec);
