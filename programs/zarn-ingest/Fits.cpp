@@ -9,6 +9,13 @@ std::string statusText(int status) {
     return "CFITSIO status " + std::to_string(status) + ": " + text.data();
 }
 
+std::string valueOf(std::string card) {
+    std::array<char, FLEN_VALUE> value = {};
+    int status = 0;
+    fits_parse_value(card.data(), value.data(), nullptr, &status);
+    return status == 0 ? value.data() : "";
+}
+
 FitsHandle::~FitsHandle() {
     if (file_ == nullptr) return;
     int status = 0;

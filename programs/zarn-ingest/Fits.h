@@ -1,4 +1,4 @@
-/// CFITSIO's words for messages, and a handle that cleans up after itself.
+/// CFITSIO's words for messages, its reading of values, and a handle that cleans up after itself.
 #ifndef ZARN_INGEST_FITS_H
 #define ZARN_INGEST_FITS_H
 
@@ -8,6 +8,9 @@
 
 /// "CFITSIO status 207: illegal character in keyword"
 std::string statusText(int status);
+
+/// A card's value as text, a string in its quotes; empty where there is none that CFITSIO can read.
+std::string valueOf(std::string card);
 
 /// An open FITS file. One that is still open at the end is given up: its header is made to describe
 /// no data first, since CFITSIO would otherwise write that much while closing.

@@ -90,14 +90,6 @@ std::string keywordOf(std::string card) {
     return name.data();
 }
 
-/// The value's text; empty where the card has none that CFITSIO can read.
-std::string valueOf(std::string card) {
-    std::array<char, FLEN_VALUE> value = {};
-    int status = 0;
-    fits_parse_value(card.data(), value.data(), nullptr, &status);
-    return status == 0 ? value.data() : "";
-}
-
 bool isWholeNumber(const std::string& text) {
     const std::size_t sign = text.find_first_of("+-") == 0 ? 1 : 0;
     return text.size() > sign && text.find_first_not_of("0123456789", sign) == std::string::npos;
@@ -214,6 +206,10 @@ HeaderText::HeaderText(const std::string& bytes) {
     // The conversion appends a missing NAXIS, which is in its place after two cards only.
     constexpr std::size_t ENOUGH = 2;
     if (cards_.size() < ENOUGH) checkPlace({"", "(the text ends)", "", number});
+}
+
+void HeaderText::append(const std::vector<std::string>& lines) {
+    for (const std::string& line : lines) addCard(line, 0);
 }
 
 std::string HeaderText::text(bool oldChecksums) const {

@@ -40,7 +40,7 @@ struct Card {
     std::string text;     ///< the card without trailing blanks
     std::string line;     ///< the line up to column 80
     std::string keyword;  ///< as CFITSIO reads it: HIERARCH names without that word
-    std::size_t number;   ///< of the line, counted from 1
+    std::size_t number;   ///< of the line, counted from 1; 0: of none
 };
 
 class HeaderText {
@@ -56,6 +56,11 @@ public:
 
     const std::vector<Card>& cards() const { return cards_; }  ///< before END
     const Losses& losses() const { return losses_; }
+
+    /// Adds cards before END, which then count as the text's own, without a line number.
+    ///
+    /// @throw IngestError  when one of them is no legal card
+    void append(const std::vector<std::string>& lines);
 
     /// What is converted: the lines of these cards, without END, which CFITSIO adds.
     ///
