@@ -83,7 +83,7 @@ testOneRun() {
 testProperties() {
     local line
     mkdir in
-    for line in 'log priorities FOO' 'log flags STDERR|BAR' 'service poll 0' 'service poll 1x' 'ingest force yes' 'log size -1' 'log file a b'; do
+    for line in 'log priorities FOO' 'log flags STDERR|BAR' 'service poll 0' 'service poll 1x' 'ingest force yes' 'ingest moon VEK9' 'log size -1' 'log file a b'; do
         # shellcheck disable=SC2086 # three words
         set -- $line
         properties "$1" "$2" "${line#"$1 $2 "}"
@@ -140,6 +140,25 @@ testRecovery() {
         'done: a.hdr a0.hdr b.hdr c.hdr  fits: a.fits a0.fits b.fits c.fits ' ]
     check "a torn line" [ -z "$(grep torn journal/*.journal)" ]
     check "lines for b" [ "$(journalFields 3 | grep -c b.hdr)" = 1 ]
+}
+
+# A result with the moon's values is recognised, too; one without them is another file.
+testMoon() {
+    properties ingest moon vek2; arrive a.hdr
+    run 0 -p p.ini; says '1 converted, 0 failed'; says 'moon: 1 with values'
+    check "values" [ "$(fold -w 80 fits/a.fits | grep -c '^MOON.*(VEK2)')" = 4 ]
+    check "cards of the text" [ "$(journalFields 6)" = 18 ]
+    cp fits/a.fits before; mv done/a.hdr in/
+    sed -i '/a.hdr/d' journal/*.journal  # killed between result and journal
+    run 0 -p p.ini; says '1 converted, 0 failed'; says 'moon: 1 with values'
+    check "made again" cmp -s fits/a.fits before
+    check "the line" [ "$(journalFields 3,5,6)" = "$(printf 'in/a.hdr\tconverted\t18')" ]
+    mv done/a.hdr in/
+    run 1 -q -p p.ini -m OLAN; says 'fits/a.fits exists already'
+    run 0 -q -p p.ini -m OLAN -f --retry-failed
+    check "the option wins" grep -q '(OLAN)' fits/a.fits
+    properties ingest moon VEK9
+    run 2 -p p.ini; says 'p.ini: [ingest] moon = VEK9: must be one of OLAN, VEK1, VEK2, VEK3, VEK4'
 }
 
 testRoom() {

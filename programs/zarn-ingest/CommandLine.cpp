@@ -1,9 +1,11 @@
 #include "CommandLine.h"
 
 #include <iostream>
+#include <stdexcept>
 #include <utility>
 
 #include "Properties.h"
+#include "Telescopes.h"
 #include "UsageError.h"
 
 namespace {
@@ -16,6 +18,7 @@ const std::vector<OptionRow> OPTIONS = {
     {"force", 'f', "", "Replace results that exist", ""},
     {"help", 'h', "", "Show this help", ""},
     {"list", 'l', "FILE", "Convert the files named in FILE, one name a line; may be repeated", ""},
+    {"moon", 'm', "TELESCOPE", "Add where the moon stood, seen from there; see below", ""},
     {"null", '0', "", "Names in lists and on standard input end in NUL (short: -0)", ""},
     {"output-dir", 'o', "DIR", "Directory of the results, created when missing (one level)",
      ". (the current directory)"},
@@ -55,6 +58,11 @@ shell pattern. Names from lists are never patterns. A name that begins with a
 dash is written ./-name.hdr; so is a directory or list for an option. Flags take
 no value: --force=no is --force.
 
+--moon adds MOONALT, MOONAZ, MOONDIST, MOONFLI and MOONPHAS to headers that have
+RA and DEC, in degrees or as '05:35:17.3', and MJD-OBS or DATE-OBS, in universal
+time. Others are converted as they are, and counted. A keyword of these names
+that a header has already is kept.
+
 Messages read "zarn-ingest: FILE:LINE: text", lines counted from 1.
 
 Exit status: 0 every file was converted, with warnings or not; 1 some were not;
@@ -62,6 +70,14 @@ Exit status: 0 every file was converted, with warnings or not; 1 some were not;
 file in hand was finished (the same one again ends the program at once). With
 --watch these signals are the ordinary end, with status 0.
 )";
+
+Telescope telescopeOption(const std::string& name) {
+    try {
+        return telescopeOf(name);
+    } catch (const std::invalid_argument& error) {
+        throw UsageError(std::string("option --moon: ") + error.what());
+    }
+}
 
 /// Settings that exclude or lack each other.
 void checkTogether(const Settings& settings) {
@@ -94,6 +110,7 @@ void CommandLine::applyOptions(Settings& settings) const {
     settings.arguments = argumentVect_;
     if (given("list")) settings.lists = values("list");
     if (given("output-dir")) settings.outputDir = value("output-dir");
+    if (given("moon")) settings.moon = telescopeOption(value("moon"));
     for (const auto& [name, flag] : FLAGS) {
         if (given(name)) settings.*flag = true;
     }
@@ -120,5 +137,5 @@ Settings CommandLine::parse() {
 
 void CommandLine::displayFullHelp() const {
     displayHelp();
-    std::cout << NOTES << std::flush;
+    std::cout << NOTES << "\nTelescopes: " << telescopeNames() << ".\n" << std::flush;
 }

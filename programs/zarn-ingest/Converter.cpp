@@ -145,8 +145,10 @@ void Converter::convertOrThrow(const Input& input, Outcome& outcome) {
     const std::string name = resultName(input.name);
     outcome.result = output_.path(name);
     claim(input, name);
-    const HeaderText text = HeaderText::read(input.name);
+    HeaderText text = HeaderText::read(input.name);
     outcome.cards = text.cards().size();
+    const MoonCards moon = options_.moon ? moonCards(text, *options_.moon) : MoonCards();
+    text.append(moon.lines);
     const bool isThere = !isFree(outcome.result);
     const bool isDone = isThere && options_.service && isFrom(text, outcome.result);
     if (isThere && !isDone) checkReplaceable(outcome.result);
@@ -160,7 +162,7 @@ void Converter::convertOrThrow(const Input& input, Outcome& outcome) {
         syncToDisk(output_.name());
     }
     if (!options_.dryRun) outcome.size = std::filesystem::file_size(outcome.result);
-    reporter_.converted(input.name, text.losses(), options_.checksum, outcome.result);
+    reporter_.converted(input.name, text.losses(), moon, options_.checksum, outcome.result);
 }
 
 void Converter::protect(const std::string& source) {

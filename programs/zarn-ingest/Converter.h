@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -25,13 +26,14 @@ struct ConversionOptions {
     bool checksum = false;   ///< add DATASUM and CHECKSUM
     bool service = false;    ///< results safe on disk; one that exists already from the same text,
                              ///< as after a crash, counts as converted
+    std::optional<Telescope> moon;  ///< add the moon's values for it
 };
 
 /// What became of one file.
 struct Outcome {
     bool converted = false;
     std::string result;       ///< path; of a failed file: where it would have been
-    std::size_t cards = 0;    ///< in the text, END left out
+    std::size_t cards = 0;    ///< in the text as it came, without END and what the program adds
     std::uintmax_t size = 0;  ///< of the result [bytes]
 };
 

@@ -1,8 +1,8 @@
 /// The service's journal: one line per file, one journal file a day.
 ///
 /// A line holds, separated by tabs: local time in ISO form, seconds since the epoch, source,
-/// result, status, number of cards, size of the result in bytes. Names are printable: control
-/// characters read \xHH.
+/// result, status, number of cards in the source, size of the result in bytes. Names are printable:
+/// control characters read \xHH.
 #ifndef ZARN_INGEST_JOURNAL_H
 #define ZARN_INGEST_JOURNAL_H
 

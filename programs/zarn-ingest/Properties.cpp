@@ -8,14 +8,17 @@
 #include <iostream>
 #include <iterator>
 #include <limits>
+#include <optional>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 #include <variant>
 
 #include "Printable.h"
 #include "Reading.h"
+#include "Telescopes.h"
 #include "UsageError.h"
 
 namespace {
@@ -24,6 +27,7 @@ using Text = std::string Settings::*;
 using Texts = std::vector<std::string> Settings::*;
 using Number = unsigned Settings::*;
 using Flag = bool Settings::*;
+using Site = std::optional<Telescope> Settings::*;
 
 const std::string INGEST = "ingest";
 const std::string SERVICE = "service";
@@ -33,7 +37,7 @@ const std::string LOG = "log";
 const struct Property {
     const std::string& section;
     const char* key;
-    std::variant<Text, Texts, Number, Flag> member;
+    std::variant<Text, Texts, Number, Flag, Site> member;
     unsigned least;
 } PROPERTIES[] = {
     {INGEST, "pattern", &Settings::pattern, 0},
@@ -43,6 +47,7 @@ const struct Property {
     {INGEST, "null", &Settings::nulSeparated, 0},
     {INGEST, "force", &Settings::overwrite, 0},
     {INGEST, "checksum", &Settings::checksum, 0},
+    {INGEST, "moon", &Settings::moon, 0},
     {INGEST, "dry-run", &Settings::dryRun, 0},
     {INGEST, "quiet", &Settings::quiet, 0},
     {INGEST, "verbose", &Settings::verbose, 0},
@@ -174,6 +179,15 @@ public:
     void operator()(Flag member) {
         if (properties_.get(property_.section, property_.key, settings_.*member) != 0)
             failValue(fileName_, property_, "T or F");
+    }
+    void operator()(Site member) {
+        std::string name;
+        properties_.get(property_.section, property_.key, name);
+        try {
+            settings_.*member = telescopeOf(name);
+        } catch (const std::invalid_argument&) {
+            failValue(fileName_, property_, "one of " + telescopeNames());
+        }
     }
 
 private:

@@ -45,17 +45,19 @@ void Reporter::begin(std::size_t total) {
     start_ = Clock::now();
 }
 
-void Reporter::converted(const std::string& file, const Losses& losses, bool checksumRenewed,
-                         const std::string& result) {
+void Reporter::converted(const std::string& file, const Losses& losses, const MoonCards& moon,
+                         bool checksumRenewed, const std::string& result) {
     ++converted_;
     const std::size_t before = warnings_;
-    warn(file, losses.carriage, "lines that end in CR LF");
-    warn(file, losses.cut, "cards cut at 80 characters");
-    warn(file, losses.blanked, "characters that became blanks, as a header cannot hold them");
-    warn(file, losses.upperCased, "keywords that became upper case");
-    warn(file, losses.hidden, "cards left out, hidden behind the END card");
+    warnOf(file, losses.carriage, "lines that end in CR LF");
+    warnOf(file, losses.cut, "cards cut at 80 characters");
+    warnOf(file, losses.blanked, "characters that became blanks, as a header cannot hold them");
+    warnOf(file, losses.upperCased, "keywords that became upper case");
+    warnOf(file, losses.hidden, "cards left out, hidden behind the END card");
     if (!checksumRenewed)
-        warn(file, losses.oldChecksum, "checksums of another file (--checksum renews them)");
+        warnOf(file, losses.oldChecksum, "checksums of another file (--checksum renews them)");
+    for (const Remark& remark : moon.remarks) warn(file, remark.line, remark.text);
+    if (moon.state != MoonCards::State::NOT_ASKED) ++moon_[moon.state];
     if (warnings_ > before) ++warned_;
     if (level_ == Level::VERBOSE || toLog_)
         message(Kind::INFO, printable(file) + ": gave " + printable(result));
@@ -85,6 +87,11 @@ void Reporter::summary(const std::string& done, int signal) {
     if (signal != 0 && files_ > 0) text << ", " << files_ - converted_ - failed_ << " left";
     text << " in " << std::fixed << std::setprecision(1) << inSeconds(Clock::now() - start_)
          << " s";
+    if (!moon_.empty()) {
+        text << "; moon: " << moon_[MoonCards::State::GIVEN] << " with values, "
+             << moon_[MoonCards::State::WITHOUT] << " without position or time, "
+             << moon_[MoonCards::State::MALFORMED] << " malformed";
+    }
     message(Kind::INFO, text.str());
 }
 
@@ -99,12 +106,16 @@ void Reporter::message(Kind kind, const std::string& text) {
     }
 }
 
-void Reporter::warn(const std::string& file, const Loss& loss, const std::string& text) {
-    if (loss.count == 0) return;
+void Reporter::warn(const std::string& file, std::size_t line, const std::string& text) {
     ++warnings_;
     if (level_ == Level::QUIET) return;
-    message(Kind::INFO, place(file, loss.firstLine) + "warning: " + text + ": " +
-                            std::to_string(loss.count) + ", the first in this line");
+    message(Kind::INFO, place(file, line) + "warning: " + text);
+}
+
+void Reporter::warnOf(const std::string& file, const Loss& loss, const std::string& text) {
+    if (loss.count == 0) return;
+    warn(file, loss.firstLine,
+         text + ": " + std::to_string(loss.count) + ", the first in this line");
 }
 
 void Reporter::showProgress() {

@@ -4,10 +4,12 @@
 
 #include <chrono>
 #include <cstddef>
+#include <map>
 #include <string>
 
 #include "HeaderText.h"
 #include "IngestError.h"
+#include "MoonCards.h"
 
 class Reporter {
 public:
@@ -23,8 +25,8 @@ public:
     void begin(std::size_t total);
 
     /// One more file is done.
-    void converted(const std::string& file, const Losses& losses, bool checksumRenewed,
-                   const std::string& result);
+    void converted(const std::string& file, const Losses& losses, const MoonCards& moon,
+                   bool checksumRenewed, const std::string& result);
     void failed(const std::string& file, const IngestError& error);
 
     /// Messages about the run as a whole.
@@ -43,7 +45,8 @@ private:
     enum class Kind { ERROR, INFO };
 
     void message(Kind kind, const std::string& text);
-    void warn(const std::string& file, const Loss& loss, const std::string& text);
+    void warn(const std::string& file, std::size_t line, const std::string& text);
+    void warnOf(const std::string& file, const Loss& loss, const std::string& text);
     void showProgress();
     void clearProgress();
 
@@ -55,7 +58,8 @@ private:
     std::size_t warnings_ = 0;
     std::size_t warned_ = 0;  ///< files with a warning
     std::size_t failed_ = 0;
-    std::size_t progressLength_ = 0;  ///< columns of the progress line on the screen
+    std::map<MoonCards::State, std::size_t> moon_;  ///< files converted; empty: without the moon
+    std::size_t progressLength_ = 0;                ///< columns of the progress line on the screen
     Clock::time_point start_ = Clock::now();
     Clock::time_point shown_ = start_;
 };

@@ -26,6 +26,7 @@ ConversionOptions conversionOf(const Settings& settings) {
     options.overwrite = settings.overwrite;
     options.checksum = settings.checksum;
     options.service = true;
+    options.moon = settings.moon;
     return options;
 }
 

@@ -2,6 +2,9 @@
 #ifndef ZARN_INGEST_SETTINGS_H
 #define ZARN_INGEST_SETTINGS_H
 
+#include <zarnsys/util/ZarnMoonVal.h>
+
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,6 +22,7 @@ struct Settings {
     bool overwrite = false;
     bool checksum = false;
     bool dryRun = false;
+    std::optional<Telescope> moon;  ///< for which the moon's values are added
 
     // How the run behaves.
     bool quiet = false;

@@ -54,6 +54,7 @@ void convertNamed(Settings settings, const StopSignals& signals, Reporter& repor
     options.overwrite = settings.overwrite;
     options.dryRun = settings.dryRun;
     options.checksum = settings.checksum;
+    options.moon = settings.moon;
     Converter converter(options, OutputDirectory(settings.outputDir, missing), reporter);
     const std::vector<Input> inputs = collectInputs(settings, signals);
     converter.beginBatch(inputs, settings.lists);
