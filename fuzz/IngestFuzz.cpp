@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::uintmax_t CARD = 80;
 constexpr std::uintmax_t BLOCK = 2880;
-constexpr std::uintmax_t ADDED_CARDS = 4;  // NAXIS, DATASUM, CHECKSUM, END
+constexpr std::uintmax_t ADDED_CARDS = 9;  // NAXIS, DATASUM, CHECKSUM, END, five of the moon
 
 std::uintmax_t sizeOfHeader(const std::string& text) {
     std::uintmax_t cards = ADDED_CARDS + 1;
@@ -32,6 +32,7 @@ void convert(const std::string& text) {
     ConversionOptions options;
     options.checksum = text.size() % 2 == 0;
     options.service = text.size() % 3 == 0;
+    if (text.size() % 5 != 0) options.moon = VEK3;
     {
         Converter converter(options, output, reporter);
         converter.convert({dir / "x.hdr", ""});
