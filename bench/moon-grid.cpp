@@ -11,10 +11,10 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <cstdlib>
 #include <iomanip>
 #include <iostream>
 #include <random>
+#include <string>
 #include <vector>
 
 namespace {
@@ -97,7 +97,7 @@ void measure(const Shape& shape, int rounds) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 15;
+    const int rounds = argc > 1 ? std::max(1, std::stoi(argv[1])) : 15;
     std::cout << "targets instants  ns/value   times faster (range)   largest difference [deg]\n";
     for (const Shape& shape : SHAPES) measure(shape, rounds);
 }

@@ -92,7 +92,7 @@ std::string runGnuplot(const std::string& script) {
     if (error == ENOENT) throw std::runtime_error("--plot needs gnuplot, which is not installed");
     if (error != 0) throw std::system_error(error, std::generic_category(), "gnuplot");
     const int status = waitFor(process);
-    const std::string result = output.content();
+    std::string result = output.content();
     if (status != 0 || result.empty())
         throw std::runtime_error("gnuplot failed: " + printable(messages.content()));
     return result;

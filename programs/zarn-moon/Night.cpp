@@ -33,15 +33,15 @@ std::vector<double> crossings(const Night& night, const std::vector<double>& val
 }
 
 std::vector<double> above(const std::vector<double>& altitudes, double level) {
-    std::vector<double> result;
-    for (const double altitude : altitudes) result.push_back(altitude - level);
+    std::vector<double> result(altitudes);
+    for (double& altitude : result) altitude -= level;
     return result;
 }
 
 /// How far west the moon is: negative before its upper transit, positive after it.
 std::vector<double> westOfMeridian(const MoonGrid& moon) {
-    std::vector<double> result;
-    for (const double azimuth : moon.moonaz) result.push_back(-std::sin(azimuth / DEG_PER_RAD));
+    std::vector<double> result(moon.moonaz);
+    for (double& value : result) value = -std::sin(value / DEG_PER_RAD);
     return result;
 }
 

@@ -144,9 +144,8 @@ std::string scriptOf(const Settings& settings, const std::vector<Row>& rows,
                      const Summary& summary) {
     const bool svg = settings.plot.substr(settings.plot.size() - 4) == ".svg";
     const bool sky = !settings.targets.empty();
-    std::string script = svg ? "set terminal svg size 900," : "set terminal pngcairo size 900,";
-    script += sky ? "800" : "450";
-    script += svg ? " background 'white'\n" : " background 'white'\n";
+    std::string script = std::string("set terminal ") + (svg ? "svg" : "pngcairo") + " size 900," +
+                         (sky ? "800" : "450") + " background 'white'\n";
     script += data(rows) + shades(rows);
     script +=
         "set xdata time\nset timefmt '%s'\nset format x '%H:%M'\nset grid\n"

@@ -74,9 +74,9 @@ std::vector<MJD_DATE> instantsOf(const Night& night, double stepMinutes) {
     constexpr double MINUTES_PER_DAY = 1440.0;
     const double begin = night.minutes.front();
     const double day = std::floor(begin);
-    const double stepsBefore = std::ceil((begin - day) * MINUTES_PER_DAY / stepMinutes);
+    const double minutesBefore = (begin - day) * MINUTES_PER_DAY;
     std::vector<MJD_DATE> instants;
-    for (double step = stepsBefore;; ++step) {
+    for (auto step = static_cast<int>(std::ceil(minutesBefore / stepMinutes));; ++step) {
         const double mjd = day + step * stepMinutes / MINUTES_PER_DAY;
         if (mjd > night.minutes.back()) return instants;
         const auto minute = static_cast<std::size_t>((mjd - begin) * MINUTES_PER_DAY);
