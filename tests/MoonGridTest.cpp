@@ -62,7 +62,7 @@ TEST(MoonGridTest, AgreesWithTheClassicCall) {
     Random random;
     for (const std::size_t count : {1U, 64U, 131U}) {
         const auto targets = random.targets(count + 3);
-        auto instants = random.instants(count);
+        const auto instants = random.instants(count);
         const double longitude = random.from(-360.0, 360.0);
         const double latitude = random.from(-89.0, 89.0);
         const MoonGrid grid = computeMoonGrid(targets, instants, longitude, latitude);
@@ -70,10 +70,11 @@ TEST(MoonGridTest, AgreesWithTheClassicCall) {
         for (std::size_t i = 0; i < count; ++i) {
             SCOPED_TRACE(instants[i]);
             expectInstant(grid, i, classic(targets[0], instants[i], longitude, latitude));
-            for (std::size_t t = 0; t < targets.size(); ++t)
+            for (std::size_t t = 0; t < targets.size(); ++t) {
                 EXPECT_NEAR(grid.moondist[i * targets.size() + t],
                             classic(targets[t], instants[i], longitude, latitude).moondist,
                             AGREEMENT);
+            }
         }
     }
 }
@@ -81,10 +82,13 @@ TEST(MoonGridTest, AgreesWithTheClassicCall) {
 TEST(MoonGridTest, PhasesDoNotDependOnTheOrderOfInstants) {
     // Around 1800 the search for a new moon sometimes starts one too late; far ahead, new moons are
     // out of order.
-    std::vector<MJD_DATE> instants;
-    for (int day = 0; day < 400; ++day) instants.push_back(-40000.0 + 0.31 * day);
-    for (int day = 0; day < 400; ++day) instants.push_back(60000.0 - 0.77 * day);
-    for (int day = 0; day < 400; ++day) instants.push_back(6.5e9 - 0.9 * day);
+    constexpr int DAYS = 400;
+    std::vector<MJD_DATE> instants(3 * DAYS);
+    for (std::size_t day = 0; day < DAYS; ++day) {
+        instants[day] = -40000.0 + 0.31 * static_cast<double>(day);
+        instants[DAYS + day] = 60000.0 - 0.77 * static_cast<double>(day);
+        instants[2 * DAYS + day] = 6.5e9 - 0.9 * static_cast<double>(day);
+    }
     const MoonGrid grid = computeMoonGrid({}, instants, VEK1);
     for (std::size_t i = 0; i < instants.size(); ++i) {
         double latitude = 0;
