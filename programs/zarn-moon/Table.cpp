@@ -48,9 +48,11 @@ public:
     std::string text() const {
         std::ostringstream text;
         for (const auto& line : lines_) {
+            std::ostringstream cells;
             for (std::size_t i = 0; i < line.size(); ++i)
-                text << std::setw(static_cast<int>(width(i)) + (i > 0 ? 2 : 0)) << line[i];
-            text << '\n';
+                cells << std::setw(static_cast<int>(width(i)) + (i > 0 ? 2 : 0)) << line[i];
+            const std::string filled = cells.str();
+            text << filled.substr(0, filled.find_last_not_of(' ') + 1) << '\n';
         }
         return text.str();
     }
@@ -124,7 +126,7 @@ std::string targetTable(const Report& report, std::size_t target) {
         std::vector<std::string> cells = timeCells(row.mjd, settings);
         append(cells, {fixed(values.altitude, 1), fixedOr(values.airmass, 2, "-"),
                        fixed(values.moonDistance, 1), moonSkyText(row, values), skyText(values)});
-        if (!report.windows.empty()) cells.emplace_back(values.best ? "*" : " ");
+        if (!report.windows.empty()) cells.emplace_back(values.best ? "*" : "");
         columns.add(cells);
     }
     return columns.text();
