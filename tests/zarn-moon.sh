@@ -196,6 +196,27 @@ LINES
     run 0 --version; shows 'zarn-moon 0.'
 }
 
+testCompletion() {
+    run 0 --bash-completion; silent
+    # shellcheck source=/dev/null
+    . ./out.txt
+    local words expected
+    while IFS='|' read -r words expected; do
+        IFS=' ' read -ra COMP_WORDS <<<"zarn-moon $words"
+        [ "${words% }" = "$words" ] || COMP_WORDS+=('')
+        COMP_CWORD=$((${#COMP_WORDS[@]} - 1)) COMPREPLY=()
+        _zarn_moon 2>/dev/null  # compopt works in a real completion only
+        check "$words completes to ${COMPREPLY[*]}" [ "${COMPREPLY[*]}" = "$expected" ]
+    done <<'LINES'
+--targ|--target --targets
+--format |table csv json
+--format = c|csv
+--format =|table csv json
+-o t|
+--local --equi|--equinox
+LINES
+}
+
 testResultFiles() {
     run 0 -T OLAN -d 2026-12-24 -o night.txt
     check "nothing on standard output" [ ! -s out.txt ]

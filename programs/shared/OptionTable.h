@@ -19,8 +19,12 @@ struct OptionRow {
 class OptionTable : public GenConfig {
 public:
     /// @param arguments  the process's arguments, its name first
-    /// @param rows       the program's options
+    /// @param rows       the program's options, which must outlive the object
     OptionTable(std::vector<const char*> arguments, const std::vector<OptionRow>& rows);
+
+    /// What bash needs to complete the program's options, and those of their values that are a
+    /// choice of words ("table|csv|json"), a directory ("DIR") or a file ("FILE").
+    std::string bashCompletion(const std::string& program) const;
 
 protected:
     bool given(const std::string& option) const;
@@ -30,6 +34,9 @@ protected:
 
     /// The last value of an option that was given.
     const std::string& value(const std::string& option) const { return values(option).back(); }
+
+private:
+    const std::vector<OptionRow>& rows_;
 };
 
 #endif  // ZARN_PROGRAMS_OPTIONTABLE_H

@@ -13,6 +13,7 @@ namespace {
 constexpr char NONE = GenConfig::NO_SHORT_NAME;
 
 const std::vector<OptionRow> OPTIONS = {
+    {"bash-completion", NONE, "", "Write a completion script for bash", ""},
     {"checksum", 'c', "", "Add DATASUM and CHECKSUM to each result", ""},
     {"dry-run", 'n', "", "Say what would be done, and do nothing", ""},
     {"force", 'f', "", "Replace results that exist", ""},
@@ -35,11 +36,17 @@ const struct {
     const char* name;
     bool Settings::*flag;
 } FLAGS[] = {
-    {"checksum", &Settings::checksum},   {"dry-run", &Settings::dryRun},
-    {"force", &Settings::overwrite},     {"help", &Settings::help},
-    {"null", &Settings::nulSeparated},   {"quiet", &Settings::quiet},
-    {"stdin", &Settings::standardInput}, {"retry-failed", &Settings::retryFailed},
-    {"verbose", &Settings::verbose},     {"version", &Settings::version},
+    {"bash-completion", &Settings::bashCompletion},
+    {"checksum", &Settings::checksum},
+    {"dry-run", &Settings::dryRun},
+    {"force", &Settings::overwrite},
+    {"help", &Settings::help},
+    {"null", &Settings::nulSeparated},
+    {"quiet", &Settings::quiet},
+    {"stdin", &Settings::standardInput},
+    {"retry-failed", &Settings::retryFailed},
+    {"verbose", &Settings::verbose},
+    {"version", &Settings::version},
     {"watch", &Settings::watch},
 };
 
@@ -126,7 +133,7 @@ Settings CommandLine::parse() {
     if (parseCommandLine(true) != 0) throw UsageError("the command line is wrong");
     Settings settings;
     applyOptions(settings);
-    if (settings.help || settings.version) return settings;
+    if (settings.help || settings.version || settings.bashCompletion) return settings;
     if (given("properties")) {
         settings = readProperties(value("properties"));
         applyOptions(settings);

@@ -29,6 +29,7 @@ struct Settings {
     bool verbose = false;
     bool help = false;
     bool version = false;
+    bool bashCompletion = false;
     bool watch = false;        ///< look for files again and again
     bool retryFailed = false;  ///< put failed files back first
 

@@ -95,6 +95,10 @@ int run(CommandLine& commandLine, const StopSignals& signals) {
         displayVersion();
         return EXIT_SUCCESS;
     }
+    if (settings.bashCompletion) {
+        std::cout << commandLine.bashCompletion("zarn-ingest");
+        return EXIT_SUCCESS;
+    }
     if (settings.verbose) setPriorityMask(~0UL);
     commandLine.displayCommandLine();
     return work(settings, signals);

@@ -15,6 +15,7 @@ namespace {
 constexpr char NONE = GenConfig::NO_SHORT_NAME;
 
 const std::vector<OptionRow> OPTIONS = {
+    {"bash-completion", NONE, "", "Write a completion script for bash", ""},
     {"dark-sky", NONE, "V", "Sky brightness without moon [V mag per square arc second]", "21.8"},
     {"date", 'd', "YYYY-MM-DD", "The night that begins on this date, local mean noon to noon",
      "the night of now"},
@@ -197,7 +198,8 @@ Settings CommandLine::parse(double now) {
     Settings settings;
     settings.help = given("help");
     settings.version = given("version");
-    if (settings.help || settings.version) return settings;
+    settings.bashCompletion = given("bash-completion");
+    if (settings.help || settings.version || settings.bashCompletion) return settings;
     checkTogether();
     parseSite(settings);
     parseTimes(settings, now);

@@ -31,6 +31,7 @@ struct Settings {
     std::string plot;    ///< picture's file; empty: none
     bool help = false;
     bool version = false;
+    bool bashCompletion = false;
 };
 
 #endif  // ZARN_MOON_SETTINGS_H

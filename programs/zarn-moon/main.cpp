@@ -43,6 +43,10 @@ void run(CommandLine& commandLine) {
         std::cout << "zarn-moon " ZARNSYS_VERSION "\n";
         return;
     }
+    if (settings.bashCompletion) {
+        std::cout << commandLine.bashCompletion("zarn-moon");
+        return;
+    }
     const std::string result = formOf(makeReport(settings));
     if (settings.output.empty()) {
         std::cout << result << std::flush;
