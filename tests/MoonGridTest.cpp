@@ -96,7 +96,9 @@ TEST(MoonGridTest, PhasesDoNotDependOnTheOrderOfInstants) {
         getTelescopeCoord(latitude, longitude, VEK1);
         const Classic c = classic({0, 0}, instants[i], longitude, latitude);
         ASSERT_EQ(grid.moonphase[i], c.moonphase) << instants[i];
-        ASSERT_NEAR(grid.moonalt[i], c.moonalt, AGREEMENT) << instants[i];
+        // Far ahead, 32-bit x86 rounds the moon's huge angles otherwise in one than in the other.
+        const double agreement = instants[i] < 1e6 ? AGREEMENT : 0.01;
+        ASSERT_NEAR(grid.moonalt[i], c.moonalt, agreement) << instants[i];
     }
     EXPECT_TRUE(grid.moondist.empty());
 }

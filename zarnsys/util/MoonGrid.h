@@ -3,10 +3,10 @@
 /// The work that depends on the instant alone is done once per instant, and all of it in a form
 /// that compilers turn into vector instructions; which ones is decided at run time by what the
 /// processor has. The classic call's results come out within 1e-8 of each unit, angles modulo their
-/// circle, and the phase within one step of single precision. Three exceptions, where the formulas
+/// circle, and the phase within one step of single precision. The exceptions are where the formulas
 /// themselves amplify rounding: within an arc second of zenith or nadir the moon's altitude and
-/// azimuth, of a target's antipode its distance, and instants within a microsecond of a new moon,
-/// for which either lunation may be taken.
+/// azimuth, of a target or its antipode the distance; instants within a microsecond of a new moon,
+/// for which either lunation may be taken; and on 32-bit x86 instants more than 10,000 years away.
 #ifndef ZARNSYS_UTIL_MOONGRID_H
 #define ZARNSYS_UTIL_MOONGRID_H
 
