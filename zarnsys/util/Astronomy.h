@@ -1,3 +1,4 @@
+/// @file
 /// Positions of the sun and the moon, sidereal time, the moon's phases, and its light in the sky.
 ///
 /// Right ascension, hour angle and sidereal time are in hours, all other angles in degrees unless a
@@ -76,9 +77,8 @@ ZARNSYS_EXPORT void lpmoon(double jd, double lat, double sid, double* ra, double
 /// universal time.
 ///
 /// @param n      lunation: 0 is the one whose mean new moon falls on JD 2415020.75933, in 1900
-/// @param nph    0 new moon, 1 first quarter, 2 full moon, 3 last quarter; others shift the
-/// lunation
-///               by quarters and use the quarters' corrections
+/// @param nph    0 new moon, 1 first quarter, 2 full moon, 3 last quarter; others shift
+///               the lunation by quarters and use the quarters' corrections
 /// @param jdout  receives the Julian Date of the phase [d]
 ZARNSYS_EXPORT void flmoon(int n, int nph, double* jdout);
 
@@ -86,10 +86,9 @@ ZARNSYS_EXPORT void flmoon(int n, int nph, double* jdout);
 ///
 /// At the very instant of a new moon, from that of lunation 1 on, the age is a whole lunation.
 ///
-/// @param jd    Julian Date [d]. Before 1900 the search may start at the new moon to come: the age
-/// is
-///              then negative. The series' new moons advance up to JD 6.836e9; beyond, and where
-///              lunation numbers of 32 bits end, the age is not a number and the lunation 0.
+/// @param jd    Julian Date [d]. Before 1900 the search may start at the new moon to come: the
+///              age is then negative. The series' new moons advance up to JD 6.836e9; beyond, and
+///              where lunation numbers of 32 bits end, the age is not a number and the lunation 0.
 /// @param nlun  receives that new moon's lunation number, as `flmoon` counts; 0 without one
 /// @return      age [d], rounded to single precision
 ZARNSYS_EXPORT float lun_age(double jd, int* nlun);

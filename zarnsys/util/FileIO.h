@@ -1,3 +1,4 @@
+/// @file
 /// Files by name: opening, reading, writing, renaming, testing, removing and finding them.
 #ifndef ZARNSYS_UTIL_FILEIO_H
 #define ZARNSYS_UTIL_FILEIO_H
@@ -106,6 +107,7 @@ public:
     /// @throw ZarnSysEx  when it cannot be created, for example since its parent is missing
     FileIO& checkCreateDir(const std::string& path);
 
+    /// @{
     /// Writes a text by one system call, up to its first NUL byte, where the last operation
     /// stopped. There is no retry: a text of which only a part was written is a failure.
     ///
@@ -113,6 +115,7 @@ public:
     ///                   The system gives a partial write no error number: the text is "Success".
     FileIO& write(const std::string& buf);
     FileIO& write(const char* buf);
+    /// @}
 
     /// Moves the file, replacing what `newPath` names, and holds it open under that name.
     ///

@@ -1,3 +1,4 @@
+/// @file
 /// FITS files through CFITSIO: opening, closing, and making one from a header text file.
 ///
 /// Every function returns a CFITSIO status, 0 for success, and throws nothing but `std::bad_alloc`.
@@ -15,6 +16,7 @@
 /// Handle of an open FITS file.
 using FitsFile = fitsfile;
 
+/// FITS files through CFITSIO.
 namespace ZarnSysFits {
 
 /// Bytes that hold one header card: 80 characters and the terminating NUL.

@@ -1,3 +1,4 @@
+/// @file
 /// Command lines: a table of options, its parser, and the help text made from the same table.
 #ifndef ZARNSYS_UTIL_GENCONFIG_H
 #define ZARNSYS_UTIL_GENCONFIG_H
@@ -22,12 +23,14 @@
 /// thrown but `std::bad_alloc`; failures are logged at ERROR and returned as -1.
 class ZARNSYS_EXPORT GenConfig {
 public:
+    /// Values or arguments, in the order of the command line.
     using ValueVect = std::vector<std::string>;
 
     /// One row of the option table.
     struct ZARNSYS_EXPORT OptionStruct {
         /// A flag without short name and texts.
         OptionStruct();
+        /// The members in their order, without `availValues_`, which starts empty.
         OptionStruct(char shortName, std::string argument, bool mandatory, bool argRequired,
                      std::string helpText, std::string defaultValue);
 

@@ -1,3 +1,4 @@
+/// @file
 /// The moon's values for many targets at many instants: `computeMoonParam` for a scheduler.
 ///
 /// The work that depends on the instant alone is done once per instant, and all of it in a form

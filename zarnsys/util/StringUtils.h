@@ -1,3 +1,4 @@
+/// @file
 /// Everyday string helpers.
 ///
 /// Both functions keep no state, log nothing, fail only where memory runs out (`std::bad_alloc`)
@@ -10,6 +11,7 @@
 
 #include "zarnsys/util/Export.h"
 
+/// Everyday helpers.
 namespace ZarnSys {
 
 /// Splits `in` into fields. A field is a longest run of characters none of which is in `delim`, so

@@ -1,3 +1,4 @@
+/// @file
 /// Sleeping for a fraction of a second, and the space of a file system.
 ///
 /// Both functions keep no state and may be called from several threads at once. Nothing is thrown

@@ -1,3 +1,4 @@
+/// @file
 /// Rolling log files: what ACE's logging strategy is asked for, and the thread that drives it.
 #ifndef ZARNSYS_UTIL_WEXOLOGCONFIG_H
 #define ZARNSYS_UTIL_WEXOLOGCONFIG_H

@@ -1,3 +1,4 @@
+/// @file
 /// A program's properties file: typed values by section and key.
 #ifndef ZARNSYS_UTIL_WEXOPROPERTIES_H
 #define ZARNSYS_UTIL_WEXOPROPERTIES_H
@@ -66,12 +67,14 @@ public:
     /// "T" for true, "F" for false; nothing else.
     int get(const std::string& key, bool& val);
 
+    /// @{
     /// The same after `open_section`, whose result is not looked at: where it failed, the key is
     /// looked for in what it left current.
     int get(const std::string& section, const std::string& key, std::string& val);
     int get(const std::string& section, const std::string& key, u_int& val);
     int get(const std::string& section, const std::string& key, ACE_Time_Value& val);
     int get(const std::string& section, const std::string& key, bool& val);
+    /// @}
 
 protected:
     WexoProperties();

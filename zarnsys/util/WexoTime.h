@@ -1,3 +1,4 @@
+/// @file
 /// Times as text: ISO 8601 in local time, and seconds since the Unix epoch.
 ///
 /// The functions keep no state, log nothing, fail only where memory runs out (`std::bad_alloc`) and
@@ -11,6 +12,7 @@
 
 #include "zarnsys/util/Export.h"
 
+/// Times as text.
 namespace WexoTime {
 
 /// The time as 2007-04-20T14:23:19.012345, in the process's local time zone, which is not named.
@@ -24,6 +26,7 @@ ZARNSYS_EXPORT std::string asISOTimeString(const ACE_Time_Value& timeValue);
 
 /// The same into a buffer of the caller's.
 ///
+/// @param timeValue   as above
 /// @param timeString  receives the text and a NUL; 27 characters for years 1000 to 9999 and
 ///                    microseconds 0 to 999999, more beyond; the size is not checked
 /// @return            `timeString`

@@ -1,3 +1,4 @@
+/// @file
 /// The moon's circumstances for an observation.
 #ifndef ZARNSYS_UTIL_ZARNMOONVAL_H
 #define ZARNSYS_UTIL_ZARNMOONVAL_H
@@ -17,6 +18,7 @@ enum Telescope : int { OLAN = 0, VEK1 = 1, VEK2 = 2, VEK3 = 3, VEK4 = 4 };
 ///
 /// @param latitude   receives the latitude [deg], north positive
 /// @param longitude  receives the longitude [deg], WEST positive
+/// @param telescope  which of them
 /// @return           0; -1 for another value than an enumerator, with both outputs 0.0
 ZARNSYS_EXPORT int getTelescopeCoord(double& latitude, double& longitude, Telescope telescope);
 
@@ -57,20 +59,24 @@ public:
     ///
     /// @param starRa, starDec  target [deg], in the equinox of date
     /// @param mjdStart         instant [d], universal time
+    /// @param telescope        whose place it is
     ZarnMoonVal(const double& starRa, const double& starDec, const MJD_DATE& mjdStart,
                 Telescope telescope);
 
-    double getMoonAlt() const { return altitude_; }
-    double getMoonAz() const { return azimuth_; }
-    double getMoonDistance() const { return distanceToTarget_; }
-    double getFLI() const { return fli_; }
-    double getMoonPhase() const { return phase_; }
+    double getMoonAlt() const { return altitude_; }  ///< [deg], without refraction
+    double getMoonAz() const { return azimuth_; }    ///< [deg], from north through east
+    double getMoonDistance() const { return distanceToTarget_; }  ///< from the target [deg]
+    double getFLI() const { return fli_; }                        ///< illuminated fraction, 0 to 1
+    double getMoonPhase() const { return phase_; }                ///< age over the synodic month
 
+    /// @{
+    /// Sets what the getter of the like name returns.
     void moonAlt(double altitude) { altitude_ = altitude; }
     void moonAz(double azimuth) { azimuth_ = azimuth; }
     void moonDistance(double distance) { distanceToTarget_ = distance; }
     void moonFLI(double fli) { fli_ = fli; }
     void moonPhase(double phase) { phase_ = phase; }
+    /// @}
 
     /// Writes the five values, separated by blanks, in the order of the members.
     std::ostream& print(std::ostream& stream) const;

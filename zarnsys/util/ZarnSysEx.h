@@ -1,3 +1,4 @@
+/// @file
 /// The exception through which `FileIO` reports every failure.
 #ifndef ZARNSYS_UTIL_ZARNSYSEX_H
 #define ZARNSYS_UTIL_ZARNSYSEX_H
@@ -20,8 +21,8 @@ class ZARNSYS_EXPORT ZarnSysEx : public std::exception {
 public:
     /// @param msg  message text, copied
     explicit ZarnSysEx(const std::string& msg);
-    ZarnSysEx(const ZarnSysEx& other);
-    ZarnSysEx& operator=(const ZarnSysEx& other);
+    ZarnSysEx(const ZarnSysEx& other);             ///< copies the message
+    ZarnSysEx& operator=(const ZarnSysEx& other);  ///< copies the message
     ~ZarnSysEx() override;
 
     /// The message, which the caller may change. Not the standard virtual operation of this name.

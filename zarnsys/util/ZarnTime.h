@@ -1,3 +1,4 @@
+/// @file
 /// The library's time types.
 #ifndef ZARNSYS_UTIL_ZARNTIME_H
 #define ZARNSYS_UTIL_ZARNTIME_H
