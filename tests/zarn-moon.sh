@@ -73,7 +73,10 @@ testValuesOfAnInstant() {
     check "sexagesimal" [ "$(field 1 alt_deg)" = "$(field 2 alt_deg)" ]
     local east; east=$(run 0 -p "10N 15E" --mjd 61000 --format csv; field 1 lst_h)
     run 0 -p "10N 0W" --mjd 61000 --format csv
-    near "an hour further east" "$(awk -v a="$east" -v b="$(field 1 lst_h)" \
+    local west; west=$(field 1 lst_h)
+    run 0 -p "0N 0E" --mjd 61000.830367317656 -t "359.99999 0" --format csv
+    check "rounding stays on the circle" [ "$(field 1 lst_h),$(field 1 ra_deg)" = 0.00000,0.0000 ]
+    near "an hour further east" "$(awk -v a="$east" -v b="$west" \
         'BEGIN { d = a - b; print d < 0 ? d + 24 : d }')" 1 1e-4
 }
 
@@ -100,7 +103,7 @@ testLightAtTargets() {
     run 0 -p "42.5N 12.3E" -d 2026-12-20 -t "0 -85" --min-altitude 40
     shows 'high: none'
     run 0 -T olan -d 2026-12-20 --format json -t "200 40" --min-altitude 40; shows '"best_window": {'
-    shows '"moon_up": false'; shows '"sky_mag": null'
+    shows '"moon_up": false'; shows '"sky_mag":null'
 }
 
 testManyNights() {
@@ -136,17 +139,19 @@ LIST
 a,1|is not name, right ascension, declination
 a,1,2,3|is not name, right ascension, declination
 ,1,2|the name is empty
-a,361,2|"361" is more than 360
-a,1,-91|"91" is more than 90
+a,361,2|"361" is beyond 360
+a,1,-91|"-91" is beyond 90
 a,x,2|"x" is no number
 a,nan,2|"nan" is no number
 a,12:00:00,2|is neither two numbers in degrees nor two sexagesimal ones
 a,12:60:00,02:00:00|minutes or seconds outside 0 to 60
 a,12:-1:00,02:00:00|is no angle of the form
-a,12:01:-1,02:00:00|minutes or seconds outside 0 to 60
+a,12:01:-1,02:00:00|is no angle of the form
 "a,1,2|a quote is not closed
 "a"b,1,2|something stands behind a closing quote
 LINES
+    mkfifo pipe; (sleep 0.3; printf '\357\273\277name,ra,dec\na,1,2\n' >pipe) &
+    run 0 -T OLAN --targets pipe
     : >empty.csv; run 2 -T OLAN --targets empty.csv; says 'no target in empty.csv'
     run 2 -T OLAN --targets missing.csv; says 'missing.csv cannot be read: No such file'
     run 2 -T OLAN --targets .; says 'cannot be read: Is a directory'
@@ -165,9 +170,9 @@ testWrongUsage() {
 -p 42.5N|option --place: "42.5N" is no latitude and longitude
 -p "42.5 12.3"|"42.5" does not end in N or S
 -p "12.3E 42.5N"|"12.3E" does not end in N or S
--p "91N 0E"|"91" is more than 90
--p "1N 180.1E"|"180.1" is more than 180
--p "+1N 1E"|"+1" must have no sign
+-p "91N 0E"|"91N" is beyond 90
+-p "1N 180.1E"|"180.1E" is beyond 180
+-p "+1N 1E"|"+1N" must have no sign
 -T OLAN -t "1"|option --target: "1" is not a right ascension and a declination
 -T OLAN -t "1 2 3"|is not a right ascension and a declination
 -T OLAN -t "1 2x"|"2x" is no number
@@ -188,10 +193,17 @@ testWrongUsage() {
 -T OLAN --equinox 1950|option --equinox: "1950" is not J2000 or date
 -T OLAN --plot night.gif|option --plot: "night.gif" is not a name that ends in .png or .svg
 -T OLAN --plot .png|ends in .png or .svg
+-T OLAN --plot a.png -o a.png|--plot and --output name the same file
+-T OLAN --plot a.png --targets <(seq -f "n,%g,1" 13)|more than 12 targets
+-T OLAN -d 2200-01-01|from 1901-01-01 to 2199-12-31
+-T OLAN -d 2199-12-31 --nights 2|option --nights: "2" is not so few that they end by 2199-12-31
+-T OLAN -t "5:1e1:0 5:0:0"|"5:1e1:0" is no angle of the form 12:34:56.7
+-p "N E"|"N" is no number
 -T OLAN -o ""|option --output: "" is not a file's name
 -T OLAN --no-such-option|the command line is wrong
 -T|the command line is wrong
 LINES
+    run 0 -T OLAN -d 2199-12-31
     run 0 --help; shows '--min-altitude'; shows 'A night is dark when'; silent
     run 0 --version; shows 'zarn-moon 0.'
 }
@@ -225,6 +237,10 @@ testResultFiles() {
     ln -s night.txt link.txt
     run 0 -T OLAN -d 2026-12-25 -o link.txt
     check "through a link" grep -q 'Night of 2026-12-25' night.txt
+    chmod 640 night.txt; run 0 -T OLAN -d 2026-12-25 -o night.txt
+    check "permission bits stay" [ "$(stat -c %a night.txt)" = 640 ]
+    rm link.txt; ln -s nowhere link.txt; run 0 -T OLAN -d 2026-12-25 -o link.txt; has nowhere; rm nowhere
+    ln -s loop loop; run 1 -T OLAN -o loop; says 'loop: Too many levels of symbolic links'; rm loop
     run 1 -T OLAN -o missing/night.txt; says 'missing/night.txt: No such file or directory'
     run 1 -T OLAN -o .; says '.: Is a directory'
     run 1 -T OLAN -o /dev/full; says '/dev/full: No space left on device'
@@ -243,7 +259,9 @@ testLocalTimes() {
     TZ=XYZ-2:30 run 0 -p "42.5N 12.3E" -d 2026-12-20 --local
     shows '2026-12-20 15:40 (18:10 XYZ)'
     TZ=XYZ-2:30 run 0 -p "42.5N 12.3E" -d 2026-12-20 --local --format csv -s 60
-    shows '2026-12-20T16:00:00Z'; shows '2026-12-20T18:30+0230'
+    shows '2026-12-20T16:00:00Z'; shows '2026-12-20T18:30:00+0230'
+    TZ=XYZ-2:30 run 0 -p "42.5N 12.3E" -d 2026-12-20 --local --format csv --nights 2
+    shows '2026-12-20T15:40Z,2026-12-20T18:10+0230'
 }
 
 testPlot() {
@@ -252,6 +270,11 @@ testPlot() {
     printf '#!/bin/sh\necho "line 3: it is broken" >&2; exit 1\n' >fake/gnuplot; chmod 755 fake/gnuplot
     PATH=$PWD/fake:$PATH run 1 -T OLAN --plot n.png; says 'gnuplot failed: line 3: it is broken'
     hasNot n.png
+    printf '#!/bin/sh\nprintf x\n' >fake/gnuplot
+    PATH=$PWD/fake:$PATH run 1 -T OLAN --plot n.png -o t.txt; says 'gnuplot drew no whole picture'
+    hasNot n.png; hasNot t.txt
+    printf '#!/bin/sh\nkill -9 $$\n' >fake/gnuplot
+    PATH=$PWD/fake:$PATH run 1 -T OLAN --plot n.png; says 'gnuplot was ended by signal 9'
     command -v gnuplot >/dev/null || { echo "no gnuplot here: pictures are not tried"; return; }
     run 0 -T OLAN -d 2026-12-24 -t "83.8 -5.4" --targets <(printf "it's %%d \$x @y\\\\n,10,20\n") --plot "a'b.png"
     check "a PNG" [ "$(head -c 4 "a'b.png" | tail -c 3)" = PNG ]

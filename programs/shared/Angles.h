@@ -18,7 +18,9 @@ double parseNumber(const std::string& text, double least, double most);
 
 /// An angle without sign, as a decimal number or as d:m or d:m:s, where only the last part may have
 /// a fraction. In the unit of its first part, 0 to `most`.
-double parseAngle(const std::string& text, double most);
+///
+/// @param whole  what messages quote: the angle with its sign or letter
+double parseAngle(const std::string& text, double most, const std::string& whole);
 
 /// A right ascension [deg], 0 <= ra < 360: in degrees ("83.8221") or in hours ("05:35:17.3").
 double parseRightAscension(const std::string& text);

@@ -32,7 +32,8 @@ bool matches(const std::string& text, const std::string& pattern) {
 std::string rounded(double mjd, double unitsPerDay) {
     const double units = std::round(mjd * unitsPerDay);
     const double day = std::floor(units / unitsPerDay);
-    const auto second = static_cast<int>((units - day * unitsPerDay) * (ERFA_DAYSEC / unitsPerDay));
+    const auto second =
+        static_cast<int>((units - day * unitsPerDay) * (SECONDS_PER_DAY / unitsPerDay));
     std::array<char, 40> time = {};
     std::snprintf(time.data(), time.size(), "T%02d:%02d:%02d", second / 3600, second / 60 % 60,
                   second % 60);
@@ -65,7 +66,8 @@ double mjdOfInstant(const std::string& text) {
     const double minute = parseNumber(text.substr(14, 2), 0.0, LAST_MINUTE);
     const double whole = parseNumber(text.substr(17, 2), 0.0, LEAP_SECOND);
     const double second = whole + parseNumber("0" + fraction, 0.0, 1.0);
-    return mjdOfDate(text.substr(0, 10)) + ((hour * 60.0 + minute) * 60.0 + second) / ERFA_DAYSEC;
+    return mjdOfDate(text.substr(0, 10)) +
+           ((hour * 60.0 + minute) * 60.0 + second) / SECONDS_PER_DAY;
 }
 
 std::string dateOf(double mjd) {
@@ -79,10 +81,11 @@ std::string dateOf(double mjd) {
     return text.data();
 }
 
-std::string secondOf(double mjd) { return rounded(mjd, ERFA_DAYSEC); }
+std::string secondOf(double mjd) { return rounded(mjd, SECONDS_PER_DAY); }
+
+double nearestMinute(double mjd) { return std::round(mjd * MINUTES_PER_DAY) / MINUTES_PER_DAY; }
 
 std::string minuteOf(double mjd) {
-    constexpr double MINUTES_PER_DAY = 1440.0;
     const std::string seconds = rounded(mjd, MINUTES_PER_DAY);
     return seconds.substr(0, seconds.size() - std::string(":00").size());
 }

@@ -6,6 +6,10 @@
 
 #include <string>
 
+constexpr double MINUTES_PER_DAY = 1440.0;
+constexpr double SECONDS_PER_DAY = 86400.0;
+constexpr double MJD_OF_EPOCH = 40587.0;  ///< of 1970-01-01 [d]
+
 /// The Modified Julian Date of 0 h on a date YYYY-MM-DD.
 double mjdOfDate(const std::string& text);
 
@@ -18,6 +22,9 @@ std::string dateOf(double mjd);
 
 /// An instant rounded to the second, as YYYY-MM-DDThh:mm:ss.
 std::string secondOf(double mjd);
+
+/// An instant at the nearest whole minute.
+double nearestMinute(double mjd);
 
 /// An instant rounded to the minute, as YYYY-MM-DDThh:mm.
 std::string minuteOf(double mjd);

@@ -13,6 +13,19 @@ constexpr std::size_t CHUNK = 65536;  // bytes per read call
 
 [[noreturn]] void fail() { throw std::system_error(errno, std::generic_category()); }
 
+int openOrFail(const std::string& fileName, int flags) {
+    const int fd = ::open(fileName.c_str(), flags);
+    if (fd == -1) fail();
+    return fd;
+}
+
+std::string readAll(const Descriptor& file) {
+    std::string bytes;
+    while (readChunk(file.get(), bytes)) {
+    }
+    return bytes;
+}
+
 }  // namespace
 
 Descriptor::~Descriptor() {
@@ -20,9 +33,7 @@ Descriptor::~Descriptor() {
 }
 
 int openForReading(const std::string& fileName) {
-    const int fd = ::open(fileName.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-    if (fd == -1) fail();
-    return fd;
+    return openOrFail(fileName, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
 }
 
 bool readChunk(int fd, std::string& bytes) {
@@ -35,9 +46,17 @@ bool readChunk(int fd, std::string& bytes) {
 }
 
 std::string readFile(const std::string& fileName) {
-    const Descriptor file(openForReading(fileName));
-    std::string bytes;
-    while (readChunk(file.get(), bytes)) {
+    return readAll(Descriptor(openForReading(fileName)));
+}
+
+std::string readFileOrPipe(const std::string& fileName) {
+    return readAll(Descriptor(openOrFail(fileName, O_RDONLY | O_CLOEXEC | O_NOCTTY)));
+}
+
+void writeAll(int fd, const std::string& bytes) {
+    for (std::size_t done = 0; done < bytes.size();) {
+        const ssize_t count = ::write(fd, bytes.data() + done, bytes.size() - done);
+        if (count == -1 && errno != EINTR) fail();
+        if (count > 0) done += static_cast<std::size_t>(count);
     }
-    return bytes;
 }

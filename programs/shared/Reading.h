@@ -1,4 +1,4 @@
-/// Reading files and standard input whole.
+/// Reading files and standard input whole, and writing.
 ///
 /// The programs' inputs are read here rather than through `FileIO`, which sets permission bits on
 /// what it opens and ends a chunk at a NUL byte: an archive's sources stay untouched, and lists may
@@ -32,9 +32,17 @@ int openForReading(const std::string& fileName);
 /// @throw std::system_error  when reading fails
 bool readChunk(int fd, std::string& bytes);
 
-/// All bytes of a file.
+/// All bytes of a file; a pipe without writer is empty.
 ///
 /// @throw std::system_error  when it cannot be opened or read
 std::string readFile(const std::string& fileName);
+
+/// The same, but waits for what a pipe's writer has to say.
+std::string readFileOrPipe(const std::string& fileName);
+
+/// Writes all of `bytes`.
+///
+/// @throw std::system_error  when writing fails
+void writeAll(int fd, const std::string& bytes);
 
 #endif  // ZARN_PROGRAMS_READING_H

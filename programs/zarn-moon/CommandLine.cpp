@@ -7,6 +7,7 @@
 
 #include "Calendar.h"
 #include "Night.h"
+#include "Plot.h"
 #include "Printable.h"
 #include "UsageError.h"
 
@@ -64,7 +65,8 @@ bright it is, how far from each target, and how much light it adds there.
 
 Places and targets: degrees, or sexagesimal; right ascensions are in hours when
 they are sexagesimal. Positions are of J2000 and are precessed to the night.
-In a file of targets a line that begins with # does not count.
+In a file of targets a line that begins with # does not count. The best window
+is the longest stretch without moon if that lasts an hour, else the longest.
 
 Times are universal time. Without a date it is the night of now, which begins at
 local mean noon. Sun and moon rise and set with the upper limb: the centre at
@@ -109,7 +111,7 @@ bool endsIn(const std::string& text, const std::string& end) {
 
 // The theories hold for some decades around 2000; these are where they must not be asked.
 constexpr double FIRST_MJD = 15385.0;  // 1901-01-01
-constexpr double LAST_MJD = 88068.0;   // 2199-12-31
+constexpr double LAST_MJD = 124592.0;  // 2199-12-31
 
 }  // namespace
 
@@ -166,6 +168,8 @@ void CommandLine::parseTimes(Settings& settings, double now) const {
         const double nights = number("nights", 1.0, MOST_NIGHTS);
         if (nights != std::floor(nights)) failWord("nights", value("nights"), "a whole number");
         settings.nights = static_cast<unsigned>(nights);
+        if (settings.date + nights - 1.0 > LAST_MJD)
+            failWord("nights", value("nights"), "so few that they end by 2199-12-31");
     }
 }
 
@@ -180,6 +184,12 @@ void CommandLine::parseResults(Settings& settings) const {
     if (given("output")) settings.output = value("output");
     if (given("plot")) settings.plot = value("plot");
     if (given("output") && settings.output.empty()) failWord("output", "", "a file's name");
+    if (given("plot") && settings.plot == settings.output)
+        throw UsageError("--plot and --output name the same file");
+    if (given("plot") && settings.targets.size() > MOST_DRAWN_TARGETS) {
+        throw UsageError("--plot: more than " + std::to_string(MOST_DRAWN_TARGETS) +
+                         " targets cannot be told apart in a picture");
+    }
     if (given("plot") && !endsIn(settings.plot, ".png") && !endsIn(settings.plot, ".svg"))
         failWord("plot", settings.plot, "a name that ends in .png or .svg");
 }

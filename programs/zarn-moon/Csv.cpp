@@ -12,6 +12,8 @@ constexpr int BRIGHTNESS = 3;  // of magnitudes,
 constexpr int FRACTION = 4;    // and of the rest
 constexpr int DAY = 6;         // [d]
 
+constexpr const char* LOCAL_MINUTE = "%Y-%m-%dT%H:%M%z";
+
 using Cells = std::vector<std::string>;
 
 /// A cell in quotes where commas or quotes in it would mislead.
@@ -43,11 +45,11 @@ Cells instantTitles(const Settings& settings) {
 
 Cells instantCells(const Settings& settings, const Row& row) {
     Cells cells = {secondOf(row.mjd) + "Z", fixed(row.mjd, DAY)};
-    if (settings.local) cells.push_back(localTime(row.mjd, "%Y-%m-%dT%H:%M%z"));
-    const Cells more = {fixed(row.lst, HOUR),
+    if (settings.local) cells.push_back(localTime(row.mjd, "%Y-%m-%dT%H:%M:%S%z"));
+    const Cells more = {fixedOnCircle(row.lst, HOUR, 24.0),
                         fixed(row.sunAltitude, ANGLE),
                         fixed(row.moonAltitude, ANGLE),
-                        fixed(row.moonAzimuth, ANGLE),
+                        fixedOnCircle(row.moonAzimuth, ANGLE, 360.0),
                         fixed(row.illumination, FRACTION),
                         fixed(row.phase, FRACTION),
                         word(row.moonUp)};
@@ -57,7 +59,7 @@ Cells instantCells(const Settings& settings, const Row& row) {
 
 Cells targetCells(const Report& report, const Target& target, const TargetValues& values) {
     return {target.name,
-            fixed(target.place.ra, ANGLE),
+            fixedOnCircle(target.place.ra, ANGLE, 360.0),
             fixed(target.place.dec, ANGLE),
             fixed(values.altitude, ANGLE),
             fixedOr(values.airmass, FRACTION, ""),
@@ -85,33 +87,45 @@ std::string instants(const Report& report) {
     return text;
 }
 
-/// "civil_dusk" of "civil dusk".
-std::string column(std::string name) {
-    std::replace(name.begin(), name.end(), ' ', '_');
-    return name;
+/// The times of an event, with blanks between them.
+template <typename Form>
+std::string timesOf(const Event& event, Form form) {
+    std::string times;
+    for (const double time : event.times) times += (times.empty() ? "" : " ") + form(time);
+    return times;
+}
+
+Cells nightTitles(const Report& report) {
+    Cells titles = {"night"};
+    for (const Event& event : report.nights.front().events) {
+        titles.push_back(keyOf(event.name));
+        if (report.settings.local) titles.push_back(keyOf(event.name) + "_local");
+    }
+    for (const char* title : {"astronomical_hours", "dark_hours", "illumination", "phase", "word"})
+        titles.emplace_back(title);
+    return titles;
+}
+
+Cells nightCells(const NightLine& night, bool local) {
+    const auto utc = [](double mjd) { return minuteOf(mjd) + "Z"; };
+    const auto here = [](double mjd) { return localTime(nearestMinute(mjd), LOCAL_MINUTE); };
+    Cells cells = {dateOf(night.date)};
+    for (const Event& event : night.events) {
+        cells.push_back(timesOf(event, utc));
+        if (local) cells.push_back(timesOf(event, here));
+    }
+    cells.push_back(fixed(night.summary.astronomicalHours, 2));
+    cells.push_back(fixed(night.summary.darkHours, 2));
+    cells.push_back(fixed(night.summary.illumination, FRACTION));
+    cells.push_back(fixed(night.summary.moonPhase, FRACTION));
+    cells.push_back(night.summary.word);
+    return cells;
 }
 
 std::string nights(const Report& report) {
-    Cells titles = {"night"};
-    for (const Event& event : report.nights.front().events) titles.push_back(column(event.name));
-    for (const char* title : {"astronomical_hours", "dark_hours", "illumination", "phase", "word"})
-        titles.emplace_back(title);
-    std::string text = lineOf(titles);
-    for (const auto& [date, events, summary] : report.nights) {
-        Cells cells = {dateOf(date)};
-        for (const Event& event : events) {
-            std::string times;
-            for (const double time : event.times)
-                times += (times.empty() ? "" : " ") + minuteOf(time) + "Z";
-            cells.push_back(times);
-        }
-        cells.push_back(fixed(summary.astronomicalHours, 2));
-        cells.push_back(fixed(summary.darkHours, 2));
-        cells.push_back(fixed(summary.illumination, FRACTION));
-        cells.push_back(fixed(summary.moonPhase, FRACTION));
-        cells.push_back(summary.word);
-        text += lineOf(cells);
-    }
+    std::string text = lineOf(nightTitles(report));
+    for (const NightLine& night : report.nights)
+        text += lineOf(nightCells(night, report.settings.local));
     return text;
 }
 

@@ -21,12 +21,7 @@ public:
     explicit MemoryFile(const std::string& content = "")
         : file_(::memfd_create("gnuplot", MFD_CLOEXEC)) {
         if (file_.get() == -1) fail();
-        for (std::size_t done = 0; done < content.size();) {
-            const ssize_t count =
-                ::write(file_.get(), content.data() + done, content.size() - done);
-            if (count == -1) fail();
-            done += static_cast<std::size_t>(count);
-        }
+        writeAll(file_.get(), content);
         rewind();
     }
 
@@ -66,6 +61,12 @@ private:
     posix_spawn_file_actions_t actions_ = {};
 };
 
+std::string firstLine(const std::string& text) {
+    const std::string::size_type begin = text.find_first_not_of(" \n");
+    if (begin == std::string::npos) return "without a word";
+    return printable(text.substr(begin, text.find('\n', begin) - begin));
+}
+
 int waitFor(pid_t process) {
     int status = 0;
     while (::waitpid(process, &status, 0) == -1) {
@@ -93,7 +94,8 @@ std::string runGnuplot(const std::string& script) {
     if (error != 0) throw std::system_error(error, std::generic_category(), "gnuplot");
     const int status = waitFor(process);
     std::string result = output.content();
-    if (status != 0 || result.empty())
-        throw std::runtime_error("gnuplot failed: " + printable(messages.content()));
+    if (WIFSIGNALED(status))
+        throw std::runtime_error("gnuplot was ended by signal " + std::to_string(WTERMSIG(status)));
+    if (status != 0) throw std::runtime_error("gnuplot failed: " + firstLine(messages.content()));
     return result;
 }

@@ -4,7 +4,8 @@
 
 #include <string>
 
-/// What gnuplot writes to its standard output for a script.
+/// What gnuplot writes to its standard output for a script. A full memory or quota may cut it: look
+/// at its end.
 ///
 /// @throw std::runtime_error  when it is not installed, or with its own words when it fails
 std::string runGnuplot(const std::string& script);

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
 
@@ -13,7 +12,12 @@ using Json = nlohmann::ordered_json;
 /// A number with as many decimals as it deserves.
 double rounded(double number, int decimals) {
     const double scale = std::pow(10.0, decimals);
-    return std::round(number * scale) / scale;
+    return std::round(number * scale) / scale + 0.0;  // no -0
+}
+
+double onCircle(double number, int decimals, double circle) {
+    const double result = rounded(number, decimals);
+    return result < circle ? result : 0.0;
 }
 
 constexpr int ANGLE = 4;       // decimals of degrees,
@@ -27,15 +31,14 @@ Json orNull(const std::optional<double>& number, int decimals) {
 
 Json timeOf(double mjd, bool local) {
     Json time = {{"utc", minuteOf(mjd) + "Z"}};
-    if (local) time["local"] = localTime(mjd, "%Y-%m-%dT%H:%M%z");
+    if (local) time["local"] = localTime(nearestMinute(mjd), "%Y-%m-%dT%H:%M%z");
     return time;
 }
 
 Json nightOf(const NightLine& line, bool local) {
     Json events;
     for (const Event& event : line.events) {
-        std::string key = event.name;
-        std::replace(key.begin(), key.end(), ' ', '_');
+        const std::string key = keyOf(event.name);
         events[key] = Json::array();
         for (const double time : event.times) events[key].push_back(timeOf(time, local));
     }
@@ -52,7 +55,7 @@ Json nightOf(const NightLine& line, bool local) {
 Json targetOf(const Report& report, std::size_t i) {
     const auto& [name, place] = report.settings.targets[i];
     Json target = {{"name", name},
-                   {"ra_deg", rounded(place.ra, FRACTION)},
+                   {"ra_deg", onCircle(place.ra, FRACTION, 360.0)},
                    {"dec_deg", rounded(place.dec, FRACTION)},
                    {"equinox", report.settings.equinoxOfDate ? "date" : "J2000"}};
     if (report.windows.empty()) return target;
@@ -75,11 +78,11 @@ Json valuesOf(const TargetValues& values) {
 
 Json rowOf(const Row& row, bool local) {
     Json json = {{"utc", secondOf(row.mjd) + "Z"}, {"mjd", rounded(row.mjd, DAY)}};
-    if (local) json["local"] = localTime(row.mjd, "%Y-%m-%dT%H:%M%z");
-    json["lst_h"] = rounded(row.lst, FRACTION);
+    if (local) json["local"] = localTime(row.mjd, "%Y-%m-%dT%H:%M:%S%z");
+    json["lst_h"] = onCircle(row.lst, FRACTION, 24.0);
     json["sun_alt_deg"] = rounded(row.sunAltitude, ANGLE);
     json["moon_alt_deg"] = rounded(row.moonAltitude, ANGLE);
-    json["moon_az_deg"] = rounded(row.moonAzimuth, ANGLE);
+    json["moon_az_deg"] = onCircle(row.moonAzimuth, ANGLE, 360.0);
     json["illumination"] = rounded(row.illumination, FRACTION);
     json["phase"] = rounded(row.phase, FRACTION);
     json["moon_up"] = row.moonUp;
@@ -103,7 +106,6 @@ std::string jsonOf(const Report& report) {
     json["nights"] = Json::array();
     json["phases"] = Json::array();
     json["targets"] = Json::array();
-    json["instants"] = Json::array();
     for (const NightLine& line : report.nights) json["nights"].push_back(nightOf(line, local));
     for (const Phase& phase : report.phases) {
         Json entry = timeOf(phase.mjd, local);
@@ -112,7 +114,11 @@ std::string jsonOf(const Report& report) {
     }
     for (std::size_t i = 0; i < settings.targets.size(); ++i)
         json["targets"].push_back(targetOf(report, i));
-    for (const Row& row : report.rows) json["instants"].push_back(rowOf(row, local));
     // Names that are no UTF-8 get replacement characters instead of ending the program.
-    return json.dump(INDENT, ' ', false, Json::error_handler_t::replace) + "\n";
+    std::string text = json.dump(INDENT, ' ', false, Json::error_handler_t::replace);
+    // The rows may be many: each becomes text by itself, a line of its own.
+    text.replace(text.rfind('\n'), std::string::npos, ",\n \"instants\": [");
+    for (std::size_t i = 0; i < report.rows.size(); ++i)
+        text += (i > 0 ? ",\n  " : "\n  ") + rowOf(report.rows[i], local).dump();
+    return text + (report.rows.empty() ? "]\n}\n" : "\n ]\n}\n");
 }

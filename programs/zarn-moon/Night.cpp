@@ -5,9 +5,10 @@
 #include <cmath>
 #include <iterator>
 
+#include "Calendar.h"
+
 namespace {
 
-constexpr double MINUTES_PER_DAY = 1440.0;
 constexpr double MINUTES_PER_HOUR = 60.0;
 constexpr double DEG_PER_HOUR = 15.0;
 constexpr double CIRCLE = 360.0;  // [deg]
@@ -41,7 +42,11 @@ std::vector<double> above(const std::vector<double>& altitudes, double level) {
 /// How far west the moon is: negative before its upper transit, positive after it.
 std::vector<double> westOfMeridian(const MoonGrid& moon) {
     std::vector<double> result(moon.moonaz);
-    for (double& value : result) value = -std::sin(value / DEG_PER_RAD);
+    for (std::size_t i = 0; i < result.size(); ++i) {
+        // Times the cosine of the altitude: near the zenith the azimuth alone would jump.
+        result[i] =
+            -std::sin(moon.moonaz[i] / DEG_PER_RAD) * std::cos(moon.moonalt[i] / DEG_PER_RAD);
+    }
     return result;
 }
 
@@ -169,6 +174,9 @@ Window bestWindow(const Night& night, const MoonTarget& target, double leastAlti
         high.push_back(night.sunAltitudes[i] < ASTRONOMICAL_TWILIGHT && altitude >= leastAltitude);
         highWithoutMoon.push_back(high.back() && night.moon.moonalt[i] < HORIZON);
     }
+    constexpr double LEAST_WITHOUT_MOON = 1.0 / 24.0;  // [d]
     const Window without = longest(night, highWithoutMoon, true);
-    return without.begin < without.end ? without : longest(night, high, false);
+    const Window any = longest(night, high, false);
+    const bool same = without.begin == any.begin && without.end == any.end;
+    return same || without.end - without.begin >= LEAST_WITHOUT_MOON ? without : any;
 }

@@ -72,8 +72,9 @@ struct Window {
     bool moonDown;  ///< all the time
 };
 
-/// The stretches with the sun below -18 degrees and a target at least at an altitude: the longest
-/// without the moon, else the longest. Empty, that is, `begin` equal to `end`: there is none.
+/// Of the stretches with the sun below -18 degrees and a target at least at an altitude, the
+/// longest without moon if that lasts an hour, else the longest. `begin` equal to `end`: there is
+/// none.
 Window bestWindow(const Night& night, const MoonTarget& target, double leastAltitude);
 
 /// A target's altitude [deg], without refraction.

@@ -1,9 +1,9 @@
 #include "Plot.h"
 
 #include <algorithm>
-#include <cmath>
-#include <iomanip>
+#include <iterator>
 #include <sstream>
+#include <stdexcept>
 
 #include "Calendar.h"
 #include "Gnuplot.h"
@@ -15,9 +15,7 @@
 namespace {
 
 constexpr double STEP = 4.0;  // between the points of a line [minutes]
-constexpr double MINUTES_PER_DAY = 1440.0;
-constexpr double MOON_WIDTH = 3.0;
-constexpr double TARGET_WIDTH = 2.0;
+const char MOON_STYLE[] = "linewidth 3 linecolor rgb '#444444' dashtype 2";
 
 // From day to night.
 constexpr struct {
@@ -34,7 +32,17 @@ constexpr struct {
 // Told apart with any eyes: Okabe & Ito 2008.
 constexpr const char* COLORS[] = {"#0072b2", "#d55e00", "#009e73", "#cc79a7", "#56b4e9", "#e69f00"};
 
-const char* colorOf(std::size_t target) { return COLORS[target % std::size(COLORS)]; }
+/// How a target's line is drawn: the second six are dotted.
+std::string styleOf(std::size_t target) {
+    static_assert(MOST_DRAWN_TARGETS <= 2 * std::size(COLORS));
+    const bool dotted = target >= std::size(COLORS);
+    return std::string("linewidth 2 linecolor rgb '") + COLORS[target % std::size(COLORS)] + "'" +
+           (dotted ? " dashtype 3" : "");
+}
+
+bool isSvg(const Settings& settings) {
+    return settings.plot.rfind(".svg") == settings.plot.size() - std::string(".svg").size();
+}
 
 /// A text as gnuplot reads it.
 std::string quoted(const std::string& text) {
@@ -44,11 +52,7 @@ std::string quoted(const std::string& text) {
 }
 
 /// Seconds since 1970, gnuplot's times.
-std::string timeOf(double mjd) {
-    constexpr double MJD_OF_EPOCH = 40587.0;
-    constexpr double SECONDS_PER_DAY = 86400.0;
-    return fixed((mjd - MJD_OF_EPOCH) * SECONDS_PER_DAY, 0);
-}
+std::string timeOf(double mjd) { return fixed((mjd - MJD_OF_EPOCH) * SECONDS_PER_DAY, 0); }
 
 /// The instants to draw: from half an hour before sunset to half an hour after sunrise.
 std::vector<MJD_DATE> instantsToDraw(const Night& night) {
@@ -108,18 +112,15 @@ std::string data(const std::vector<Row>& rows) {
     return script.str();
 }
 
-std::string line(std::size_t column, const char* color, double width, const std::string& title) {
-    std::ostringstream script;
-    script << "$night using 1:" << column << " with lines linewidth " << width << " linecolor rgb '"
-           << color << "' " << title;
-    return script.str();
+std::string line(std::size_t column, const std::string& style, const std::string& title) {
+    return "$night using 1:" + std::to_string(column) + " with lines " + style + " " + title;
 }
 
 std::string altitudes(const Settings& settings) {
     std::string script = "set ylabel 'altitude [degrees]'\nset yrange [0:90]\nset ytics 15\nplot " +
-                         line(2, "#444444", MOON_WIDTH, "dashtype 2 title 'moon'");
+                         line(2, MOON_STYLE, "title 'moon'");
     for (std::size_t i = 0; i < settings.targets.size(); ++i)
-        script += ", " + line(3 + 2 * i, colorOf(i), TARGET_WIDTH,
+        script += ", " + line(3 + 2 * i, styleOf(i),
                               "title " + quoted(settings.targets[i].name) + " noenhanced");
     return script + "\n";
 }
@@ -136,16 +137,15 @@ std::string brightness(const Settings& settings, const std::vector<Row>& rows) {
         "unset key\nset yrange [" +
         fixed(settings.darkSky + MARGIN, 2) + ":" + fixed(brightest - MARGIN, 2) + "]\nplot ";
     for (std::size_t i = 0; i < settings.targets.size(); ++i)
-        script += (i > 0 ? ", " : "") + line(4 + 2 * i, colorOf(i), TARGET_WIDTH, "notitle");
+        script += (i > 0 ? ", " : "") + line(4 + 2 * i, styleOf(i), "notitle");
     return script + "\n";
 }
 
 std::string scriptOf(const Settings& settings, const std::vector<Row>& rows,
                      const Summary& summary) {
-    const bool svg = settings.plot.substr(settings.plot.size() - 4) == ".svg";
     const bool sky = !settings.targets.empty();
-    std::string script = std::string("set terminal ") + (svg ? "svg" : "pngcairo") + " size 900," +
-                         (sky ? "800" : "450") + " background 'white'\n";
+    std::string script = std::string("set terminal ") + (isSvg(settings) ? "svg" : "pngcairo") +
+                         " size 900," + (sky ? "800" : "450") + " background 'white'\n";
     script += data(rows) + shades(rows);
     script +=
         "set xdata time\nset timefmt '%s'\nset format x '%H:%M'\nset grid\n"
@@ -170,5 +170,8 @@ std::string drawNight(const Settings& settings) {
     const std::vector<MoonTarget> places =
         placesOfDate(settings, night.minutes[night.minutes.size() / 2]);
     const std::vector<Row> rows = makeRows(settings, instantsToDraw(night), places, {});
-    return runGnuplot(scriptOf(settings, rows, summaryOf(night)));
+    std::string picture = runGnuplot(scriptOf(settings, rows, summaryOf(night)));
+    const bool whole = picture.find(isSvg(settings) ? "</svg>" : "IEND") != std::string::npos;
+    if (!whole) throw std::runtime_error("gnuplot drew no whole picture");
+    return picture;
 }

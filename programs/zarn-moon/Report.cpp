@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr std::size_t MOST_VALUES = 5000000;  // instants times targets: some 500 MB
+constexpr std::size_t MOST_VALUES = 1000000;  // instants times targets: some 500 MB at most
 
 void checkSize(std::size_t instants, std::size_t targets) {
     if (targets > 0 && instants > MOST_VALUES / targets) {
@@ -36,15 +36,18 @@ void addNight(Report& report) {
 Report makeReport(const Settings& settings) {
     Report report = {settings, {}, {}, {}, {}};
     if (settings.mjd) {
+        checkSize(1, settings.targets.size());
         report.phases = nextPhases(*settings.mjd);
         report.rows =
             makeRows(settings, {*settings.mjd}, placesOfDate(settings, *settings.mjd), {});
     } else if (settings.nights == 0) {
         addNight(report);
     } else {
-        for (unsigned i = 0; i < settings.nights; ++i)
-            report.nights.push_back(lineOf(makeNight(settings.site, settings.date + i)));
-        report.phases = nextPhases(settings.date);
+        for (unsigned i = 0; i < settings.nights; ++i) {
+            const Night night = makeNight(settings.site, settings.date + i);
+            report.nights.push_back(lineOf(night));
+            if (i == 0) report.phases = nextPhases(night.minutes.front());
+        }
     }
     return report;
 }

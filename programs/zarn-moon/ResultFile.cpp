@@ -37,36 +37,45 @@ private:
     sigset_t before_ = {};
 };
 
-void writeAll(int fd, const std::string& content, const std::string& fileName) {
-    std::size_t done = 0;
-    while (done < content.size()) {
-        const ssize_t count = ::write(fd, content.data() + done, content.size() - done);
-        if (count == -1 && errno != EINTR) fail(fileName);
-        if (count > 0) done += static_cast<std::size_t>(count);
+/// `action` with the file's name in its error.
+template <typename Action>
+void naming(const std::string& fileName, Action action) {
+    try {
+        action();
+    } catch (const std::system_error& error) {
+        throw std::system_error(error.code(), printable(fileName));
     }
+}
+
+/// Permission bits of a file that is replaced, or of a new one.
+mode_t bitsFor(const std::string& fileName) {
+    constexpr mode_t ALL_BITS = 07777;
+    constexpr mode_t READ_AND_WRITE = 0666;
+    struct stat status = {};
+    if (::stat(fileName.c_str(), &status) == 0) return status.st_mode & ALL_BITS;
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return READ_AND_WRITE & ~mask;
 }
 
 /// A new file beside the one that it will replace, removed at the end unless it has.
 class Substitute {
 public:
-    explicit Substitute(const std::string& replaced)
-        : replaced_(replaced),
-          name_(replaced + ".XXXXXX"),
+    explicit Substitute(const std::filesystem::path& replaced)
+        : replaced_(replaced.string()),
+          name_((replaced.parent_path() / ".zarn-moon-XXXXXX").string()),
           file_(::mkostemp(name_.data(), O_CLOEXEC)) {
-        if (file_.get() == -1) fail(replaced);
+        if (file_.get() == -1) fail(replaced_);
     }
     Substitute(const Substitute&) = delete;
     Substitute& operator=(const Substitute&) = delete;
     ~Substitute() {
-        if (!name_.empty()) ::unlink(name_.c_str());
+        if (file_.get() != -1 && !name_.empty()) ::unlink(name_.c_str());
     }
 
-    void fill(const std::string& content) {
-        const mode_t mask = ::umask(0);
-        ::umask(mask);
-        constexpr mode_t READ_AND_WRITE = 0666;
-        if (::fchmod(file_.get(), READ_AND_WRITE & ~mask) != 0) fail(replaced_);
-        writeAll(file_.get(), content, replaced_);
+    void fill(const std::string& content) const {
+        if (::fchmod(file_.get(), bitsFor(replaced_)) != 0) fail(replaced_);
+        naming(replaced_, [&] { writeAll(file_.get(), content); });
         if (::fsync(file_.get()) != 0) fail(replaced_);
     }
     void putInPlace() {
@@ -80,10 +89,22 @@ private:
     Descriptor file_;
 };
 
-/// Whether a name is free or belongs to an ordinary file.
+/// Whether a name is free or belongs to an ordinary file that may be written.
 bool isOrdinary(const std::string& fileName) {
     struct stat status = {};
-    return ::stat(fileName.c_str(), &status) != 0 || S_ISREG(status.st_mode);
+    if (::stat(fileName.c_str(), &status) != 0) {
+        if (errno != ENOENT) fail(fileName);
+        return true;
+    }
+    if (::access(fileName.c_str(), W_OK) != 0) fail(fileName);
+    return S_ISREG(status.st_mode);
+}
+
+/// Where links lead, also to nowhere yet; of a circle `isOrdinary` has known.
+std::filesystem::path behindLinks(std::filesystem::path name) {
+    while (std::filesystem::is_symlink(std::filesystem::symlink_status(name)))
+        name = name.parent_path() / std::filesystem::read_symlink(name);
+    return name;
 }
 
 }  // namespace
@@ -92,13 +113,11 @@ void writeWhole(const std::string& fileName, const std::string& content) {
     if (!isOrdinary(fileName)) {
         const Descriptor file(::open(fileName.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
         if (file.get() == -1) fail(fileName);
-        writeAll(file.get(), content, fileName);
+        naming(fileName, [&] { writeAll(file.get(), content); });
         return;
     }
     const SignalHold hold;
-    std::error_code error;
-    const bool isLink = std::filesystem::is_symlink(fileName, error);
-    Substitute file(isLink ? std::filesystem::weakly_canonical(fileName).string() : fileName);
+    Substitute file(behindLinks(fileName));
     file.fill(content);
     file.putInPlace();
 }

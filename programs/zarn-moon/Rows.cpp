@@ -5,11 +5,14 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Calendar.h"
 #include "Precession.h"
 
 namespace {
 
 constexpr double DEG_PER_RAD = 57.29577951308238;
+constexpr double DEG_PER_HOUR = 15.0;
+constexpr double JD_OF_MJD_0 = 2400000.5;
 constexpr double NEGLIGIBLE = 99.0;  // of lunskybright
 
 /// Airmass by Pickering 2002, DIO 12, 3: good down to the horizon, which the secant is not.
@@ -71,16 +74,16 @@ std::vector<MoonTarget> placesOfDate(const Settings& settings, double mjd) {
 }
 
 std::vector<MJD_DATE> instantsOf(const Night& night, double stepMinutes) {
-    constexpr double MINUTES_PER_DAY = 1440.0;
     const double begin = night.minutes.front();
     const double day = std::floor(begin);
+    const Site& site = night.site;
     const double minutesBefore = (begin - day) * MINUTES_PER_DAY;
     std::vector<MJD_DATE> instants;
     for (auto step = static_cast<int>(std::ceil(minutesBefore / stepMinutes));; ++step) {
         const double mjd = day + step * stepMinutes / MINUTES_PER_DAY;
         if (mjd > night.minutes.back()) return instants;
-        const auto minute = static_cast<std::size_t>((mjd - begin) * MINUTES_PER_DAY);
-        if (night.sunAltitudes.at(minute) < HORIZON) instants.push_back(mjd);
+        const double sidereal = lst(mjd + JD_OF_MJD_0, site.longitude / DEG_PER_HOUR);
+        if (sunAltitude(mjd, sidereal, site.latitude) < HORIZON) instants.push_back(mjd);
     }
 }
 

@@ -23,7 +23,7 @@ double hemisphereAngle(const std::string& text, char positive, char negative, do
         throw std::invalid_argument("\"" + printable(text) + "\" does not end in " + positive +
                                     " or " + negative);
     }
-    const double angle = parseAngle(text.substr(0, text.size() - 1), most);
+    const double angle = parseAngle(text.substr(0, text.size() - 1), most, text);
     return letter == positive ? angle : -angle;
 }
 

@@ -1,5 +1,8 @@
+#include <algorithm>
+#include <cmath>
 #include <iomanip>
 #include <sstream>
+#include <utility>
 
 #include "Calendar.h"
 #include "Printable.h"
@@ -8,11 +11,13 @@
 
 namespace {
 
+const std::size_t DATE_LENGTH = std::string("YYYY-MM-DDT").size();
+
 /// "2026-11-25 17:06", with the local time behind it when that is asked for.
 std::string timeText(double mjd, bool local) {
     std::string text = minuteOf(mjd);
     text.replace(text.find('T'), 1, " ");
-    return local ? text + " (" + localTime(mjd, "%H:%M %Z") + ")" : text;
+    return local ? text + " (" + localTime(nearestMinute(mjd), "%H:%M %Z") + ")" : text;
 }
 
 std::string timesText(const std::vector<double>& times, bool local, const std::string& absent) {
@@ -21,10 +26,12 @@ std::string timesText(const std::vector<double>& times, bool local, const std::s
     return text.empty() ? absent : text;
 }
 
-/// The time of day alone.
-std::string clockText(double mjd) {
-    return minuteOf(mjd).substr(std::string("YYYY-MM-DDT").size());
+bool isWholeMinutes(const Settings& settings) {
+    return !settings.mjd && settings.step == std::floor(settings.step);
 }
+
+/// The time of day alone.
+std::string clockText(double mjd) { return minuteOf(mjd).substr(DATE_LENGTH); }
 
 std::string hoursAndMinutes(double hours) {
     constexpr int MINUTES_PER_HOUR = 60;
@@ -43,34 +50,36 @@ std::string percent(double fraction) {
 /// Lines of columns that are as wide as their widest cell, aligned to the right.
 class Columns {
 public:
-    void add(std::vector<std::string> cells) { lines_.push_back(std::move(cells)); }
+    void add(std::vector<std::string> cells) {
+        widths_.resize(cells.size());
+        for (std::size_t i = 0; i < cells.size(); ++i)
+            widths_[i] = std::max(widths_[i], cells[i].size());
+        lines_.push_back(std::move(cells));
+    }
 
     std::string text() const {
-        std::ostringstream text;
-        for (const auto& line : lines_) {
-            std::ostringstream cells;
-            for (std::size_t i = 0; i < line.size(); ++i)
-                cells << std::setw(static_cast<int>(width(i)) + (i > 0 ? 2 : 0)) << line[i];
-            const std::string filled = cells.str();
-            text << filled.substr(0, filled.find_last_not_of(' ') + 1) << '\n';
+        std::string text;
+        for (const auto& cells : lines_) {
+            std::ostringstream line;
+            for (std::size_t i = 0; i < cells.size(); ++i)
+                line << std::setw(static_cast<int>(widths_[i]) + (i > 0 ? 2 : 0)) << cells[i];
+            const std::string filled = line.str();
+            text += filled.substr(0, filled.find_last_not_of(' ') + 1) + '\n';
         }
-        return text.str();
+        return text;
     }
 
 private:
-    std::size_t width(std::size_t column) const {
-        std::size_t widest = 0;
-        for (const auto& line : lines_) widest = std::max(widest, line.at(column).size());
-        return widest;
-    }
-
+    std::vector<std::size_t> widths_;
     std::vector<std::vector<std::string>> lines_;
 };
 
 /// The cells that name an instant.
 std::vector<std::string> timeCells(double mjd, const Settings& settings) {
-    std::vector<std::string> cells = {clockText(mjd)};
-    if (settings.local) cells.push_back(localTime(mjd, "%H:%M"));
+    const bool minutes = isWholeMinutes(settings);
+    const std::string time = minutes ? clockText(mjd) : secondOf(mjd).substr(DATE_LENGTH);
+    std::vector<std::string> cells = {time};
+    if (settings.local) cells.push_back(localTime(mjd, minutes ? "%H:%M" : "%H:%M:%S"));
     return cells;
 }
 
@@ -103,8 +112,9 @@ std::string moonSkyText(const Row& row, const TargetValues& values) {
     return row.moonUp ? fixedOr(values.moonSky, 2, "none") : "moon down";
 }
 
-std::string skyText(const TargetValues& values) {
-    return fixedOr(values.sky, 2, values.altitude < 0.0 ? "target down" : "twilight");
+std::string skyText(const Row& row, const TargetValues& values) {
+    if (values.altitude < 0.0) return "target down";
+    return fixedOr(values.sky, 2, row.sunAltitude < HORIZON ? "twilight" : "daylight");
 }
 
 std::string windowText(const Window& window, double least) {
@@ -124,8 +134,9 @@ std::string targetTable(const Report& report, std::size_t target) {
     for (const Row& row : report.rows) {
         const TargetValues& values = row.targets[target];
         std::vector<std::string> cells = timeCells(row.mjd, settings);
-        append(cells, {fixed(values.altitude, 1), fixedOr(values.airmass, 2, "-"),
-                       fixed(values.moonDistance, 1), moonSkyText(row, values), skyText(values)});
+        append(cells,
+               {fixed(values.altitude, 1), fixedOr(values.airmass, 2, "-"),
+                fixed(values.moonDistance, 1), moonSkyText(row, values), skyText(row, values)});
         if (!report.windows.empty()) cells.emplace_back(values.best ? "*" : "");
         columns.add(cells);
     }

@@ -2,6 +2,7 @@
 
 #include <zarnsys/util/StringUtils.h>
 
+#include <algorithm>
 #include <sstream>
 #include <stdexcept>
 #include <system_error>
@@ -11,6 +12,8 @@
 #include "UsageError.h"
 
 namespace {
+
+const std::string BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
 std::string trimmed(const std::string& text) {
     const std::string::size_type begin = text.find_first_not_of(" \t\r");
@@ -47,7 +50,7 @@ std::vector<std::string> fields(const std::string& line) {
         }
         const std::string::size_type comma = std::min(line.find(',', at), line.size());
         const std::string rest = trimmed(line.substr(at, comma - at));
-        if (!field.empty() && !rest.empty())
+        if (begin != std::string::npos && line[begin] == '"' && !rest.empty())
             throw std::invalid_argument("something stands behind a closing quote");
         result.push_back(field + rest);
         at = comma + 1;
@@ -71,7 +74,7 @@ Target targetOf(const std::string& line) {
 
 std::string contentOf(const std::string& fileName) {
     try {
-        return readFile(fileName);
+        return readFileOrPipe(fileName);
     } catch (const std::system_error& error) {
         throw UsageError("option --targets: " + printable(fileName) +
                          " cannot be read: " + error.code().message());
@@ -86,8 +89,9 @@ std::vector<Target> readTargets(const std::string& fileName) {
     std::size_t number = 0;
     for (std::string line; std::getline(lines, line);) {
         ++number;
-        line = trimmed(line);
         const bool first = number == 1;
+        if (first && line.rfind(BYTE_ORDER_MARK, 0) == 0) line.erase(0, BYTE_ORDER_MARK.size());
+        line = trimmed(line);
         if (line.empty() || line[0] == '#' || (first && isTitle(line))) continue;
         try {
             targets.push_back(targetOf(line));

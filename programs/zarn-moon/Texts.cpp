@@ -1,5 +1,6 @@
 #include "Texts.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <ctime>
@@ -22,15 +23,24 @@ std::string fixedOr(const std::optional<double>& number, int decimals, const std
     return number ? fixed(*number, decimals) : absent;
 }
 
+std::string fixedOnCircle(double number, int decimals, double circle) {
+    const std::string text = fixed(number, decimals);
+    return text == fixed(circle, decimals) ? fixed(0.0, decimals) : text;
+}
+
+std::string keyOf(std::string name) {
+    std::replace(name.begin(), name.end(), ' ', '_');
+    return name;
+}
+
 std::string localTime(double mjd, const char* format) {
-    constexpr double MJD_OF_EPOCH = 40587.0;  // 1970-01-01
-    constexpr double MINUTES_PER_DAY = 1440.0;
-    constexpr double SECONDS_PER_MINUTE = 60.0;
-    const double seconds = std::round((mjd - MJD_OF_EPOCH) * MINUTES_PER_DAY) * SECONDS_PER_MINUTE;
+    using Limits = std::numeric_limits<std::time_t>;
+    const double seconds = std::round((mjd - MJD_OF_EPOCH) * SECONDS_PER_DAY);
+    const bool fits = seconds > static_cast<double>(Limits::lowest()) &&
+                      seconds < static_cast<double>(Limits::max());
+    const auto time = static_cast<std::time_t>(fits ? seconds : 0.0);
     std::tm parts = {};
     std::array<char, 64> text = {};
-    const bool fits = seconds < static_cast<double>(std::numeric_limits<std::time_t>::max());
-    const auto time = static_cast<std::time_t>(fits ? seconds : 0.0);
     if (!fits || ::localtime_r(&time, &parts) == nullptr)
         throw std::runtime_error("this system has no local time for " + minuteOf(mjd));
     std::strftime(text.data(), text.size(), format, &parts);

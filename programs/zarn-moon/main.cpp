@@ -7,6 +7,7 @@
 #include <exception>
 #include <iostream>
 
+#include "Calendar.h"
 #include "CommandLine.h"
 #include "Plot.h"
 #include "Printable.h"
@@ -18,8 +19,6 @@
 namespace {
 
 double presentMjd() {
-    constexpr double MJD_OF_EPOCH = 40587.0;  // 1970-01-01
-    constexpr double SECONDS_PER_DAY = 86400.0;
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     return MJD_OF_EPOCH + std::chrono::duration<double>(now).count() / SECONDS_PER_DAY;
 }
@@ -48,12 +47,13 @@ void run(CommandLine& commandLine) {
         return;
     }
     const std::string result = formOf(makeReport(settings));
+    const std::string picture = settings.plot.empty() ? "" : drawNight(settings);
     if (settings.output.empty()) {
         std::cout << result << std::flush;
     } else {
         writeWhole(settings.output, result);
     }
-    if (!settings.plot.empty()) writeWhole(settings.plot, drawNight(settings));
+    if (!settings.plot.empty()) writeWhole(settings.plot, picture);
 }
 
 /// Runs the program and reports what ends it.
@@ -65,7 +65,7 @@ int runReporting(CommandLine& commandLine) {
         std::cerr << std::string("zarn-moon: ") + error.what() + "; see zarn-moon --help\n";
         return EXIT_WRONG_USAGE;
     } catch (const std::exception& error) {
-        std::cerr << std::string("zarn-moon: ") + error.what() + "\n";
+        std::cerr << "zarn-moon: " << error.what() << "\n";
         return EXIT_FAILURE;
     }
 }
