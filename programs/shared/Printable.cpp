@@ -16,7 +16,7 @@ unsigned char byteAt(const std::string& text, std::size_t at) {
 // bytes do. Left out are those of control characters, U+0080 to U+009F.
 constexpr struct {
     unsigned char first, last;  // first byte
-    std::size_t following;
+    unsigned char following;
     unsigned char low, high;  // second byte
 } SEQUENCES[] = {
     {0xC2, 0xC2, 1, 0xA0, 0xBF}, {0xC3, 0xDF, 1, 0x80, 0xBF}, {0xE0, 0xE0, 2, 0xA0, 0xBF},
@@ -34,7 +34,7 @@ std::size_t printableAt(const std::string& text, std::size_t at) {
         bool whole = second >= low && second <= high;
         for (std::size_t i = 2; i <= following; ++i)
             whole = whole && (byteAt(text, at + i) & 0xC0U) == CONTINUES;
-        return whole ? following + 1 : 0;
+        return whole ? following + 1U : 0;
     }
     return 0;
 }
