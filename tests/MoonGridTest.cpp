@@ -82,7 +82,7 @@ TEST(MoonGridTest, AgreesWithTheClassicCall) {
 TEST(MoonGridTest, PhasesDoNotDependOnTheOrderOfInstants) {
     // Around 1800 the search for a new moon sometimes starts one too late; far ahead, new moons are
     // out of order.
-    constexpr int DAYS = 400;
+    constexpr std::size_t DAYS = 400;
     std::vector<MJD_DATE> instants(3 * DAYS);
     for (std::size_t day = 0; day < DAYS; ++day) {
         instants[day] = -40000.0 + 0.31 * static_cast<double>(day);

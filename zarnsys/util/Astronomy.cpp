@@ -10,7 +10,26 @@
 #include "zarnsys/util/Formulas.h"
 #include "zarnsys/util/Lunation.h"
 
-using namespace formulas;
+using formulas::circleAngle;
+using formulas::cosDeg;
+using formulas::DEG_PER_RAD;
+using formulas::HOURS_PER_DAY;
+using formulas::HOURS_PER_RAD;
+using formulas::moonLatitude;
+using formulas::moonLongitude;
+using formulas::moonParallax;
+using formulas::moonPlace;
+using formulas::obliquity;
+using formulas::Pair;
+using formulas::PI;
+using formulas::Place;
+using formulas::siderealTime;
+using formulas::sinDeg;
+using formulas::sunDirection;
+using formulas::sunLongitude;
+using formulas::toHorizon;
+using formulas::Vector;
+using formulas::withinOne;
 
 namespace {
 
