@@ -27,7 +27,7 @@ public:
             Tally& tally = strays ? strays_[i] : tallies_[kind][i];
             if (otherBranch(figure, ours, reference)) {
                 ++tally.otherBranch;
-                if (&tally != &tallies_[EDGES][i]) continue;
+                if (strays || (kind != EDGES && !EDGE_TABLE[kind].bounded)) continue;
             }
             tally.differences.add(difference(figure, ours, reference), number);
         }
@@ -41,7 +41,7 @@ public:
 private:
     struct Tally {
         Differences differences;
-        std::size_t otherBranch = 0;  // not among the differences, save those of ordinary inputs
+        std::size_t otherBranch = 0;  // among the differences only where the bounds hold
     };
     using Tallies = std::array<Tally, FIGURES>;
 

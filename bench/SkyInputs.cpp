@@ -106,8 +106,11 @@ void nearNewMoon(Inputs& in, Random& random) {
 
 void atBrightnessBranch(Inputs& in, Random& random) {
     constexpr double RHOS[] = {0.25, 10.0};
-    in[RHO] = RHOS[random.integer(0, 1)];
-    in[ALPHA] = random.integer(0, 1) == 1 ? 173.0 : in[ALPHA];
+    const double rho = RHOS[random.integer(0, 1)];
+    in[RHO] = random.integer(0, 1) == 1 ? rho : std::nextafter(rho, 2.0 * rho);
+    constexpr double SURGE = 173.0;
+    if (random.integer(0, 1) == 1) in[ALPHA] = SURGE;
+    if (random.integer(0, 3) == 1) in[ALPHA] = std::nextafter(SURGE, 2.0 * SURGE);
 }
 
 void withoutExtinction(Inputs& in, Random& random) {
@@ -126,6 +129,12 @@ void atDarkness(Inputs& in, Random& random) {
         (magnitude == NO_MOONLIGHT ? dark : light) = in[KZEN];
     }
     in[KZEN] = random.integer(0, 1) == 1 ? light : dark;
+}
+
+void besideDarkness(Inputs& in, Random& random) {
+    constexpr double BESIDE = 1e-6;
+    atDarkness(in, random);
+    in[KZEN] *= 1.0 + (random.integer(0, 1) == 1 ? BESIDE : -BESIDE);
 }
 
 struct Place {
@@ -254,7 +263,9 @@ const EdgeKind EDGE_TABLE[EDGES] = {
     {"rho 0.25 or 10, alpha 173", "branches begin", atBrightnessBranch, setOf(BRIGHTNESS), BOUNDED},
     {"extinction 1e-9 to 1e-3", "1 - 10^-x loses 1e-16 / x", withoutExtinction, setOf(BRIGHTNESS),
      LOSSY},
-    {"light of 0.001 nanolambert", "the 99.0 begins", atDarkness, setOf(BRIGHTNESS), BOUNDED},
+    {"light of 0.001 nanolambert", "the 99.0 begins", atDarkness, setOf(BRIGHTNESS), LOSSY},
+    {"light of nearly 0.001 nanolambert", "it has begun or not", besideDarkness, setOf(BRIGHTNESS),
+     BOUNDED},
     {"target 0.1 to 1 arc second from the moon", SMALL_ANGLE, onTheMoon, setOf(P_MOONDIST),
      BOUNDED},
     {"target opposite the moon, as near", ARC_COSINE, oppositeTheMoon, setOf(P_MOONDIST), LOSSY},

@@ -21,7 +21,7 @@ struct EdgeKind {
     bool bounded;  // whether the figures' bounds hold here, too: nothing is lost
 };
 
-constexpr std::size_t EDGES = 22;
+constexpr std::size_t EDGES = 23;
 extern const EdgeKind EDGE_TABLE[EDGES];
 
 inline bool concerns(const EdgeKind& kind, const Figure& figure) {
