@@ -51,8 +51,8 @@ ZARNSYS_EXPORT double altit(double dec, double ha, double lat, double* az);
 /// @return            [rad], 0 to pi
 ZARNSYS_EXPORT double subtend(double ra1, double dec1, double ra2, double dec2);
 
-/// The sun's place in the equinox of date, by the Astronomical Almanac's low-precision formulae
-/// (0.01 degrees from 1950 to 2050).
+/// The sun's place in the equinox of date, by the Astronomical Almanac's low-precision formulae:
+/// from 2000 to 2050 0.005 degrees in the root mean square, 0.014 at worst, nutation included.
 ///
 /// @param jd   Julian Date, universal time [d]
 /// @param ra   receives the right ascension [h], 0 <= ra < 24
@@ -60,7 +60,8 @@ ZARNSYS_EXPORT double subtend(double ra1, double dec1, double ra2, double dec2);
 ZARNSYS_EXPORT void lpsun(double jd, double* ra, double* dec);
 
 /// The moon's place in the equinox of date as the observer sees it, by the Astronomical Almanac's
-/// low-precision formulae (about 0.3 degrees) and the parallax on a spherical Earth.
+/// low-precision formulae and the parallax on a spherical Earth: from 2000 to 2050 0.11 degrees in
+/// the root mean square, 0.38 at worst.
 ///
 /// @param jd    Julian Date, universal time [d]
 /// @param lat   observer's latitude [deg]
