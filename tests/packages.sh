@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# Works with installed packages as their users would: with the programs, whose packages must be
+# enough for them, then with the library from outside; at the end nothing may be left.
+#   packages.sh DIRECTORY_OF_PACKAGES
+# As root, on a bare Debian to throw away: it installs and removes packages.
+set -euo pipefail
+packages=$(realpath "$1") project=$(dirname "$(dirname "$(realpath "$0")")")
+work=$(mktemp -d "${TMPDIR:-/tmp}/zarnsys-packages-XXXXXX")
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+die() { echo "FAILED: $*" >&2; exit 1; }
+install() {
+    DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "$@" >log 2>&1 ||
+        die "cannot install: $(cat log)"
+}
+
+install "$packages"/libzarnsysutil0_*.deb "$packages"/zarn-tools_*.deb
+! dpkg -l '*-dev' 2>/dev/null | grep '^ii' || die "with these, it does not show whether the programs need them"
+for test in zarn-ingest zarn-ingest-moon zarn-ingest-service zarn-moon; do
+    program=zarn-ingest
+    [ "$test" != zarn-moon ] || program=$test
+    "$project/tests/$test.sh" "/usr/bin/$program" "$project/examples/headers" >log 2>&1 || die "$test: $(cat log)"
+    echo "$test: $(tail -n 1 log)"
+done
+
+install "$packages"/libzarnsysutil-dev_*.deb "$packages"/zarnsysutil-doc_*.deb cmake g++ make
+cp -r "$project/tests/install" consumer
+{ cmake -S consumer -B cmake && cmake --build cmake; } >log 2>&1 || die "CMake: $(cat log)"
+cmake/consumer 2>/dev/null || die "the consumer built by CMake does not work"
+# shellcheck disable=SC2046 # flags are words
+g++ -std=c++17 consumer/main.cpp -o by-pkg-config $(pkg-config --cflags --libs zarnsysutil)
+./by-pkg-config 2>/dev/null || die "the consumer built by pkg-config does not work"
+for example in /usr/share/doc/zarnsysutil-doc/examples/*.cpp; do
+    # shellcheck disable=SC2046
+    g++ -std=c++17 "$example" -o example $(pkg-config --cflags --libs zarnsysutil) || die "$example"
+done
+echo "consumers: built by CMake and by pkg-config"
+
+apt-get purge -y libzarnsysutil0 libzarnsysutil-dev zarn-tools zarnsysutil-doc >log 2>&1 || die "$(cat log)"
+left=$(find /etc /usr/bin /usr/include /usr/lib /usr/share /var/lib/dpkg -iname '*zarn*')
+[ -z "$left" ] || die "left after removal: $left"
+echo "removed: nothing is left"
