@@ -56,7 +56,8 @@ double mjdOfInstant(const std::string& text) {
     const std::string form = "0000-00-00T00:00:00";
     const std::string fraction = text.substr(std::min(text.size(), form.size()));
     const bool isFraction =
-        fraction.empty() || matches(fraction, "." + std::string(fraction.size() - 1, '0'));
+        fraction.empty() ||
+        (fraction != "." && matches(fraction, "." + std::string(fraction.size() - 1, '0')));
     if (!matches(text.substr(0, form.size()), form) || !isFraction)
         fail(text, "is no instant of the form YYYY-MM-DDThh:mm:ss");
     constexpr double LAST_HOUR = 23.0;
