@@ -31,7 +31,8 @@ void convert(const std::string& text) {
     dir.put("x.hdr", text);
     ConversionOptions options;
     options.checksum = text.size() % 2 == 0;
-    options.service = text.size() % 3 == 0;
+    options.durable = text.size() % 3 == 0;
+    options.resume = options.durable;
     if (text.size() % 5 != 0) options.moon = VEK3;
     {
         Converter converter(options, output, reporter);

@@ -1,7 +1,7 @@
 #include "Converter.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/Utils.h>
 #include <zarnsys/util/ZarnSysEx.h>
@@ -16,6 +16,7 @@
 #include "IngestError.h"
 #include "Moving.h"
 #include "Printable.h"
+#include "Reading.h"
 
 namespace {
 
@@ -85,9 +86,9 @@ void compareCards(FitsFile* file, const HeaderText& text, bool checksum) {
 }
 
 /// Opens a file as any reader would and makes sure that it came from this text.
-void verifyFile(const WorkFile& target, const HeaderText& text, bool checksum) {
+void verifyFile(const std::string& fitsPath, const HeaderText& text, bool checksum) {
     FitsHandle file;
-    check(ZarnSysFits::openFitsFile(file.get(), target.fitsPath(), READONLY),
+    check(ZarnSysFits::openFitsFile(file.get(), fitsPath, READONLY),
           "the result cannot be opened");
     compareCards(file.get(), text, checksum);
     int status = 0;
@@ -150,14 +151,14 @@ void Converter::convertOrThrow(const Input& input, Outcome& outcome) {
     const MoonCards moon = options_.moon ? moonCards(text, *options_.moon) : MoonCards();
     text.append(moon.lines);
     const bool isThere = !isFree(outcome.result);
-    const bool isDone = isThere && options_.service && isFrom(text, outcome.result);
+    const bool isDone = isThere && options_.resume && isFrom(text, outcome.result);
     if (isThere && !isDone) checkReplaceable(outcome.result);
     if (options_.dryRun) {
-        std::cout << "would convert " + printable(input.name) + " to " + printable(outcome.result) +
-                         "\n";
+        std::cout << (isDone ? "would keep what " : "would convert ") + printable(input.name) +
+                         (isDone ? " gave: " : " to ") + printable(outcome.result) + "\n";
     } else if (!isDone) {
         writeOrExplain(text, outcome.result);
-    } else {
+    } else if (options_.durable) {
         syncToDisk(outcome.result);  // the run that made it may have ended before
         syncToDisk(output_.name());
     }
@@ -185,10 +186,12 @@ bool Converter::isFree(const std::string& result) const {
 }
 
 bool Converter::isFrom(const HeaderText& text, const std::string& result) const {
-    const WorkFile existing(*work_, "existing.fits");  // a name that CFITSIO takes as it is
-    if (::link(result.c_str(), existing.path().c_str()) != 0) return false;
+    const Descriptor existing(::open(result.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status = {};
+    if (::fstat(existing.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
     try {
-        verifyFile(existing, text, options_.checksum);
+        // a name that CFITSIO takes as it is
+        verifyFile("/proc/self/fd/" + std::to_string(existing.get()), text, options_.checksum);
         return true;
     } catch (const IngestError&) {
         return false;
@@ -224,12 +227,12 @@ void Converter::write(const HeaderText& text, const std::string& result) const {
     FileIO(source.path(), false, true).write(text.text(!options_.checksum));
     const WorkFile target(*work_, "result.fits");
     makeFile(source, target, options_.checksum);
-    verifyFile(target, text, options_.checksum);
+    verifyFile(target.fitsPath(), text, options_.checksum);
     FileIO file(target.path(), true, false);
     file.open(target.path(), true, false);  // gives the result the archive's permission bits
-    if (options_.service) syncToDisk(target.path());
+    if (options_.durable) syncToDisk(target.path());
     target.putInPlace(result, options_.overwrite);
-    if (options_.service) syncToDisk(output_.name());
+    if (options_.durable) syncToDisk(output_.name());
 }
 
 std::string Converter::diskFull() const {

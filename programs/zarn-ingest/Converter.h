@@ -24,8 +24,9 @@ struct ConversionOptions {
     bool overwrite = false;  ///< replace results that exist
     bool dryRun = false;     ///< examine only
     bool checksum = false;   ///< add DATASUM and CHECKSUM
-    bool service = false;    ///< results safe on disk; one that exists already from the same text,
-                             ///< as after a crash, counts as converted
+    bool durable = false;    ///< results are safe on disk before `convert` returns
+    bool resume = false;     ///< one that exists already from the same text, as after a crash,
+                             ///< counts as converted
     std::optional<Telescope> moon;  ///< add the moon's values for it
 };
 

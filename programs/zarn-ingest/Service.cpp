@@ -25,7 +25,8 @@ ConversionOptions conversionOf(const Settings& settings) {
     ConversionOptions options;
     options.overwrite = settings.overwrite;
     options.checksum = settings.checksum;
-    options.service = true;
+    options.durable = true;
+    options.resume = true;
     options.moon = settings.moon;
     return options;
 }
