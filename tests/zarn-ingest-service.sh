@@ -70,6 +70,8 @@ testOneRun() {
     run 0 -q -p p.ini -f; silent
     check "not replaced" grep -q 'Field 19' fits/a.fits
     check "the second source" grep -q 'Field 19' 'done/a.hdr.~1~'
+    rm fits/b.fits; mkfifo fits/b.fits; arrive b.hdr
+    run 1 -q -p p.ini; says 'fits/b.fits belongs to something else than a file'; rm failed/b.hdr fits/b.fits
     arrive a.hdr; sed -i 4,18d in/a.hdr
     run 1 -q -p p.ini; says 'fits/a.fits exists already'
     cp "$samples/imager.hdr" in/l; ln -s l in/link.hdr

@@ -25,6 +25,7 @@ const std::vector<OptionRow> OPTIONS = {
      ". (the current directory)"},
     {"properties", 'p', "FILE", "Take settings from a properties file; options win", ""},
     {"quiet", 'q', "", "Report errors only, without warnings and summary", ""},
+    {"resume", 'r', "", "Count results that are there already from the same text as converted", ""},
     {"retry-failed", NONE, "", "Put the files that failed back to where new ones arrive", ""},
     {"stdin", NONE, "", "Convert the files named on standard input", ""},
     {"verbose", 'v', "", "Report each file, and the library's own log lines below ERROR", ""},
@@ -44,6 +45,7 @@ const struct {
     {"null", &Settings::nulSeparated},
     {"quiet", &Settings::quiet},
     {"stdin", &Settings::standardInput},
+    {"resume", &Settings::resume},
     {"retry-failed", &Settings::retryFailed},
     {"verbose", &Settings::verbose},
     {"version", &Settings::version},
@@ -69,6 +71,10 @@ no value: --force=no is --force.
 RA and DEC, in degrees or as '05:35:17.3', and MJD-OBS or DATE-OBS, in universal
 time. Others are converted as they are, and counted. A keyword of these names
 that a header has already is kept.
+
+--resume goes on where a run was killed, and repeats any other: a result that
+holds the same cards already counts as converted, and each result is safe on
+disk before the next file. The service always works so.
 
 Messages read "zarn-ingest: FILE:LINE: text", lines counted from 1.
 

@@ -88,8 +88,7 @@ void compareCards(FitsFile* file, const HeaderText& text, bool checksum) {
 /// Opens a file as any reader would and makes sure that it came from this text.
 void verifyFile(const std::string& fitsPath, const HeaderText& text, bool checksum) {
     FitsHandle file;
-    check(ZarnSysFits::openFitsFile(file.get(), fitsPath, READONLY),
-          "the result cannot be opened");
+    check(ZarnSysFits::openFitsFile(file.get(), fitsPath, READONLY), "the result cannot be opened");
     compareCards(file.get(), text, checksum);
     int status = 0;
     int dataFits = VERIFIED;

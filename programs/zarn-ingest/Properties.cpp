@@ -48,6 +48,7 @@ const struct Property {
     {INGEST, "force", &Settings::overwrite, 0},
     {INGEST, "checksum", &Settings::checksum, 0},
     {INGEST, "moon", &Settings::moon, 0},
+    {INGEST, "resume", &Settings::resume, 0},
     {INGEST, "dry-run", &Settings::dryRun, 0},
     {INGEST, "quiet", &Settings::quiet, 0},
     {INGEST, "verbose", &Settings::verbose, 0},

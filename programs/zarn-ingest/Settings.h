@@ -21,6 +21,7 @@ struct Settings {
     std::string outputDir = ".";
     bool overwrite = false;
     bool checksum = false;
+    bool resume = false;  ///< a result that is there already from the same text is one
     bool dryRun = false;
     std::optional<Telescope> moon;  ///< for which the moon's values are added
 

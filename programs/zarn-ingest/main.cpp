@@ -3,7 +3,6 @@
 #include <ace/Log_Msg.h>
 #include <ace/Version.h>
 #include <fitsio.h>
-#include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/ZarnSysEx.h>
 
 #include <cstdlib>
@@ -11,10 +10,8 @@
 #include <iostream>
 #include <memory>
 
+#include "Batch.h"
 #include "CommandLine.h"
-#include "Converter.h"
-#include "Inputs.h"
-#include "OutputDirectory.h"
 #include "Printable.h"
 #include "Process.h"
 #include "Reporter.h"
@@ -42,29 +39,6 @@ bool isService(const Settings& settings) {
     return !named && !settings.dryRun;
 }
 
-/// Converts the files that are named.
-void convertNamed(Settings settings, const StopSignals& signals, Reporter& reporter) {
-    if (settings.arguments.empty() && settings.dryRun && !settings.pattern.empty())
-        settings.arguments = {settings.pattern};
-    const auto missing =
-        settings.dryRun ? OutputDirectory::Missing::CAN_CREATE : OutputDirectory::Missing::CREATE;
-    if (settings.dryRun && !FileIO(settings.outputDir, true, false).exists())
-        std::cout << "would create the directory " + printable(settings.outputDir) + "\n";
-    ConversionOptions options;
-    options.overwrite = settings.overwrite;
-    options.dryRun = settings.dryRun;
-    options.checksum = settings.checksum;
-    options.moon = settings.moon;
-    Converter converter(options, OutputDirectory(settings.outputDir, missing), reporter);
-    const std::vector<Input> inputs = collectInputs(settings, signals);
-    converter.beginBatch(inputs, settings.lists);
-    reporter.begin(inputs.size());
-    for (const Input& input : inputs) {
-        if (signals.received() != 0) break;
-        converter.convert(input);
-    }
-}
-
 int work(const Settings& settings, const StopSignals& signals) {
     Reporter reporter(levelOf(settings));
     std::unique_ptr<RollingLog> log;
@@ -77,7 +51,7 @@ int work(const Settings& settings, const StopSignals& signals) {
     if (isService(settings)) {
         whole = Service(settings, signals, reporter).run();
     } else {
-        convertNamed(settings, signals, reporter);
+        Batch(settings, signals, reporter).run();
     }
     reporter.summary(settings.dryRun ? "would be converted" : "converted", signals.received());
     if (settings.watch) return EXIT_SUCCESS;

@@ -1,0 +1,53 @@
+#include "Batch.h"
+
+#include <zarnsys/util/FileIO.h>
+
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "Inputs.h"
+#include "OutputDirectory.h"
+#include "Printable.h"
+
+namespace {
+
+ConversionOptions conversionOf(const Settings& settings) {
+    ConversionOptions options;
+    options.overwrite = settings.overwrite;
+    options.dryRun = settings.dryRun;
+    options.checksum = settings.checksum;
+    options.durable = settings.resume;
+    options.resume = settings.resume;
+    options.moon = settings.moon;
+    return options;
+}
+
+/// A dry run has the service's pattern, too.
+Settings withPattern(Settings settings) {
+    if (settings.arguments.empty() && settings.dryRun && !settings.pattern.empty())
+        settings.arguments = {settings.pattern};
+    return settings;
+}
+
+}  // namespace
+
+Batch::Batch(const Settings& settings, const StopSignals& signals, Reporter& reporter)
+    : settings_(settings), signals_(signals), reporter_(reporter) {
+    const auto missing =
+        settings.dryRun ? OutputDirectory::Missing::CAN_CREATE : OutputDirectory::Missing::CREATE;
+    if (settings.dryRun && !FileIO(settings.outputDir, true, false).exists())
+        std::cout << "would create the directory " + printable(settings.outputDir) + "\n";
+    const OutputDirectory output(settings.outputDir, missing);
+    converter_ = std::make_unique<Converter>(conversionOf(settings), output, reporter);
+}
+
+void Batch::run() {
+    const std::vector<Input> inputs = collectInputs(withPattern(settings_), signals_);
+    converter_->beginBatch(inputs, settings_.lists);
+    reporter_.begin(inputs.size());
+    for (const Input& input : inputs) {
+        if (signals_.received() != 0) break;
+        converter_->convert(input);
+    }
+}
