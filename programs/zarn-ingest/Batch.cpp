@@ -2,6 +2,7 @@
 
 #include <zarnsys/util/FileIO.h>
 
+#include <exception>
 #include <iostream>
 #include <string>
 #include <vector>
@@ -17,7 +18,7 @@ ConversionOptions conversionOf(const Settings& settings) {
     options.overwrite = settings.overwrite;
     options.dryRun = settings.dryRun;
     options.checksum = settings.checksum;
-    options.durable = settings.resume;
+    options.durable = settings.resume || !settings.journalDir.empty();
     options.resume = settings.resume;
     options.moon = settings.moon;
     return options;
@@ -40,14 +41,35 @@ Batch::Batch(const Settings& settings, const StopSignals& signals, Reporter& rep
         std::cout << "would create the directory " + printable(settings.outputDir) + "\n";
     const OutputDirectory output(settings.outputDir, missing);
     converter_ = std::make_unique<Converter>(conversionOf(settings), output, reporter);
+    if (!settings.journalDir.empty() && !settings.dryRun) openJournal();
 }
 
-void Batch::run() {
+bool Batch::run() {
     const std::vector<Input> inputs = collectInputs(withPattern(settings_), signals_);
     converter_->beginBatch(inputs, settings_.lists);
     reporter_.begin(inputs.size());
     for (const Input& input : inputs) {
         if (signals_.received() != 0) break;
-        converter_->convert(input);
+        if (!tell(input, converter_->convert(input))) return false;
     }
+    return true;
+}
+
+void Batch::openJournal() {
+    const std::string& directory = settings_.journalDir;
+    FileIO(directory, true, true).checkCreateDir(directory);
+    locks_ = std::make_unique<DirectoryLocks>(std::vector<std::string>{directory});
+    journal_ = std::make_unique<Journal>(directory);
+}
+
+/// Tells of a file; false when the journal cannot be written: no file is to go untold.
+bool Batch::tell(const Input& input, const Outcome& outcome) {
+    if (!journal_) return true;
+    try {
+        journal_->add(input.name, outcome);
+    } catch (const std::exception& error) {
+        reporter_.error(error.what());
+        return false;
+    }
+    return true;
 }

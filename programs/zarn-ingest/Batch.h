@@ -5,26 +5,35 @@
 #include <memory>
 
 #include "Converter.h"
+#include "Journal.h"
+#include "Moving.h"
 #include "Reporter.h"
 #include "Settings.h"
 #include "StopSignals.h"
 
 class Batch {
 public:
-    /// Prepares the output directory, unless the run is dry.
+    /// Prepares the directories, unless the run is dry, and locks the journal's for this process.
     ///
-    /// @throw std::exception  with the reason when results could not be written there
+    /// @throw std::exception  with the reason when the batch could not work in them
     Batch(const Settings& settings, const StopSignals& signals, Reporter& reporter);
 
     /// Converts the files, or says in a dry run what would be done, until all are done or a signal
     /// comes.
-    void run();
+    ///
+    /// @return  false when it had to end early since the journal could not be written
+    bool run();
 
 private:
+    void openJournal();
+    bool tell(const Input& input, const Outcome& outcome);
+
     const Settings& settings_;
     const StopSignals& signals_;
     Reporter& reporter_;
     std::unique_ptr<Converter> converter_;
+    std::unique_ptr<DirectoryLocks> locks_;
+    std::unique_ptr<Journal> journal_;  ///< none where the settings name no directory
 };
 
 #endif  // ZARN_INGEST_BATCH_H

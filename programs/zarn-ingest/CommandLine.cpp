@@ -18,6 +18,7 @@ const std::vector<OptionRow> OPTIONS = {
     {"dry-run", 'n', "", "Say what would be done, and do nothing", ""},
     {"force", 'f', "", "Replace results that exist", ""},
     {"help", 'h', "", "Show this help", ""},
+    {"journal", 'j', "DIR", "Tell of each file in a journal there, created when missing", ""},
     {"list", 'l', "FILE", "Convert the files named in FILE, one name a line; may be repeated", ""},
     {"moon", 'm', "TELESCOPE", "Add where the moon stood, seen from there; see below", ""},
     {"null", '0', "", "Names in lists and on standard input end in NUL (short: -0)", ""},
@@ -76,6 +77,11 @@ that a header has already is kept.
 holds the same cards already counts as converted, and each result is safe on
 disk before the next file. The service always works so.
 
+--journal adds a line per file to DIR/zarn-ingest-DATE.journal: local time,
+seconds since the epoch, source, result, converted or failed, number of cards in
+the source, size of the result in bytes; separated by tabs. One run at a time
+writes into a directory.
+
 Messages read "zarn-ingest: FILE:LINE: text", lines counted from 1.
 
 Exit status: 0 every file was converted, with warnings or not; 1 some were not;
@@ -96,7 +102,6 @@ Telescope telescopeOption(const std::string& name) {
 void checkTogether(const Settings& settings) {
     const bool named = !settings.lists.empty() || settings.standardInput;
     const bool chosen = named || !settings.arguments.empty();
-    if (settings.outputDir.empty()) throw UsageError("option --output-dir: the name is empty");
     if (settings.quiet && settings.verbose)
         throw UsageError("--quiet and --verbose exclude each other");
     if (settings.nulSeparated && !named) throw UsageError("--null needs --list or --stdin");
@@ -119,10 +124,16 @@ CommandLine::CommandLine(std::vector<const char*> arguments)
         ""};
 }
 
+std::string CommandLine::nameOption(const std::string& option) const {
+    if (value(option).empty()) throw UsageError("option --" + option + ": the name is empty");
+    return value(option);
+}
+
 void CommandLine::applyOptions(Settings& settings) const {
     settings.arguments = argumentVect_;
     if (given("list")) settings.lists = values("list");
-    if (given("output-dir")) settings.outputDir = value("output-dir");
+    if (given("output-dir")) settings.outputDir = nameOption("output-dir");
+    if (given("journal")) settings.journalDir = nameOption("journal");
     if (given("moon")) settings.moon = telescopeOption(value("moon"));
     for (const auto& [name, flag] : FLAGS) {
         if (given(name)) settings.*flag = true;
@@ -133,6 +144,7 @@ void CommandLine::applyOptions(Settings& settings) const {
     const bool files = !argumentVect_.empty() || given("list") || given("stdin");
     if ((files || given("dry-run")) && !given("watch")) settings.watch = false;
     if ((files || given("dry-run")) && !given("retry-failed")) settings.retryFailed = false;
+    if (files && !given("journal")) settings.journalDir.clear();  // it is the service's
 }
 
 Settings CommandLine::parse() {

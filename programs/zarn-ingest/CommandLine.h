@@ -2,6 +2,7 @@
 #ifndef ZARN_INGEST_COMMANDLINE_H
 #define ZARN_INGEST_COMMANDLINE_H
 
+#include <string>
 #include <vector>
 
 #include "OptionTable.h"
@@ -23,6 +24,7 @@ public:
     void displayFullHelp() const;
 
 private:
+    std::string nameOption(const std::string& option) const;
     void applyOptions(Settings& settings) const;
 };
 

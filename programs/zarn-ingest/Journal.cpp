@@ -3,11 +3,13 @@
 #include <ace/OS_NS_sys_time.h>
 #include <sys/stat.h>
 #include <zarnsys/util/WexoTime.h>
+#include <zarnsys/util/ZarnSysEx.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
+#include <stdexcept>
 #include <vector>
 
 #include "Moving.h"
@@ -85,20 +87,29 @@ Journal::Journal(const std::string& directory) : directory_(directory) {
 void Journal::add(const std::string& source, const Outcome& outcome) {
     const std::string record = recordOf(source, outcome);
     if (isToldAlready(source, record)) return;
-    const ACE_Time_Value now = ACE_OS::gettimeofday();
-    const std::string iso = WexoTime::asISOTimeString(now);
-    openFor(journalOf(directory_, iso.substr(0, DATE_LENGTH)));
+    std::string problem;
     try {
-        file_->write(iso + '\t' + WexoTime::asUnixTimeString(now) + '\t' + record + '\n');
-        syncToDisk(fileName_);
-    } catch (...) {
-        fileName_.clear();  // the next line opens the file again, after it was mended
-        throw;
+        append(record);
+        return;
+    } catch (ZarnSysEx& error) {
+        problem = error.what();
+    } catch (const std::exception& error) {
+        problem = error.what();
     }
+    fileName_.clear();  // the next line opens the file again, after it was mended
+    throw std::runtime_error("the journal: " + problem);
 }
 
 bool Journal::isLast(const std::string& source) const {
     return lastRecord_.rfind(printable(source) + '\t', 0) == 0;
+}
+
+void Journal::append(const std::string& record) {
+    const ACE_Time_Value now = ACE_OS::gettimeofday();
+    const std::string iso = WexoTime::asISOTimeString(now);
+    openFor(journalOf(directory_, iso.substr(0, DATE_LENGTH)));
+    file_->write(iso + '\t' + WexoTime::asUnixTimeString(now) + '\t' + record + '\n');
+    syncToDisk(fileName_);
 }
 
 bool Journal::isToldAlready(const std::string& source, const std::string& record) const {

@@ -1,4 +1,4 @@
-/// The service's journal: one line per file, one journal file a day.
+/// The journal: one line per file, one journal file a day.
 ///
 /// A line holds, separated by tabs: local time in ISO form, seconds since the epoch, source,
 /// result, status, number of cards in the source, size of the result in bytes. Names are printable:
@@ -16,7 +16,7 @@
 class Journal {
 public:
     /// Opens the journal of a directory: repairs a last line torn by a crash and remembers the last
-    /// whole one. Call it under the service's lock.
+    /// whole one. Call it under a lock on the directory.
     ///
     /// @throw ZarnSysEx, std::exception  when the journal cannot be read or mended
     explicit Journal(const std::string& directory);
@@ -24,7 +24,7 @@ public:
     /// Appends a line, safe on disk at the end, unless the last line of an earlier run tells of the
     /// same file already: that run ended between this line and moving the file away.
     ///
-    /// @throw ZarnSysEx, std::exception  when the line cannot be written; a torn one is mended then
+    /// @throw std::runtime_error  when the line cannot be written; a torn one is mended at the next
     void add(const std::string& source, const Outcome& outcome);
 
     /// Whether the last line of an earlier run tells of this name. Such a file comes first: a line
@@ -32,6 +32,7 @@ public:
     bool isLast(const std::string& source) const;
 
 private:
+    void append(const std::string& record);
     bool isToldAlready(const std::string& source, const std::string& record) const;
     void openFor(const std::string& fileName);
 

@@ -5,7 +5,6 @@
 #include <unistd.h>
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/Utils.h>
-#include <zarnsys/util/ZarnSysEx.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -169,17 +168,15 @@ bool Service::handle(const Input& input) {
 
 bool Service::tell(const Input& input, const Outcome& outcome) {
     if (!journal_) return true;
-    std::string problem;
     try {
         journal_->add(input.name, outcome);
-    } catch (ZarnSysEx& error) {
-        problem = error.what();
     } catch (const std::exception& error) {
-        problem = error.what();
+        if (!journalFails_) reporter_.error(error.what());
+        journalFails_ = true;
+        return false;
     }
-    if (!problem.empty() && !journalFails_) reporter_.error("the journal: " + problem);
-    journalFails_ = !problem.empty();
-    return problem.empty();
+    journalFails_ = false;
+    return true;
 }
 
 /// Moves a source to where it belongs, or notes that it must be tried again.

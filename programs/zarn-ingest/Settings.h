@@ -24,6 +24,7 @@ struct Settings {
     bool resume = false;  ///< a result that is there already from the same text is one
     bool dryRun = false;
     std::optional<Telescope> moon;  ///< for which the moon's values are added
+    std::string journalDir;         ///< where each file is told of; empty: nowhere
 
     // How the run behaves.
     bool quiet = false;
@@ -38,7 +39,6 @@ struct Settings {
     std::string properties;      ///< file that these come from; empty: none
     std::string doneDir;         ///< of sources converted; empty: they stay
     std::string failedDir;       ///< of sources not converted; empty: they stay
-    std::string journalDir;      ///< empty: no journal
     unsigned pollInterval = 10;  ///< [s], 1 at least
     unsigned settleTime = 5;     ///< how long a file stays unchanged before it is taken [s]
     unsigned leastFree = 100;    ///< room in the output directory, below which work waits [MiB]

@@ -47,12 +47,8 @@ int work(const Settings& settings, const StopSignals& signals) {
         log = std::make_unique<RollingLog>(settings);
         reporter.useLog();
     }
-    bool whole = true;
-    if (isService(settings)) {
-        whole = Service(settings, signals, reporter).run();
-    } else {
-        Batch(settings, signals, reporter).run();
-    }
+    const bool whole = isService(settings) ? Service(settings, signals, reporter).run()
+                                           : Batch(settings, signals, reporter).run();
     reporter.summary(settings.dryRun ? "would be converted" : "converted", signals.received());
     if (settings.watch) return EXIT_SUCCESS;
     if (signals.received() != 0) return EXIT_SIGNAL + signals.received();
