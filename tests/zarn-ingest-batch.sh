@@ -96,4 +96,66 @@ testJournal() {
     check "whole lines" [ -z "$(journalFields full 3- | grep -vE '(converted|failed)	[0-9]+	[0-9]+$')" ]
 }
 
+# messages FILE...: what runs said of files, in one order.
+messages() { grep -h ':.*:' "$@" | grep -vE ' (converted|of [0-9]+ files)' | sort; }
+
+# All shards together do what one run does, whichever comes first.
+testShards() {
+    headers 20; cp "$samples/broken.hdr" "$samples/slit-spectrograph.hdr" in; mkdir more
+    header more/3.hdr; header more/new.hdr; header more/new.txt
+    printf '%s\n' more/new.txt in/gone.hdr more/new.hdr more/3.hdr >list
+    run 1 -o single 'in/*.hdr' -l list
+    says '22 converted (1 with warnings), 4 failed'
+    cp err.txt err1.txt
+    local shard statuses=
+    for shard in 5 1 3 2 4; do
+        "$program" -j "journal$shard" -o out -s "$shard/5" 'in/*.hdr' -l list 2>err.txt
+        statuses+=$?
+        cp err.txt "err.$shard"
+        check "count of $shard" grep -qE "shard $shard/5: [56] of 26 files" err.txt
+    done
+    check "results" diff -r single out
+    check "messages" diff <(messages err1.txt) <(messages err.?)
+    check "the second of two" grep -qF 'more/3.hdr: would give the same result 3.fits as in/3.hdr' err.1
+    check "the second of two" grep -qF 'more/new.hdr: would give the same result new.fits as more/new.txt' err.5
+    check "statuses" [ "$statuses" = 11001 ]
+    check "sum" [ "$(($(sed -n 's/.*: \([0-9]*\) converted.*/\1/p' err.? | paste -sd+)))" = 22 ]
+    check "journals" [ "$(cut -f 3 journal?/*.journal | sort)" = "$(sort list <(ls in/*.hdr))" ]
+    check "the order" [ "$(journalFields journal2 3 | head -n 2)" = "$(ls in/*.hdr | sed -n '2p;7p')" ]
+}
+
+testShardNames() {
+    local value
+    run 2 -s ' 1/8' x; says 'option --shard: " 1/8" is not I/N'
+    run 2 -s '1/8 ' x; says 'option --shard: "1/8 " is not I/N'
+    run 2 -s -1/8 x
+    for value in '' 0/8 9/8 8 /8 8/ 1/0 1/100001 +1/8 1/8/8 1/8x 0x1/8 1.0/8 a/b \
+        18446744073709551617/8 1/4294967297; do
+        run 2 "--shard=$value" x; says "option --shard: \"$value\" is not I/N, I from 1 to N"
+        printf '[ingest]\nlist = list\nshard = %s\n' "$value" >p.ini
+        run 2 -p p.ini; says "p.ini: [ingest] shard = "; says ': must be I/N, I from 1 to N'
+    done
+    headers 4; ls in/*.hdr >list
+    printf '[ingest]\nlist = list\nshard = 2/3\noutput-dir = out\n' >p.ini
+    run 0 -p p.ini; says 'shard 2/3: 1 of 4 files'; only 2.fits
+    run 0 -p p.ini -s 1/3; says '2 converted'; only 1.fits 2.fits 4.fits
+    run 0 -n -s 100000/100000 'in/*'; says '0 would be converted'
+    run 0 -n -s 1/1 'in/*'; says '4 would be converted'
+    printf '[ingest]\npattern = in/*\n[service]\ndone = d\nfailed = f\n' >p.ini
+    run 2 -p p.ini -s 1/2; says '--shard needs files that are named'
+    run 2 -p p.ini -s 1/2 -w; says '--shard needs files that are named'
+    run 0 -p p.ini -n -s 2/2; says '2 would be converted'
+}
+
+# What the other shards convert is protected; what cannot be seen is no success in any of them.
+testShardsTogether() {
+    header y.hdr; header y.fits; header z; cp y.fits before
+    run 1 -q -f -s 1/2 -o . y.hdr y.fits; says 'would replace a source of this run'
+    check "the source was touched" cmp -s y.fits before
+    run 1 -n -s 2/3 -l list z; says 'list: the list cannot be read'
+    run 1 -n -s 2/3 'no*' z; says 'no*: no such file'
+    run 1 -n -s 3/3 --stdin < <(printf 'a\0b\n'); says 'is --null missing?'
+    check "a dry run" [ ! -s out.txt ]
+}
+
 runTests

@@ -5,9 +5,7 @@
 #include <exception>
 #include <iostream>
 #include <string>
-#include <vector>
 
-#include "Inputs.h"
 #include "OutputDirectory.h"
 #include "Printable.h"
 
@@ -46,13 +44,32 @@ Batch::Batch(const Settings& settings, const StopSignals& signals, Reporter& rep
 
 bool Batch::run() {
     const std::vector<Input> inputs = collectInputs(withPattern(settings_), signals_);
-    converter_->beginBatch(inputs, settings_.lists);
-    reporter_.begin(inputs.size());
-    for (const Input& input : inputs) {
-        if (signals_.received() != 0) break;
-        if (!tell(input, converter_->convert(input))) return false;
+    begin(inputs);
+    for (std::size_t i = 0; i < inputs.size() && signals_.received() == 0; ++i) {
+        const Input& input = inputs[i];
+        if (!isOurs(input, i)) {
+            converter_->leave(input);
+        } else if (!tell(input, converter_->convert(input))) {
+            return false;
+        }
     }
     return true;
+}
+
+/// Whether an input belongs to the shard. What stands for no file belongs to each one: where a list
+/// or a directory cannot be seen, all shards but one would otherwise be empty, and call it success.
+bool Batch::isOurs(const Input& input, std::size_t position) const {
+    return !input.problem.empty() || settings_.shard.holds(position);
+}
+
+void Batch::begin(const std::vector<Input>& inputs) {
+    std::size_t ours = 0;
+    for (std::size_t i = 0; i < inputs.size(); ++i) ours += isOurs(inputs[i], i) ? 1 : 0;
+    if (settings_.shard.isPart())
+        reporter_.info("shard " + shardText(settings_.shard) + ": " + std::to_string(ours) +
+                       " of " + std::to_string(inputs.size()) + " files");
+    converter_->beginBatch(inputs, settings_.lists);
+    reporter_.begin(ours);
 }
 
 void Batch::openJournal() {

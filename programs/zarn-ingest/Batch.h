@@ -2,9 +2,12 @@
 #ifndef ZARN_INGEST_BATCH_H
 #define ZARN_INGEST_BATCH_H
 
+#include <cstddef>
 #include <memory>
+#include <vector>
 
 #include "Converter.h"
+#include "Inputs.h"
 #include "Journal.h"
 #include "Moving.h"
 #include "Reporter.h"
@@ -18,14 +21,16 @@ public:
     /// @throw std::exception  with the reason when the batch could not work in them
     Batch(const Settings& settings, const StopSignals& signals, Reporter& reporter);
 
-    /// Converts the files, or says in a dry run what would be done, until all are done or a signal
-    /// comes.
+    /// Converts the files of the shard, or says in a dry run what would be done, until all are done
+    /// or a signal comes.
     ///
     /// @return  false when it had to end early since the journal could not be written
     bool run();
 
 private:
     void openJournal();
+    bool isOurs(const Input& input, std::size_t position) const;
+    void begin(const std::vector<Input>& inputs);
     bool tell(const Input& input, const Outcome& outcome);
 
     const Settings& settings_;

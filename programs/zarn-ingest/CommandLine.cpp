@@ -28,6 +28,8 @@ const std::vector<OptionRow> OPTIONS = {
     {"quiet", 'q', "", "Report errors only, without warnings and summary", ""},
     {"resume", 'r', "", "Count results that are there already from the same text as converted", ""},
     {"retry-failed", NONE, "", "Put the files that failed back to where new ones arrive", ""},
+    {"shard", 's', "I/N", "Convert the I-th of N shares of the files, I from 1 to N; see below",
+     ""},
     {"stdin", NONE, "", "Convert the files named on standard input", ""},
     {"verbose", 'v', "", "Report each file, and the library's own log lines below ERROR", ""},
     {"version", 'V', "", "Show the versions of the program and its libraries", ""},
@@ -77,6 +79,11 @@ that a header has already is kept.
 holds the same cards already counts as converted, and each result is safe on
 disk before the next file. The service always works so.
 
+--shard 3/8 converts the third of every eight files. The other shares are other
+runs', which name the same files in the same order: each run sees all names, so
+that two files with one result are noticed as in a single run, and no result
+replaces a source.
+
 --journal adds a line per file to DIR/zarn-ingest-DATE.journal: local time,
 seconds since the epoch, source, result, converted or failed, number of cards in
 the source, size of the result in bytes; separated by tabs. One run at a time
@@ -90,11 +97,13 @@ file in hand was finished (the same one again ends the program at once). With
 --watch these signals are the ordinary end, with status 0.
 )";
 
-Telescope telescopeOption(const std::string& name) {
+/// What an option's value means.
+template <typename Read>
+auto meaning(const std::string& option, const std::string& value, Read read) {
     try {
-        return telescopeOf(name);
+        return read(value);
     } catch (const std::invalid_argument& error) {
-        throw UsageError(std::string("option --moon: ") + error.what());
+        throw UsageError("option --" + option + ": " + error.what());
     }
 }
 
@@ -111,6 +120,8 @@ void checkTogether(const Settings& settings) {
         throw UsageError("--watch takes its files from the pattern of a properties file alone");
     if (settings.watch && (settings.doneDir.empty() || settings.failedDir.empty()))
         throw UsageError("--watch needs the properties done and failed: where sources go");
+    if (settings.shard.isPart() && service)
+        throw UsageError("--shard needs files that are named, by arguments, --list or --stdin");
     if (settings.retryFailed && (!service || settings.failedDir.empty()))
         throw UsageError("--retry-failed needs the properties pattern and failed");
 }
@@ -134,7 +145,8 @@ void CommandLine::applyOptions(Settings& settings) const {
     if (given("list")) settings.lists = values("list");
     if (given("output-dir")) settings.outputDir = nameOption("output-dir");
     if (given("journal")) settings.journalDir = nameOption("journal");
-    if (given("moon")) settings.moon = telescopeOption(value("moon"));
+    if (given("moon")) settings.moon = meaning("moon", value("moon"), telescopeOf);
+    if (given("shard")) settings.shard = meaning("shard", value("shard"), shardOf);
     for (const auto& [name, flag] : FLAGS) {
         if (given(name)) settings.*flag = true;
     }

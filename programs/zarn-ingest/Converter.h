@@ -54,6 +54,10 @@ public:
     /// Converts one input, or in a dry run says so, and reports how it went.
     Outcome convert(const Input& input);
 
+    /// Notes that another run converts this input of the batch: its result is not to be given to a
+    /// later one.
+    void leave(const Input& input);
+
 private:
     using FileId = std::pair<dev_t, ino_t>;
 

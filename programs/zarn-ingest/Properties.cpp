@@ -28,6 +28,7 @@ using Texts = std::vector<std::string> Settings::*;
 using Number = unsigned Settings::*;
 using Flag = bool Settings::*;
 using Site = std::optional<Telescope> Settings::*;
+using Share = Shard Settings::*;
 
 const std::string INGEST = "ingest";
 const std::string SERVICE = "service";
@@ -37,7 +38,7 @@ const std::string LOG = "log";
 const struct Property {
     const std::string& section;
     const char* key;
-    std::variant<Text, Texts, Number, Flag, Site> member;
+    std::variant<Text, Texts, Number, Flag, Site, Share> member;
     unsigned least;
 } PROPERTIES[] = {
     {INGEST, "pattern", &Settings::pattern, 0},
@@ -45,6 +46,7 @@ const struct Property {
     {INGEST, "list", &Settings::lists, 0},
     {INGEST, "stdin", &Settings::standardInput, 0},
     {INGEST, "null", &Settings::nulSeparated, 0},
+    {INGEST, "shard", &Settings::shard, 0},
     {INGEST, "force", &Settings::overwrite, 0},
     {INGEST, "checksum", &Settings::checksum, 0},
     {INGEST, "moon", &Settings::moon, 0},
@@ -188,6 +190,15 @@ public:
             settings_.*member = telescopeOf(name);
         } catch (const std::invalid_argument&) {
             failValue(fileName_, property_, "one of " + telescopeNames());
+        }
+    }
+    void operator()(Share member) {
+        std::string text;
+        properties_.get(property_.section, property_.key, text);
+        try {
+            settings_.*member = shardOf(text);
+        } catch (const std::invalid_argument&) {
+            failValue(fileName_, property_, SHARD_FORM);
         }
     }
 

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "Shard.h"
+
 /// Everything that options and properties set. A member holds its default until then.
 struct Settings {
     // Which files.
@@ -15,6 +17,7 @@ struct Settings {
     std::vector<std::string> lists;      ///< files that hold names
     bool standardInput = false;          ///< names from there, too
     bool nulSeparated = false;           ///< names in lists end in NUL, instead of one a line
+    Shard shard;                         ///< of all these, what this run converts
     std::string pattern;                 ///< where new files arrive; empty: nowhere
 
     // What becomes of them.
