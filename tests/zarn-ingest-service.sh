@@ -133,7 +133,7 @@ testRecovery() {
     printf 'torn' >>journal/*.journal
     mv done/b.hdr in/b.hdr
     sed -i '/b.hdr/d' journal/*.journal                  # killed between result and journal
-    mkdir fits/.zarn-ingest-AAAAAA
+    mkdir "fits/.zarn-ingest-$(uname -n)-AAAAAA"
     arrive a0.hdr
     run 0 -v -p p.ini
     check "c comes first" grep -q 'in/c.hdr: gave' <(grep -m 1 ': gave' err.txt)

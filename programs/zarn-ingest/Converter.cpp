@@ -140,9 +140,7 @@ Outcome Converter::convert(const Input& input) {
     return outcome;
 }
 
-void Converter::leave(const Input& input) {
-    claims_.emplace(resultName(input.name), &input.name);
-}
+void Converter::leave(const Input& input) { claims_.emplace(resultName(input.name), &input.name); }
 
 void Converter::convertOrThrow(const Input& input, Outcome& outcome) {
     if (!input.problem.empty()) throw IngestError(input.problem);

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/utsname.h>
 #include <unistd.h>
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/ZarnSysEx.h>
@@ -10,6 +11,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <system_error>
 
@@ -17,8 +19,8 @@
 
 namespace {
 
-const char WORK_PREFIX[] = ".zarn-ingest-";
-const char WORK_RANDOM[] = "XXXXXX";  // filled in by the system
+const char WORK_PREFIX[] = ".zarn-ingest-";  // the host's name and a dash follow
+const char WORK_RANDOM[] = "XXXXXX";         // filled in by the system
 
 // Characters to which CFITSIO gives no meaning in the directory part of a name.
 const char PLAIN_CHARACTERS[] =
@@ -43,6 +45,22 @@ bool isRemoved(const Descriptor& directory) {
     return ::fstat(directory.get(), &status) != 0 || status.st_nlink == 0;
 }
 
+/// How the working directories of this host's runs begin. On file systems of a network, locks on
+/// directories hold on one host alone: no host may judge whether the runs of another still live.
+std::string workPrefix() {
+    struct utsname system = {};
+    ::uname(&system);
+    std::string host = system.nodename;
+    for (char& c : host) {
+        if (std::strchr(PLAIN_CHARACTERS, c) == nullptr || c == '/') c = '_';
+    }
+    return WORK_PREFIX + host + "-";
+}
+
+bool isOfThisHost(const std::string& name, const std::string& prefix) {
+    return name.size() == prefix.size() + std::strlen(WORK_RANDOM) && name.rfind(prefix, 0) == 0;
+}
+
 /// Creates one level of a directory, or finds that someone else was faster.
 void create(const std::string& name) {
     try {
@@ -52,11 +70,12 @@ void create(const std::string& name) {
     }
 }
 
-/// Removes the working directories of runs that were killed.
+/// Removes the working directories of this host's runs that were killed.
 void removeAbandoned(const std::string& output) {
     std::error_code ignored;  // what cannot be listed or removed does no harm
+    const std::string prefix = workPrefix();
     for (const auto& entry : std::filesystem::directory_iterator(output, ignored)) {
-        if (entry.path().filename().string().rfind(WORK_PREFIX, 0) != 0) continue;
+        if (!isOfThisHost(entry.path().filename(), prefix)) continue;
         const Descriptor directory(openDirectory(entry.path()));
         if (lock(directory)) std::filesystem::remove_all(entry.path(), ignored);
     }
@@ -69,7 +88,7 @@ std::string parentOf(std::string name) {
 }
 
 std::string makeDirectory(const std::string& output) {
-    std::string name = output + "/" + WORK_PREFIX + WORK_RANDOM;
+    std::string name = output + "/" + workPrefix() + WORK_RANDOM;
     if (::mkdtemp(name.data()) == nullptr) fail("output directory " + output);
     return name;
 }

@@ -26,7 +26,8 @@ private:
 };
 
 /// A directory of this run's own inside the output directory, for files not yet complete. It is
-/// removed at the end, or by the next run when this one is killed: a lock tells whose run lives.
+/// removed at the end, or by this host's next run when this one is killed: a lock tells whose run
+/// lives.
 class WorkDirectory {
 public:
     /// @throw std::system_error  when it cannot be made
