@@ -158,4 +158,68 @@ testShardsTogether() {
     check "a dry run" [ ! -s out.txt ]
 }
 
+# A task of the job array, as the batch system starts it: "${task[@]}" after setTask NUMBER ATTEMPT.
+setTask() {
+    task=(env SLURM_ARRAY_JOB_ID=7 SLURM_ARRAY_TASK_ID="$1" SLURM_RESTART_COUNT="$2"
+        ZARN_INGEST="$program" bash "$examples/slurm/array.sbatch" 3 list out journals -q)
+}
+# collected STATUS ARGUMENT...: the collecting step, its output in out.txt.
+collected() {
+    local expected=$1 status
+    shift
+    "$examples/slurm/collect" "$@" >out.txt 2>err.txt
+    status=$?
+    check "exit status $status instead of $expected of: collect $*" [ "$status" = "$expected" ]
+}
+
+testArray() {
+    headers 90; cp "$samples/broken.hdr" in; mkdir more; cp in/2.hdr more
+    ls in/*.hdr more/*.hdr >list
+    # The task to be killed gets long headers, and time.
+    sed -n '2~3p' list | while read -r name; do
+        sed -i /^END/d "$name"
+        seq -f 'HISTORY step %.0f of the reduction' 5000 >>"$name"
+    done
+    setTask 2 0
+    "${task[@]}" &
+    until [ "$(cat journals/7_2.0/*.journal 2>/dev/null | wc -l)" -ge 5 ]; do :; done
+    kill -KILL $!
+    wait $! 2>/dev/null
+    check "killed" [ $? = 137 ]
+    setTask 1 0; "${task[@]}" 2>err.txt
+    setTask 3 0; "${task[@]}" 2>>err.txt
+    collected 1 list journals
+    check "what the killed task left" [ "$(grep -c '^missing: in/' out.txt)" -gt 10 ]
+    setTask 2 1; "${task[@]}" 2>>err.txt
+    collected 1 list journals
+    check "failures" [ "$(head -n -1 out.txt)" = $'failed: in/broken.hdr\nfailed: more/2.hdr' ]
+    check "sum" grep -q '^92 files: 90 converted, 2 failed, 0 missing; [0-9]* cards' out.txt
+    mv out.txt array.txt
+    run 1 -q -j journal -o single -l list
+    check "results" diff -r out single
+    collected 1 list journal
+    check "one run says the same" cmp array.txt out.txt
+    grep -v -e broken -e more list >good; collected 0 good journals
+}
+
+# The latest line counts, whichever journal holds it; torn lines and other files do not.
+testCollect() {
+    local line='2026-11-25T00:00:00.000000\t1795575875.%s\t%s\tout/x.fits\t%s\t%s\t2880'
+    mkdir -p j/1_1.0 j/1_1.1 'j/1_2.0 odd'
+    printf "$line\n" 000002 a converted 3 000003 b failed 0 >j/1_1.0/zarn-ingest-2026-11-24.journal
+    printf "$line\n" 000001 a failed 0 000004 b converted 4 >j/1_1.1/zarn-ingest-2026-11-24.journal
+    printf "$line\n" 000005 'c\x09\x5Cd' converted 5 000006 twice converted 6 000007 twice failed 0 \
+        000008 else failed 0 >'j/1_2.0 odd/zarn-ingest-2026-11-25.journal'
+    printf "$line" 000009 a failed 0 >>'j/1_2.0 odd/zarn-ingest-2026-11-25.journal'
+    printf '%s\n' a '' b $'c\t\\d' twice twice never >list
+    collected 1 list j
+    check "output" [ "$(cat out.txt)" = "$(printf '%s\n' 'failed: twice' 'missing: never' \
+        '6 files: 4 converted, 1 failed, 1 missing; 18 cards, 11520 bytes')" ]
+    : >list; collected 0 list j
+    check "an empty list" [ "$(cat out.txt)" = '0 files: 0 converted, 0 failed, 0 missing; 0 cards, 0 bytes' ]
+    collected 2 list; says 'usage: collect LIST JOURNALS'
+    collected 2 gone j; says 'gone: no list that can be read'
+    collected 2 list gone; says 'gone: no such directory'
+}
+
 runTests

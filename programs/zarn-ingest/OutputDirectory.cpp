@@ -46,7 +46,7 @@ bool isRemoved(const Descriptor& directory) {
 }
 
 /// How the working directories of this host's runs begin. On file systems of a network, locks on
-/// directories hold on one host alone: no host may judge whether the runs of another still live.
+/// directories may hold on one host alone: none can judge whether the runs of another still live.
 std::string workPrefix() {
     struct utsname system = {};
     ::uname(&system);
