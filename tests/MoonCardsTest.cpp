@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <regex>
 #include <utility>
 
 #include "MoonCards.h"
+#include "tests/support/Matches.h"
 
 namespace {
 
@@ -55,15 +55,15 @@ TEST(MoonCardsTest, PositionAndTimeDecideTheState) {
 
 TEST(MoonCardsTest, CardsHaveTheFixedFormat) {
     const Lines forms = {
-        R"(MOONALT = {14,16}-?\d{1,2}\.\d\d / \[deg\] moon altitude, no refraction \(VEK3\))",
-        R"(MOONAZ  = {14,17}\d{1,3}\.\d\d / \[deg\] moon azimuth, N through E \(VEK3\))",
-        R"(MOONDIST= {14,17}\d{1,3}\.\d\d / \[deg\] angle between moon and RA, DEC \(VEK3\))",
-        R"(MOONFLI = {16}[01]\.\d{3} / illuminated fraction of the moon, 0 to 1 \(VEK3\))",
-        R"(MOONPHAS= {16}[01]\.\d{3} / age of the moon over mean synodic month)"};
+        R"(MOONALT = {14,16}-?[0-9]{1,2}\.[0-9][0-9] / \[deg\] moon altitude, no refraction \(VEK3\))",
+        R"(MOONAZ  = {14,17}[0-9]{1,3}\.[0-9][0-9] / \[deg\] moon azimuth, N through E \(VEK3\))",
+        R"(MOONDIST= {14,17}[0-9]{1,3}\.[0-9][0-9] / \[deg\] angle between moon and RA, DEC \(VEK3\))",
+        R"(MOONFLI = {16}[01]\.[0-9]{3} / illuminated fraction of the moon, 0 to 1 \(VEK3\))",
+        R"(MOONPHAS= {16}[01]\.[0-9]{3} / age of the moon over mean synodic month)"};
     const Lines lines = cardsOf(MJD + RA + DEC, VEK3).lines;
     ASSERT_EQ(lines.size(), forms.size());
     for (std::size_t i = 0; i < forms.size(); ++i) {
-        EXPECT_TRUE(std::regex_match(lines[i], std::regex(forms[i]))) << lines[i];
+        EXPECT_FALSE(matched(lines[i], forms[i]).empty()) << lines[i];
         EXPECT_EQ(lines[i].find(" / "), 30U) << lines[i];
         EXPECT_LE(lines[i].size(), 80U) << lines[i];
     }
