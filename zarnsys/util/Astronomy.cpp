@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <limits>
 
 #include "zarnsys/util/Formulas.h"
@@ -186,7 +185,7 @@ Lunation findLunation(double jd) {
 
 bool holds(const Lunation& lunation, double jd) {
     constexpr int REGULAR = 600000;  // so far from 1900, new moons still come in their order
-    return std::abs(lunation.number) < REGULAR && lunation.newMoon < jd &&
+    return lunation.number > -REGULAR && lunation.number < REGULAR && lunation.newMoon < jd &&
            jd <= lunation.nextNewMoon && firstGuess(jd) <= lunation.number;
 }
 
