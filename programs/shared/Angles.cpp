@@ -13,7 +13,6 @@
 
 namespace {
 
-constexpr double DEG_PER_HOUR = 15.0;
 constexpr double PARTS = 60.0;  // minutes to the first unit, seconds to the minute
 
 [[noreturn]] void fail(const std::string& text, const std::string& problem) {

@@ -7,6 +7,9 @@
 
 #include <string>
 
+constexpr double DEG_PER_HOUR = 15.0;
+constexpr double DEG_PER_RAD = 57.29577951308238;
+
 /// A direction in the sky [deg].
 struct Position {
     double ra;   ///< 0 <= ra < 360

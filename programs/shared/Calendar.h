@@ -8,7 +8,8 @@
 
 constexpr double MINUTES_PER_DAY = 1440.0;
 constexpr double SECONDS_PER_DAY = 86400.0;
-constexpr double MJD_OF_EPOCH = 40587.0;  ///< of 1970-01-01 [d]
+constexpr double JD_OF_MJD_0 = 2400000.5;  ///< [d]
+constexpr double MJD_OF_EPOCH = 40587.0;   ///< of 1970-01-01 [d]
 
 /// The Modified Julian Date of 0 h on a date YYYY-MM-DD.
 double mjdOfDate(const std::string& text);

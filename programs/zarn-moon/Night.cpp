@@ -5,15 +5,13 @@
 #include <cmath>
 #include <iterator>
 
+#include "Angles.h"
 #include "Calendar.h"
 
 namespace {
 
 constexpr double MINUTES_PER_HOUR = 60.0;
-constexpr double DEG_PER_HOUR = 15.0;
 constexpr double CIRCLE = 360.0;  // [deg]
-constexpr double JD_OF_MJD_0 = 2400000.5;
-constexpr double DEG_PER_RAD = 57.29577951308238;
 
 /// Local mean noon of a day [MJD].
 double noonOf(const Site& site, double date) { return date + 0.5 + site.longitude / CIRCLE; }

@@ -5,14 +5,12 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Angles.h"
 #include "Calendar.h"
 #include "Precession.h"
 
 namespace {
 
-constexpr double DEG_PER_RAD = 57.29577951308238;
-constexpr double DEG_PER_HOUR = 15.0;
-constexpr double JD_OF_MJD_0 = 2400000.5;
 constexpr double NEGLIGIBLE = 99.0;  // of lunskybright
 
 /// Airmass by Pickering 2002, DIO 12, 3: good down to the horizon, which the secant is not.
