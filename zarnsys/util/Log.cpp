@@ -3,9 +3,15 @@
 #include <ace/Log_Msg.h>
 
 #include <cstdarg>
+#include <cstddef>
+#include <cstdio>
 #include <string>
 
 namespace {
+
+// Of the characters that ACE gives a line, what the longest date, level and thread, and the newline
+// leave. ACE itself would cut the newline off, and the next line would be glued to this one.
+constexpr std::size_t LONGEST_MESSAGE = ACE_MAXLOGMSGLEN - 64;
 
 /// The level word of a priority, five characters wide so that messages stand in one column.
 const char* levelWord(ACE_Log_Priority priority) {
@@ -19,18 +25,38 @@ const char* levelWord(ACE_Log_Priority priority) {
     }
 }
 
+/// `message` up to a length, and never up to the middle of a UTF-8 sequence.
+void shorten(std::string& message, std::size_t length) {
+    const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; };
+    while (length > 0 && continues(message[length])) --length;
+    message.resize(length);
+}
+
+/// A message as `printf` would write it, short enough for one line.
+std::string formatted(const char* format, va_list arguments) {
+    va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, again);
+    va_end(again);
+    std::string message(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    std::vsnprintf(message.data(), message.size() + 1, format, arguments);
+    if (message.size() > LONGEST_MESSAGE) shorten(message, LONGEST_MESSAGE);
+    return message;
+}
+
 }  // namespace
 
 LogLine::LogLine(ACE_Log_Priority priority, const char* file, int line)
     : priority_(priority), file_(file), line_(line), error_(ACE_Log_Msg::last_error_adapter()) {}
 
 void LogLine::operator()(const char* format, ...) const {
-    const std::string lineFormat =
-        std::string("%D ") + levelWord(priority_) + " [ %t ] " + format + "\n";
-    ACE_Log_Msg* log = ACE_Log_Msg::instance();
-    log->conditional_set(file_, line_, 0, error_);
     va_list arguments;
     va_start(arguments, format);
-    log->log(lineFormat.c_str(), priority_, arguments);
+    const std::string message = formatted(format, arguments);
     va_end(arguments);
+    const std::string lineFormat =
+        std::string("%D ") + levelWord(priority_) + " [ %t ] %s\n";
+    ACE_Log_Msg* log = ACE_Log_Msg::instance();
+    log->conditional_set(file_, line_, 0, error_);
+    log->log(priority_, lineFormat.c_str(), message.c_str());
 }

@@ -16,8 +16,9 @@ public:
 
     /// Writes the line through ACE; `errno` is afterwards what it was.
     ///
-    /// @param format  message without date, level, thread and newline. Only %s, %d and %%: ACE has
-    ///                rules of its own, by which %l, for one, is the source line.
+    /// A message too long for ACE's line is cut, so that the line still ends.
+    ///
+    /// @param format  as `printf` takes it: message without date, level, thread and newline
     void operator()(const char* format, ...) const __attribute__((format(printf, 2, 3)));
 
 private:
