@@ -32,6 +32,8 @@ Descriptor::~Descriptor() {
     if (fd_ != -1) ::close(fd_);
 }
 
+std::string descriptorPath(int fd) { return "/proc/self/fd/" + std::to_string(fd); }
+
 int openForReading(const std::string& fileName) {
     return openOrFail(fileName, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
 }

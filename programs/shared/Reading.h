@@ -7,13 +7,17 @@
 #define ZARN_PROGRAMS_READING_H
 
 #include <string>
+#include <utility>
 
-/// Owns a descriptor.
+/// Owns a descriptor, which it closes at its end; -1 stands for none.
 class Descriptor {
 public:
     explicit Descriptor(int fd) : fd_(fd) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
+    Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(fd_, other.fd_);
+        return *this;
+    }
     ~Descriptor();
 
     int get() const { return fd_; }
@@ -21,6 +25,10 @@ public:
 private:
     int fd_;
 };
+
+/// A path that leads to what a descriptor of this process is open for, whatever its name is by now.
+/// It holds no character to which CFITSIO or a shell gives a meaning.
+std::string descriptorPath(int fd);
 
 /// Opens a file for reading, a pipe without waiting for its writer.
 ///

@@ -1,7 +1,6 @@
 #include "Gnuplot.h"
 
 #include <spawn.h>
-#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -10,39 +9,10 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "MemoryFile.h"
 #include "Printable.h"
-#include "Reading.h"
 
 namespace {
-
-/// A file in memory: neither side waits for the other, and nothing is left on disk.
-class MemoryFile {
-public:
-    explicit MemoryFile(const std::string& content = "")
-        : file_(::memfd_create("gnuplot", MFD_CLOEXEC)) {
-        if (file_.get() == -1) fail();
-        writeAll(file_.get(), content);
-        rewind();
-    }
-
-    int fd() const { return file_.get(); }
-
-    std::string content() const {
-        rewind();
-        std::string bytes;
-        while (readChunk(file_.get(), bytes)) {
-        }
-        return bytes;
-    }
-
-private:
-    [[noreturn]] static void fail() {
-        throw std::system_error(errno, std::generic_category(), "memory for gnuplot");
-    }
-    void rewind() const { ::lseek(file_.get(), 0, SEEK_SET); }
-
-    Descriptor file_;
-};
 
 /// Where a process's standard streams lead.
 class Streams {
