@@ -1,10 +1,12 @@
 #include "Properties.h"
 
 #include <ace/Configuration_Import_Export.h>
+#include <sys/stat.h>
 #include <zarnsys/util/StringUtils.h>
 #include <zarnsys/util/WexoProperties.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <iostream>
 #include <iterator>
 #include <limits>
@@ -76,31 +78,66 @@ constexpr const char* PRIORITIES[] = {"SHUTDOWN", "TRACE",   "DEBUG",    "INFO",
                                       "CRITICAL", "ALERT",   "EMERGENCY"};
 constexpr const char* LOG_FLAGS[] = {"STDERR",  "LOGGER",       "OSTREAM",
                                      "VERBOSE", "VERBOSE_LITE", "SYSLOG"};
-constexpr std::size_t MAX_LINE = 4095;                      // what ACE reads at once [characters]
+constexpr std::size_t MAX_LINE = 4095;  // what ACE reads at once [characters]
+constexpr off_t MAX_BYTES = 65536;      // of a file: ACE's time grows with the square of its keys
 constexpr unsigned MOST = std::numeric_limits<int>::max();  // what the logging settings hold
 
 using Keys = std::set<std::pair<std::string, std::string>>;
 
-/// The first line that ACE's importer cannot take, and why; 0: there is none.
-std::pair<std::size_t, std::string> firstWrongLine(const std::string& text) {
+/// Why ACE's importer cannot take a line, whose first character that is not blank stands at
+/// `begin`; empty: it can.
+std::string problemOf(const std::string& line, std::size_t begin, bool inSection) {
+    if (line.find('\0') != std::string::npos)
+        return "a NUL byte, behind which nothing would be read";
+    if (line.size() > MAX_LINE) return "more than 4095 characters";
+    if (begin == std::string::npos || line[begin] == '#' || line[begin] == ';') return "";
+    const bool opens = line[begin] == '[';
+    if (opens && line.find(']') == std::string::npos) return "a bracket is not closed";
+    if (opens && line.compare(begin, 2, "[]") == 0) return "a section without name";
+    if (!opens && line.find('=') == std::string::npos) return "no '=' and no [section]";
+    if (!opens && !inSection) return "a key before the first [section]";
+    return "";
+}
+
+/// Makes sure that ACE's importer, which gives up without a word, takes every line.
+void checkLines(const std::string& fileName, const std::string& text) {
     std::istringstream lines(text);
     bool inSection = false;
     std::size_t number = 0;
     for (std::string line; std::getline(lines, line);) {
-        ++number;
         const std::size_t begin = line.find_first_not_of(" \t\r");
-        if (begin == std::string::npos || line[begin] == '#' || line[begin] == ';') continue;
-        const bool opens = line[begin] == '[';
-        if (line.size() > MAX_LINE) return {number, "more than 4095 characters"};
-        if (opens && line.find(']') == std::string::npos)
-            return {number, "a bracket is not closed"};
-        if (opens && line.compare(begin, 2, "[]") == 0) return {number, "a section without name"};
-        if (!opens && line.find('=') == std::string::npos)
-            return {number, "no '=' and no [section]"};
-        if (!opens && !inSection) return {number, "a key before the first [section]"};
-        inSection = true;
+        const std::string problem = problemOf(line, begin, inSection);
+        if (!problem.empty())
+            throw UsageError(printable(fileName) + ":" + std::to_string(++number) + ": " + problem);
+        ++number;
+        inSection = inSection || (begin != std::string::npos && line[begin] == '[');
     }
-    return {0, ""};
+}
+
+/// Makes sure of a file that can be read whole: no pipe, no device, nothing endless.
+void checkFile(const std::string& fileName) {
+    struct stat status = {};
+    const auto refuse = [&fileName](const std::string& problem) {
+        throw UsageError(printable(fileName) + ": " + problem);
+    };
+    if (::stat(fileName.c_str(), &status) != 0)
+        refuse("cannot be read: " + std::generic_category().message(errno));
+    if (!S_ISREG(status.st_mode)) refuse("is not a regular file");
+    if (status.st_size > MAX_BYTES) refuse("is larger than 64 KiB, no properties file");
+}
+
+/// Adds the keys of a section, and of those within it, under their names from the root.
+void addKeys(ACE_Configuration_Heap& heap, const ACE_Configuration_Section_Key& section,
+             const std::string& path, Keys& keys) {
+    ACE_TString name;
+    ACE_Configuration::VALUETYPE type = ACE_Configuration::STRING;
+    for (int i = 0; heap.enumerate_values(section, i, name, type) == 0; ++i)
+        keys.emplace(path, name.c_str());
+    for (int i = 0; heap.enumerate_sections(section, i, name) == 0; ++i) {
+        ACE_Configuration_Section_Key inner;
+        heap.open_section(section, name.c_str(), false, inner);
+        addKeys(heap, inner, path + (path.empty() ? "" : "/") + name.c_str(), keys);
+    }
 }
 
 /// Every key of the file, which `WexoProperties` cannot list: the file is read once more.
@@ -110,15 +147,7 @@ Keys keysOf(const std::string& fileName) {
     if (ACE_Ini_ImpExp(heap).import_config(fileName.c_str()) != 0)
         throw UsageError(printable(fileName) + ": is no properties file throughout");
     Keys keys;
-    ACE_TString section;
-    for (int i = 0; heap.enumerate_sections(heap.root_section(), i, section) == 0; ++i) {
-        ACE_Configuration_Section_Key opened;
-        heap.open_section(heap.root_section(), section.c_str(), false, opened);
-        ACE_TString key;
-        ACE_Configuration::VALUETYPE type = ACE_Configuration::STRING;
-        for (int j = 0; heap.enumerate_values(opened, j, key, type) == 0; ++j)
-            keys.emplace(section.c_str(), key.c_str());
-    }
+    addKeys(heap, heap.root_section(), "", keys);
     return keys;
 }
 
@@ -209,11 +238,10 @@ private:
     WexoProperties& properties_ = *WexoProperties::instance();
 };
 
-void checkLines(const std::string& fileName) {
+void check(const std::string& fileName) {
+    checkFile(fileName);
     try {
-        const auto [line, problem] = firstWrongLine(readFile(fileName));
-        if (line > 0)
-            throw UsageError(printable(fileName) + ":" + std::to_string(line) + ": " + problem);
+        checkLines(fileName, readFile(fileName));
     } catch (const std::system_error& error) {
         throw UsageError(printable(fileName) + ": cannot be read: " + error.code().message());
     }
@@ -222,7 +250,7 @@ void checkLines(const std::string& fileName) {
 }  // namespace
 
 Settings readProperties(const std::string& fileName) {
-    checkLines(fileName);
+    check(fileName);
     if (WexoProperties::instance()->load(fileName) != 0)
         throw UsageError(printable(fileName) + ": cannot be read");
     Settings settings;
