@@ -3,14 +3,14 @@
 #include <sys/stat.h>
 #include <zarnsys/util/FileIO.h>
 
-#include <algorithm>
 #include <utility>
 
+#include "IngestError.h"
+#include "Pattern.h"
 #include "UsageError.h"
 
 namespace {
 
-constexpr int NO_LIMIT = 0;  // of matches
 constexpr std::int64_t NANOSECONDS = 1000000000;
 
 }  // namespace
@@ -22,9 +22,9 @@ Arrivals::Arrivals(const std::string& pattern, std::chrono::seconds settle)
 }
 
 std::vector<std::string> Arrivals::settled() {
-    std::vector<std::string> names;
-    FileIO(pattern_, true, false).match(names, NO_LIMIT);
-    std::sort(names.begin(), names.end());
+    const auto [names, unlisted] = matchesOf(pattern_);
+    for (const auto& [directory, error] : unlisted)
+        throw WorkStops("the directory " + directory + " cannot be listed: " + error.message());
     const Clock::time_point now = Clock::now();
     std::map<std::string, Seen> seen;
     std::vector<std::string> settled;
@@ -47,6 +47,12 @@ bool Arrivals::isUnchanged(const std::string& name) const {
     Seen now = {};
     const auto before = seen_.find(name);
     return before != seen_.end() && look(name, now) && isSame(before->second, now);
+}
+
+std::vector<std::string> Arrivals::present() const {
+    std::vector<std::string> names;
+    for (const auto& [name, seen] : seen_) names.push_back(name);
+    return names;
 }
 
 /// Looks at a file, through a link unless that dangles; false for what is no file.

@@ -19,7 +19,12 @@ public:
     Arrivals(const std::string& pattern, std::chrono::seconds settle);
 
     /// The regular files and links there that have settled, in alphabetical order.
+    ///
+    /// @throw WorkStops  when the directory cannot be listed: it may be anything but empty
     std::vector<std::string> settled();
+
+    /// All that were there at the last look, in alphabetical order.
+    std::vector<std::string> present() const;
 
     /// Whether a file is still as it was at the last look.
     bool isUnchanged(const std::string& name) const;

@@ -29,6 +29,12 @@ Settings withPattern(Settings settings) {
     return settings;
 }
 
+std::vector<std::string> namesOf(const std::vector<Input>& inputs) {
+    std::vector<std::string> names;
+    for (const Input& input : inputs) names.push_back(input.name);
+    return names;
+}
+
 }  // namespace
 
 Batch::Batch(const Settings& settings, const StopSignals& signals, Reporter& reporter)
@@ -38,7 +44,7 @@ Batch::Batch(const Settings& settings, const StopSignals& signals, Reporter& rep
     if (settings.dryRun && !FileIO(settings.outputDir, true, false).exists())
         std::cout << "would create the directory " + printable(settings.outputDir) + "\n";
     const OutputDirectory output(settings.outputDir, missing);
-    converter_ = std::make_unique<Converter>(conversionOf(settings), output, reporter);
+    converter_ = std::make_unique<Converter>(conversionOf(settings), output);
     if (!settings.journalDir.empty() && !settings.dryRun) openJournal();
 }
 
@@ -49,8 +55,10 @@ bool Batch::run() {
         const Input& input = inputs[i];
         if (!isOurs(input, i)) {
             converter_->leave(input);
-        } else if (!tell(input, converter_->convert(input))) {
-            return false;
+        } else {
+            const Outcome outcome = converter_->convert(input);
+            if (!tell(input, outcome)) return false;
+            reporter_.done(input.name, outcome, settings_.checksum);
         }
     }
     return true;
@@ -69,6 +77,7 @@ void Batch::begin(const std::vector<Input>& inputs) {
         reporter_.info("shard " + shardText(settings_.shard) + ": " + std::to_string(ours) +
                        " of " + std::to_string(inputs.size()) + " files");
     converter_->beginBatch(inputs, settings_.lists);
+    if (journal_ && settings_.resume) journal_->recall(namesOf(inputs));
     reporter_.begin(ours);
 }
 
@@ -79,9 +88,10 @@ void Batch::openJournal() {
     journal_ = std::make_unique<Journal>(directory);
 }
 
-/// Tells of a file; false when the journal cannot be written: no file is to go untold.
+/// Tells of a file that is done with; false when the journal cannot be written: no file is to go
+/// untold.
 bool Batch::tell(const Input& input, const Outcome& outcome) {
-    if (!journal_) return true;
+    if (!journal_ || !outcome.isFinal()) return true;
     try {
         journal_->add(input.name, outcome);
     } catch (const std::exception& error) {

@@ -1,9 +1,10 @@
 #include "Converter.h"
 
+#include <ace/Log_Msg.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <zarnsys/util/FileIO.h>
-#include <zarnsys/util/Utils.h>
 #include <zarnsys/util/ZarnSysEx.h>
 
 #include <array>
@@ -14,33 +15,43 @@
 
 #include "Fits.h"
 #include "IngestError.h"
-#include "Moving.h"
+#include "MemoryFile.h"
 #include "Printable.h"
 #include "Reading.h"
 
 namespace {
 
-constexpr int VERIFIED = 1;  // CFITSIO's word for a checksum that fits
+constexpr std::size_t CARD_LENGTH = 80;   // [bytes]
+constexpr std::size_t FITS_BLOCK = 2880;  // the unit of a file's size [bytes]
+constexpr int VERIFIED = 1;               // CFITSIO's word for a checksum that fits
 const char NO_AXES[] = "NAXIS   =                    0 / # of axes in frame";
-constexpr float FULL_BELOW = 0.25F;  // a file system with less room counts as full [MiB]
 
 bool isAxis(const std::string& keyword) {
     return keyword == "NAXIS" || keyword == "NAXIS1" || keyword == "NAXIS2";
 }
 
-void check(int status, const std::string& action) {
-    if (status == 0) return;
-    std::array<char, FLEN_ERRMSG> detail = {};
-    fits_read_errmsg(detail.data());
-    const std::string reason = detail.front() == '\0' ? "" : std::string("; ") + detail.data();
-    throw IngestError(action + " (" + statusText(status) + reason + ")");
-}
+/// Keeps the library's own error lines back: they name files of this process alone, and each look
+/// of the service would bring them again.
+class QuietLibrary {
+public:
+    QuietLibrary() : mask_(log().priority_mask(ACE_Log_Msg::PROCESS)) {
+        log().priority_mask(mask_ & ~static_cast<u_long>(LM_ERROR), ACE_Log_Msg::PROCESS);
+    }
+    QuietLibrary(const QuietLibrary&) = delete;
+    QuietLibrary& operator=(const QuietLibrary&) = delete;
+    ~QuietLibrary() { log().priority_mask(mask_, ACE_Log_Msg::PROCESS); }
 
-/// Makes the FITS file of a text file.
-void makeFile(const WorkFile& text, const WorkFile& target, bool checksum) {
+private:
+    static ACE_Log_Msg& log() { return *ACE_Log_Msg::instance(); }
+
+    u_long mask_;
+};
+
+/// Makes the FITS file of a header text.
+void makeFile(const MemoryFile& text, const WorkFile& target, bool checksum) {
+    const QuietLibrary quiet;
     FitsHandle file;
-    check(ZarnSysFits::hdr2fits(file.receive(), text.path(), target.fitsPath()),
-          "cannot be converted");
+    check(ZarnSysFits::hdr2fits(file.receive(), text.path(), target.path()), "cannot be converted");
     int status = 0;
     if (checksum) check(fits_write_chksum(file.get(), &status), "no checksum can be written");
     check(file.close(), "the result cannot be completed");
@@ -100,6 +111,17 @@ void verifyFile(const std::string& fitsPath, const HeaderText& text, bool checks
     check(file.close(), "the result cannot be closed");
 }
 
+bool canRead(int fd) {
+    char byte = 0;
+    return ::pread(fd, &byte, sizeof byte, 0) != -1;
+}
+
+/// Gives up an input whose result is there and cannot be worked with, for the reason in `errno`.
+[[noreturn]] void failExisting(const std::string& result, const std::string& action) {
+    throw InputWaits("the result " + result + " cannot be " + action + ": " +
+                     std::generic_category().message(errno));
+}
+
 }  // namespace
 
 std::string resultName(const std::string& input) {
@@ -109,11 +131,9 @@ std::string resultName(const std::string& input) {
     return (hasStem ? baseName.substr(0, dot) : baseName) + ".fits";
 }
 
-Converter::Converter(const ConversionOptions& options, const OutputDirectory& output,
-                     Reporter& reporter)
+Converter::Converter(const ConversionOptions& options, const OutputDirectory& output)
     : options_(options),
       output_(output),
-      reporter_(reporter),
       work_(options.dryRun ? nullptr : std::make_unique<WorkDirectory>(output)) {}
 
 void Converter::beginBatch(const std::vector<Input>& inputs,
@@ -126,16 +146,24 @@ void Converter::beginBatch(const std::vector<Input>& inputs,
 }
 
 Outcome Converter::convert(const Input& input) {
+    using Status = Outcome::Status;
     Outcome outcome;
+    const auto fails = [&outcome](Status status, const std::string& problem) {
+        outcome.status = status;
+        outcome.problem = problem;
+    };
     try {
         convertOrThrow(input, outcome);
-        outcome.converted = true;
+        outcome.status = Status::CONVERTED;
     } catch (const IngestError& error) {
-        reporter_.failed(input.name, error);
+        fails(Status::FAILED, error.what());
+        outcome.line = error.line();
+    } catch (const InputWaits& error) {
+        fails(Status::WAITS, error.what());
     } catch (ZarnSysEx& error) {
-        reporter_.failed(input.name, IngestError(error.what()));
+        fails(Status::STOPPED, error.what());
     } catch (const std::exception& error) {
-        reporter_.failed(input.name, IngestError(error.what()));
+        fails(Status::STOPPED, error.what());
     }
     return outcome;
 }
@@ -149,22 +177,19 @@ void Converter::convertOrThrow(const Input& input, Outcome& outcome) {
     claim(input, name);
     HeaderText text = HeaderText::read(input.name);
     outcome.cards = text.cards().size();
-    const MoonCards moon = options_.moon ? moonCards(text, *options_.moon) : MoonCards();
-    text.append(moon.lines);
+    if (options_.moon) outcome.moon = moonCards(text, *options_.moon);
+    text.append(outcome.moon.lines);
+    outcome.losses = text.losses();
     const bool isThere = !isFree(outcome.result);
-    const bool isDone = isThere && options_.resume && isFrom(text, outcome.result);
+    const bool isDone = isThere && options_.resume && isKept(text, outcome.result);
     if (isThere && !isDone) checkReplaceable(outcome.result);
     if (options_.dryRun) {
         std::cout << (isDone ? "would keep what " : "would convert ") + printable(input.name) +
                          (isDone ? " gave: " : " to ") + printable(outcome.result) + "\n";
-    } else if (!isDone) {
-        writeOrExplain(text, outcome.result);
-    } else if (options_.durable) {
-        syncToDisk(outcome.result);  // the run that made it may have ended before
-        syncToDisk(output_.name());
+        return;
     }
-    if (!options_.dryRun) outcome.size = std::filesystem::file_size(outcome.result);
-    reporter_.converted(input.name, text.losses(), moon, options_.checksum, outcome.result);
+    if (!isDone) writeOrExplain(text, name);
+    outcome.size = std::filesystem::file_size(outcome.result);
 }
 
 void Converter::protect(const std::string& source) {
@@ -182,21 +207,29 @@ bool Converter::isFree(const std::string& result) const {
     struct stat status = {};
     if (::lstat(result.c_str(), &status) == 0) return false;
     if (errno == ENOENT) return true;
-    throw IngestError("the result cannot be named " + result + ": " +
-                      std::generic_category().message(errno));
+    const std::string reason = std::generic_category().message(errno);
+    if (errno == ENAMETOOLONG)
+        throw IngestError("the result cannot be named " + result + ": " + reason);
+    throw WorkStops("output directory " + output_.name() + ": " + reason);
 }
 
-bool Converter::isFrom(const HeaderText& text, const std::string& result) const {
+/// Whether an earlier run made this result of the same text; then it is safe on disk if that is
+/// asked for: the run may have ended before.
+bool Converter::isKept(const HeaderText& text, const std::string& result) const {
     const Descriptor existing(::open(result.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status = {};
+    if (existing.get() == -1 && errno == EACCES) failExisting(result, "read");
     if (::fstat(existing.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+    if (!canRead(existing.get())) failExisting(result, "read");
     try {
-        // a name that CFITSIO takes as it is
-        verifyFile("/proc/self/fd/" + std::to_string(existing.get()), text, options_.checksum);
-        return true;
-    } catch (const IngestError&) {
+        verifyFile(descriptorPath(existing.get()), text, options_.checksum);
+    } catch (const std::runtime_error&) {
         return false;
     }
+    if (!options_.durable || options_.dryRun) return true;
+    if (::fsync(existing.get()) != 0) failExisting(result, "made safe on disk");
+    work_->output().sync();
+    return true;
 }
 
 void Converter::checkReplaceable(const std::string& result) const {
@@ -210,35 +243,27 @@ void Converter::checkReplaceable(const std::string& result) const {
         throw IngestError("the result " + result + " would replace a source of this run");
 }
 
-/// CFITSIO and partial writes do not say when it is the disk that is full.
-void Converter::writeOrExplain(const HeaderText& text, const std::string& result) const {
+/// CFITSIO does not say why a file cannot be made: a trial of the same size does.
+void Converter::writeOrExplain(const HeaderText& text, const std::string& name) const {
     try {
-        write(text, result);
-    } catch (const IngestError& error) {
-        throw IngestError(error.what() + diskFull(), error.line());
-    } catch (ZarnSysEx& error) {
-        throw IngestError(error.what() + diskFull());
+        write(text, name);
+    } catch (const FitsFileError& error) {
+        work_->checkRoom(text.cards().size() * CARD_LENGTH + FITS_BLOCK);
+        throw InputWaits(error.what());
     }
 }
 
-void Converter::write(const HeaderText& text, const std::string& result) const {
+void Converter::write(const HeaderText& text, const std::string& name) const {
     fits_clear_errmsg();
     // What was examined is converted, even if the input changes meanwhile.
-    const WorkFile source(*work_, "header.hdr");
-    FileIO(source.path(), false, true).write(text.text(!options_.checksum));
-    const WorkFile target(*work_, "result.fits");
+    const MemoryFile source(text.text(!options_.checksum));
+    WorkFile target(*work_);
     makeFile(source, target, options_.checksum);
-    verifyFile(target.fitsPath(), text, options_.checksum);
-    FileIO file(target.path(), true, false);
-    file.open(target.path(), true, false);  // gives the result the archive's permission bits
-    if (options_.durable) syncToDisk(target.path());
-    target.putInPlace(result, options_.overwrite);
-    if (options_.durable) syncToDisk(output_.name());
-}
-
-std::string Converter::diskFull() const {
-    float total = 0;
-    float available = 0;
-    const bool known = ZarnSys::getFilesystemInfo(output_.name().c_str(), &total, &available) == 0;
-    return known && available < FULL_BELOW ? "; the file system of the results is full" : "";
+    target.open();
+    verifyFile(target.openedPath(), text, options_.checksum);
+    // Opening it gives the result the archive's permission bits.
+    FileIO(target.openedPath(), true, false).open(target.openedPath(), true, false);
+    if (options_.durable) target.sync();
+    target.putInPlace(name, options_.overwrite);
+    if (options_.durable) work_->output().sync();
 }

@@ -4,8 +4,6 @@
 
 #include <sys/types.h>
 
-#include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <set>
@@ -16,8 +14,8 @@
 
 #include "HeaderText.h"
 #include "Inputs.h"
+#include "Outcome.h"
 #include "OutputDirectory.h"
-#include "Reporter.h"
 
 /// How results are made.
 struct ConversionOptions {
@@ -30,14 +28,6 @@ struct ConversionOptions {
     std::optional<Telescope> moon;  ///< add the moon's values for it
 };
 
-/// What became of one file.
-struct Outcome {
-    bool converted = false;
-    std::string result;       ///< path; of a failed file: where it would have been
-    std::size_t cards = 0;    ///< in the text as it came, without END and what the program adds
-    std::uintmax_t size = 0;  ///< of the result [bytes]
-};
-
 /// Name of the result of an input: its base name up to the last dot that is not its first
 /// character, and ".fits".
 std::string resultName(const std::string& input);
@@ -45,13 +35,17 @@ std::string resultName(const std::string& input);
 class Converter {
 public:
     /// @throw std::exception  with the reason when results cannot be written there
-    Converter(const ConversionOptions& options, const OutputDirectory& output, Reporter& reporter);
+    Converter(const ConversionOptions& options, const OutputDirectory& output);
 
     /// Begins a batch: no two of its inputs may have one result, nor may a result replace one of
     /// its inputs or other `sources`.
     void beginBatch(const std::vector<Input>& inputs, const std::vector<std::string>& sources);
 
-    /// Converts one input, or in a dry run says so, and reports how it went.
+    /// Converts one input, or in a dry run says on standard output that it would.
+    ///
+    /// The result's file is held open from its verification to its name in place, and the output
+    /// directory from the beginning: what was verified is what is renamed, and where. After
+    /// `STOPPED` a new object begins with what the names lead to by then.
     Outcome convert(const Input& input);
 
     /// Notes that another run converts this input of the batch: its result is not to be given to a
@@ -65,15 +59,13 @@ private:
     void protect(const std::string& source);
     void claim(const Input& input, const std::string& name);
     bool isFree(const std::string& result) const;
-    bool isFrom(const HeaderText& text, const std::string& result) const;
+    bool isKept(const HeaderText& text, const std::string& result) const;
     void checkReplaceable(const std::string& result) const;
-    void writeOrExplain(const HeaderText& text, const std::string& result) const;
-    void write(const HeaderText& text, const std::string& result) const;
-    std::string diskFull() const;
+    void writeOrExplain(const HeaderText& text, const std::string& name) const;
+    void write(const HeaderText& text, const std::string& name) const;
 
     const ConversionOptions options_;
     const OutputDirectory output_;
-    Reporter& reporter_;
     std::unique_ptr<WorkDirectory> work_;                         ///< none in a dry run
     std::unordered_map<std::string, const std::string*> claims_;  ///< result, and the input for it
     std::set<FileId> sources_;  ///< files never to be replaced; known when overwriting only

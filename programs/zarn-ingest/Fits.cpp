@@ -3,10 +3,28 @@
 #include <array>
 #include <utility>
 
+#include "IngestError.h"
+
+namespace {
+
+constexpr int FIRST_OF_HEADERS = 201;  // CFITSIO's lower ones are of files and memory
+
+}  // namespace
+
 std::string statusText(int status) {
     std::array<char, FLEN_STATUS> text = {};
     fits_get_errstatus(status, text.data());
     return "CFITSIO status " + std::to_string(status) + ": " + text.data();
+}
+
+void check(int status, const std::string& action) {
+    if (status == 0) return;
+    std::array<char, FLEN_ERRMSG> detail = {};
+    fits_read_errmsg(detail.data());
+    const std::string reason = detail.front() == '\0' ? "" : std::string("; ") + detail.data();
+    const std::string text = action + " (" + statusText(status) + reason + ")";
+    if (status < FIRST_OF_HEADERS) throw FitsFileError(text);
+    throw IngestError(text);
 }
 
 std::string valueOf(std::string card) {

@@ -4,10 +4,24 @@
 
 #include <zarnsys/util/FitsUtils.h>
 
+#include <stdexcept>
 #include <string>
 
 /// "CFITSIO status 207: illegal character in keyword"
 std::string statusText(int status);
+
+/// A file that CFITSIO cannot create, write, read or hold in memory, whatever its header.
+class FitsFileError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Makes sure that a call of CFITSIO succeeded.
+///
+/// @param action  what could not be done otherwise, for the message
+/// @throw FitsFileError  for a status of files
+/// @throw IngestError    for one of headers
+void check(int status, const std::string& action);
 
 /// A card's value as text, a string in its quotes; empty where there is none that CFITSIO can read.
 std::string valueOf(std::string card);

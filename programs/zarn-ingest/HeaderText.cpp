@@ -172,10 +172,24 @@ void refuseOtherThanText(const std::string& bytes) {
                           " lines, no header text file");
 }
 
+// Errors of a name that leads to no file; any other may pass.
+constexpr std::errc NO_FILE[] = {std::errc::no_such_file_or_directory, std::errc::not_a_directory,
+                                 std::errc::filename_too_long,
+                                 std::errc::too_many_symbolic_link_levels};
+
+[[noreturn]] void failReading(const std::error_code& error) {
+    const std::string problem = "cannot be read: " + error.message();
+    const auto matches = [&error](std::errc condition) { return error == condition; };
+    if (std::any_of(std::begin(NO_FILE), std::end(NO_FILE), matches)) throw IngestError(problem);
+    throw InputWaits(problem);
+}
+
 void refuseOtherThanFile(const std::string& fileName) {
     std::error_code error;
     const auto status = std::filesystem::status(fileName, error);
-    if (error) throw IngestError("cannot be read: " + error.message());
+    if (status.type() == std::filesystem::file_type::not_found)
+        error = std::make_error_code(std::errc::no_such_file_or_directory);
+    if (error) failReading(error);
     if (std::filesystem::is_directory(status)) throw IngestError("is a directory");
     if (!std::filesystem::is_regular_file(status)) throw IngestError("is not a regular file");
     if (std::filesystem::file_size(fileName, error) > MAX_BYTES && !error)
@@ -194,7 +208,7 @@ HeaderText HeaderText::read(const std::string& fileName) {
     try {
         return HeaderText(readFile(fileName));
     } catch (const std::system_error& error) {
-        throw IngestError(std::string("cannot be read: ") + error.code().message());
+        failReading(error.code());
     }
 }
 

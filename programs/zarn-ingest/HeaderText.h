@@ -47,8 +47,9 @@ class HeaderText {
 public:
     /// Reads and examines a file.
     ///
-    /// @throw IngestError  when it cannot be read, is no header text, or would not give a file that
-    ///                     readers open and that is no larger than its header
+    /// @throw IngestError  when there is no such file, or it is no header text, or would not give a
+    ///                     file that readers open and that is no larger than its header
+    /// @throw InputWaits   when the file is there and cannot be read
     static HeaderText read(const std::string& fileName);
 
     /// Examines text already read; throws as `read` does.

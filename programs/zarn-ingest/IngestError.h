@@ -1,4 +1,7 @@
-/// Why one input is not converted.
+/// Why an input is not converted: for a reason of its own, or of the machine's.
+///
+/// The difference decides what becomes of a source that arrived: one whose header is at fault is
+/// put aside, all others wait until the fault is mended.
 #ifndef ZARN_INGEST_INGESTERROR_H
 #define ZARN_INGEST_INGESTERROR_H
 
@@ -6,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 
+/// The header, or the name that it came under, gives no result: trying again would not help.
 class IngestError : public std::runtime_error {
 public:
     /// @param text  the reason, for the operator
@@ -17,6 +21,19 @@ public:
 
 private:
     std::size_t line_;
+};
+
+/// This input cannot be converted at present; others perhaps can.
+class InputWaits : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// No input can be converted at present. The text names what is broken, and no input, so that it is
+/// the same for all of them.
+class WorkStops : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
 };
 
 #endif  // ZARN_INGEST_INGESTERROR_H

@@ -5,16 +5,14 @@
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/ZarnSysEx.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <sstream>
 #include <system_error>
 
+#include "Pattern.h"
 #include "Reading.h"
 
 namespace {
-
-constexpr int NO_LIMIT = 0;  // of matches
 
 /// Why nothing of this name can be read.
 std::string reasonForNothing(const std::string& argument) {
@@ -25,16 +23,18 @@ std::string reasonForNothing(const std::string& argument) {
 }
 
 void addArgument(const std::string& argument, std::vector<Input>& inputs) {
-    FileIO file(argument, true, false);
-    if (file.exists()) {
+    if (FileIO(argument, true, false).exists()) {
         inputs.push_back({argument, ""});
         return;
     }
-    std::vector<std::string> matches;
-    file.match(matches, NO_LIMIT);
-    std::sort(matches.begin(), matches.end());
-    for (const std::string& match : matches) inputs.push_back({match, ""});
-    if (matches.empty()) inputs.push_back({argument, reasonForNothing(argument)});
+    const std::size_t before = inputs.size();
+    const auto [names, unlisted] = matchesOf(argument);
+    for (const std::string& name : names) inputs.push_back({name, ""});
+    for (const auto& [directory, error] : unlisted) {
+        if (error == std::errc::no_such_file_or_directory) continue;  // then nothing matches there
+        inputs.push_back({directory, "the directory cannot be listed: " + error.message()});
+    }
+    if (inputs.size() == before) inputs.push_back({argument, reasonForNothing(argument)});
 }
 
 void addNames(const std::string& list, char separator, std::vector<Input>& inputs) {

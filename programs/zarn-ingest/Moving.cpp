@@ -9,13 +9,18 @@
 #include <cerrno>
 #include <climits>
 #include <cstdio>
+#include <cstring>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
+
+#include "IngestError.h"
 
 namespace {
 
 const char NUMBER_BEGIN[] = ".~";
 const char NUMBER_END = '~';
+const char REASON_END[] = ".reason";
 
 [[noreturn]] void fail(const std::string& what) {
     throw std::system_error(errno, std::generic_category(), what);
@@ -25,7 +30,52 @@ const char NUMBER_END = '~';
     fail("cannot move " + file + " to " + directory);
 }
 
-std::string::size_type afterSlash(const std::string& path) { return path.rfind('/') + 1; }
+std::string baseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+/// A name with a number that tells it from others; 0: without.
+std::string numbered(const std::string& name, unsigned number) {
+    if (number == 0) return name;
+    const std::string suffix = NUMBER_BEGIN + std::to_string(number) + NUMBER_END;
+    return name.substr(0, NAME_MAX - suffix.size()) + suffix;
+}
+
+/// Makes a move safe on disk: first that the file is in its new place.
+void syncMove(const std::string& file, const std::string& directory) {
+    syncToDisk(directory);
+    const std::string::size_type slash = file.rfind('/');
+    syncToDisk(slash == std::string::npos ? "." : file.substr(0, slash + 1));
+}
+
+/// Writes a reason, safe on disk, or completes one torn by a crash; false when something else has
+/// the name.
+bool putReason(const std::string& fileName, const std::string& reason) {
+    constexpr mode_t MODE = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
+    constexpr int FLAGS = O_RDWR | O_CREAT | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    const Descriptor file(::open(fileName.c_str(), FLAGS, MODE));
+    if (file.get() == -1 && (errno == EISDIR || errno == ELOOP || errno == ENXIO)) return false;
+    struct stat status = {};
+    if (::fstat(file.get(), &status) != 0) fail("cannot write " + fileName);
+    if (!S_ISREG(status.st_mode) || status.st_size > static_cast<off_t>(reason.size()))
+        return false;
+    const std::string existing = readFile(fileName);
+    if (reason.compare(0, existing.size(), existing) != 0) return false;
+    writeAll(file.get(), reason.substr(existing.size()));
+    if (::fsync(file.get()) != 0) fail(fileName + " cannot be made safe on disk");
+    return true;
+}
+
+void lock(const Directory& directory) {
+    if (::flock(directory.fd(), LOCK_EX | LOCK_NB) == 0) return;
+    if (errno == EWOULDBLOCK)
+        throw WorkStops("another zarn-ingest works in the directory " + directory.name());
+    throw WorkStops("directory " + directory.name() +
+                    " cannot be locked: " + std::generic_category().message(errno));
+}
+
+bool isTaken(const std::string& name) {
+    struct stat status = {};
+    return ::lstat(name.c_str(), &status) == 0;
+}
 
 bool sameFile(int left, int right) {
     struct stat a = {};
@@ -37,11 +87,18 @@ bool sameFile(int left, int right) {
 }  // namespace
 
 bool renameToNew(const std::string& from, const std::string& to) {
-    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
-        return true;
+    return renameToNew(AT_FDCWD, from, AT_FDCWD, to);
+}
+
+bool renameToNew(int fromDirectory, const std::string& from, int toDirectory,
+                 const std::string& to) {
+    const char* source = from.c_str();
+    const char* target = to.c_str();
+    if (::renameat2(fromDirectory, source, toDirectory, target, RENAME_NOREPLACE) == 0) return true;
     if (errno != EINVAL && errno != ENOSYS) return false;
     // A file system without this kind of renaming has links: a link replaces nothing either.
-    return ::link(from.c_str(), to.c_str()) == 0 && ::unlink(from.c_str()) == 0;
+    return ::linkat(fromDirectory, source, toDirectory, target, 0) == 0 &&
+           ::unlinkat(fromDirectory, source, 0) == 0;
 }
 
 void syncToDisk(const std::string& path) {
@@ -50,19 +107,35 @@ void syncToDisk(const std::string& path) {
 }
 
 std::string moveInto(const std::string& file, const std::string& directory) {
-    const std::string name = file.substr(afterSlash(file));
-    const std::string folder = directory + "/";
-    std::string target = folder + name;
-    for (unsigned number = 1; !renameToNew(file, target); ++number) {
+    for (unsigned number = 0;; ++number) {
+        const std::string target = directory + "/" + numbered(baseName(file), number);
+        if (renameToNew(file, target)) {
+            syncMove(file, directory);
+            return target;
+        }
         if (errno != EEXIST) failMove(file, directory);
-        const std::string suffix = NUMBER_BEGIN + std::to_string(number) + NUMBER_END;
-        target = folder;
-        target.append(name, 0, NAME_MAX - suffix.size()).append(suffix);
     }
-    syncToDisk(directory);
-    const std::string::size_type slash = file.rfind('/');
-    syncToDisk(slash == std::string::npos ? "." : file.substr(0, slash + 1));
-    return target;
+}
+
+std::string moveWithReason(const std::string& file, const std::string& directory,
+                           const std::string& reason) {
+    for (unsigned number = 0;; ++number) {
+        const std::string name = numbered(baseName(file), number);
+        const std::string target = directory + "/" + name;
+        if (isTaken(target) || !putReason(directory + "/" + reasonName(name), reason)) continue;
+        if (!renameToNew(file, target)) failMove(file, directory);
+        syncMove(file, directory);
+        return target;
+    }
+}
+
+std::string reasonName(const std::string& name) {
+    return name.substr(0, NAME_MAX - std::strlen(REASON_END)) + REASON_END;
+}
+
+bool isReason(const std::string& name) {
+    const std::size_t length = std::strlen(REASON_END);
+    return name.size() > length && name.compare(name.size() - length, length, REASON_END) == 0;
 }
 
 std::string withoutNumber(const std::string& name) {
@@ -78,15 +151,24 @@ DirectoryLocks::DirectoryLocks(const std::vector<std::string>& directories) {
 }
 
 void DirectoryLocks::add(const std::string& directory) {
-    locked_.emplace_back(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    const int fd = locked_.back().get();
-    if (fd == -1) fail("directory " + directory);
-    const bool again = std::any_of(locked_.begin(), std::prev(locked_.end()),
-                                   [fd](const auto& held) { return sameFile(held.get(), fd); });
-    if (again)
+    Directory opened(directory);
+    const auto isSame = [&opened](const Directory& held) {
+        return sameFile(held.fd(), opened.fd());
+    };
+    if (std::any_of(locked_.begin(), locked_.end(), isSame))
         throw std::runtime_error("the directory " + directory + " cannot serve two purposes");
-    if (::flock(fd, LOCK_EX | LOCK_NB) == 0) return;
-    if (errno == EWOULDBLOCK)
-        throw std::runtime_error("another zarn-ingest works in the directory " + directory);
-    fail("directory " + directory + " cannot be locked");
+    lock(opened);
+    locked_.push_back(std::move(opened));
+}
+
+std::vector<std::string> DirectoryLocks::renew() {
+    std::vector<std::string> replaced;
+    for (Directory& held : locked_) {
+        if (held.isCurrent()) continue;
+        Directory successor(held.name());
+        lock(successor);
+        held = std::move(successor);
+        replaced.push_back(held.name());
+    }
+    return replaced;
 }

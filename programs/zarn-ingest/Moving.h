@@ -2,14 +2,17 @@
 #ifndef ZARN_INGEST_MOVING_H
 #define ZARN_INGEST_MOVING_H
 
-#include <list>
 #include <string>
 #include <vector>
 
-#include "Reading.h"
+#include "Directory.h"
 
 /// Gives a file a name that no file has yet, in one step; false with `errno` set when it cannot.
 bool renameToNew(const std::string& from, const std::string& to);
+
+/// The same for names within directories that are open.
+bool renameToNew(int fromDirectory, const std::string& from, int toDirectory,
+                 const std::string& to);
 
 /// Waits until a file's content, or a directory's entries, are safe on disk.
 ///
@@ -26,16 +29,33 @@ std::string moveInto(const std::string& file, const std::string& directory);
 /// The name that a file had before `moveInto` gave it a number.
 std::string withoutNumber(const std::string& name);
 
+/// The same, and before it a text that tells the reason beside the file: x.hdr.reason, with x.hdr's
+/// number.
+std::string moveWithReason(const std::string& file, const std::string& directory,
+                           const std::string& reason);
+
+/// Name of the text that tells why a file failed.
+std::string reasonName(const std::string& name);
+
+/// Whether a name is one of these.
+bool isReason(const std::string& name);
+
 /// Locks on directories, for this process alone, until the object or the process ends.
 class DirectoryLocks {
 public:
     /// @throw std::exception  with the reason, for example since another process holds one
     explicit DirectoryLocks(const std::vector<std::string>& directories);
 
+    /// Locks what took a directory's name meanwhile.
+    ///
+    /// @return           the names of the directories that were replaced
+    /// @throw WorkStops  when one is gone, or another process holds its successor
+    std::vector<std::string> renew();
+
 private:
     void add(const std::string& directory);
 
-    std::list<Descriptor> locked_;
+    std::vector<Directory> locked_;
 };
 
 #endif  // ZARN_INGEST_MOVING_H

@@ -8,13 +8,18 @@
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/ZarnSysEx.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <system_error>
+#include <utility>
 
+#include "IngestError.h"
 #include "Moving.h"
 
 namespace {
@@ -22,17 +27,23 @@ namespace {
 const char WORK_PREFIX[] = ".zarn-ingest-";  // the host's name and a dash follow
 const char WORK_RANDOM[] = "XXXXXX";         // filled in by the system
 
-// Characters to which CFITSIO gives no meaning in the directory part of a name.
-const char PLAIN_CHARACTERS[] =
-    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/._-";
-constexpr std::size_t MAX_PLAIN_LENGTH = 900;  // CFITSIO holds names of 1024 characters
-
 [[noreturn]] void fail(const std::string& what) {
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-int openDirectory(const std::string& name) {
-    return ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+// Errors of a name that no file can get, however sound the directory is.
+constexpr int ERRORS_OF_NAMES[] = {ENAMETOOLONG, EINVAL, EILSEQ};
+constexpr int ERRORS_OF_OCCUPANTS[] = {EEXIST, EISDIR, ENOTEMPTY};
+
+template <std::size_t Size>
+bool contains(const int (&errors)[Size], int error) {
+    return std::find(std::begin(errors), std::end(errors), error) != std::end(errors);
+}
+
+std::string reasonFor(int error) { return std::generic_category().message(error); }
+
+int openWithin(int directory, const std::string& name) {
+    return ::openat(directory, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
 }
 
 /// Locks a working directory; false while another run holds it.
@@ -52,7 +63,7 @@ std::string workPrefix() {
     ::uname(&system);
     std::string host = system.nodename;
     for (char& c : host) {
-        if (std::strchr(PLAIN_CHARACTERS, c) == nullptr || c == '/') c = '_';
+        if (std::isalnum(static_cast<unsigned char>(c)) == 0 && c != '.' && c != '-') c = '_';
     }
     return WORK_PREFIX + host + "-";
 }
@@ -71,12 +82,13 @@ void create(const std::string& name) {
 }
 
 /// Removes the working directories of this host's runs that were killed.
-void removeAbandoned(const std::string& output) {
+void removeAbandoned(const Directory& output) {
     std::error_code ignored;  // what cannot be listed or removed does no harm
     const std::string prefix = workPrefix();
-    for (const auto& entry : std::filesystem::directory_iterator(output, ignored)) {
-        if (!isOfThisHost(entry.path().filename(), prefix)) continue;
-        const Descriptor directory(openDirectory(entry.path()));
+    for (const auto& entry : std::filesystem::directory_iterator(output.ownPath(""), ignored)) {
+        const std::string name = entry.path().filename();
+        if (!isOfThisHost(name, prefix)) continue;
+        const Descriptor directory(openWithin(output.fd(), name));
         if (lock(directory)) std::filesystem::remove_all(entry.path(), ignored);
     }
 }
@@ -87,32 +99,54 @@ std::string parentOf(std::string name) {
     return FileIO(name, true, false).getPath();
 }
 
-std::string makeDirectory(const std::string& output) {
-    std::string name = output + "/" + workPrefix() + WORK_RANDOM;
-    if (::mkdtemp(name.data()) == nullptr) fail("output directory " + output);
-    return name;
+/// The same words for every way in which the directory takes no file.
+WorkStops noResult(const Directory& output, const std::string& reason) {
+    return WorkStops("no result can be written in " + output.name() + ": " + reason);
+}
+
+/// Makes a working directory; its name within the output directory.
+std::string makeDirectory(const Directory& output) {
+    const std::string name = workPrefix() + WORK_RANDOM;
+    std::string path = output.ownPath(name);
+    if (::mkdtemp(path.data()) == nullptr) throw noResult(output, reasonFor(errno));
+    return path.substr(path.size() - name.size());
 }
 
 /// Gives up a working directory for the reason in `errno`: no descriptor, or no locks there.
-[[noreturn]] void failRemoving(const std::string& name) {
+[[noreturn]] void failRemoving(const Directory& output, const std::string& name) {
     const int error = errno;
-    ::rmdir(name.c_str());
+    ::unlinkat(output.fd(), name.c_str(), AT_REMOVEDIR);
     errno = error;
-    fail("working directory " + name);
+    fail("working directory in " + output.name());
 }
 
 /// Makes a working directory and locks it, again if another run took it for abandoned in between.
-int makeLocked(const std::string& output, std::string& name) {
+Descriptor makeLocked(const Directory& output, std::string& name) {
     for (;;) {
         name = makeDirectory(output);
-        const Descriptor directory(openDirectory(name));
+        Descriptor directory(openWithin(output.fd(), name));
         const bool locked = lock(directory);
-        if (!locked && errno != EWOULDBLOCK && errno != ENOENT) failRemoving(name);
-        if (!locked || isRemoved(directory)) continue;
-        const int kept = ::fcntl(directory.get(), F_DUPFD_CLOEXEC, 0);  // the lock goes with it
-        if (kept == -1) failRemoving(name);
-        return kept;
+        if (!locked && errno != EWOULDBLOCK && errno != ENOENT) failRemoving(output, name);
+        if (locked && !isRemoved(directory)) return directory;
     }
+}
+
+/// Removes an entry at its end.
+class Removal {
+public:
+    Removal(int directory, std::string name) : directory_(directory), name_(std::move(name)) {}
+    Removal(const Removal&) = delete;
+    Removal& operator=(const Removal&) = delete;
+    ~Removal() { ::unlinkat(directory_, name_.c_str(), 0); }
+
+private:
+    int directory_;
+    std::string name_;
+};
+
+std::string nextName() {
+    static unsigned long number = 0;
+    return std::to_string(++number) + ".fits";
 }
 
 }  // namespace
@@ -135,26 +169,73 @@ std::string OutputDirectory::path(const std::string& entry) const {
 }
 
 WorkDirectory::WorkDirectory(const OutputDirectory& output)
-    : directory_((removeAbandoned(output.name()), makeLocked(output.name(), name_))) {}
+    : output_(output.name()), fd_((removeAbandoned(output_), makeLocked(output_, name_))) {}
 
 WorkDirectory::~WorkDirectory() {
     std::error_code ignored;  // the next run tries again
-    std::filesystem::remove_all(name_, ignored);
+    std::filesystem::remove_all(output_.ownPath(name_), ignored);
 }
 
-std::string WorkDirectory::path(const std::string& entry) const { return name_ + "/" + entry; }
-
-std::string WorkDirectory::fitsPath(const std::string& entry) const {
-    const bool plain = name_.find_first_not_of(PLAIN_CHARACTERS) == std::string::npos;
-    if (!plain || name_.size() > MAX_PLAIN_LENGTH)
-        return "/proc/self/fd/" + std::to_string(directory_.get()) + "/" + entry;
-    return name_.front() == '/' ? path(entry) : "./" + path(entry);
+std::string WorkDirectory::ownPath(const std::string& entry) const {
+    return descriptorPath(fd_.get()) + "/" + entry;
 }
 
-WorkFile::~WorkFile() { ::unlink(path().c_str()); }
+void WorkDirectory::checkRoom(std::size_t size) const {
+    if (isRemoved(fd_)) throw noResult(output_, "the working directory was removed");
+    const std::string name = nextName();
+    const Descriptor file(::openat(fd_.get(), name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                                   S_IRUSR | S_IWUSR));
+    if (file.get() == -1) throw noResult(output_, reasonFor(errno));
+    const Removal removal(fd_.get(), name);
+    try {
+        writeAll(file.get(), std::string(size, ' '));
+    } catch (const std::system_error& error) {
+        throw noResult(output_, error.code().message());
+    }
+    if (::fsync(file.get()) != 0) throw noResult(output_, reasonFor(errno));
+}
 
-void WorkFile::putInPlace(const std::string& result, bool overwrite) const {
+WorkFile::WorkFile(const WorkDirectory& directory) : directory_(directory), name_(nextName()) {}
+
+WorkFile::~WorkFile() { ::unlinkat(directory_.fd(), name_.c_str(), 0); }
+
+void WorkFile::open() {
+    file_ = Descriptor(::openat(directory_.fd(), name_.c_str(), O_RDONLY | O_CLOEXEC));
+    if (file_.get() == -1)
+        throw WorkStops("the working directory in " + directory_.output().name() +
+                        " lost a file: " + reasonFor(errno));
+}
+
+void WorkFile::sync() const {
+    if (::fsync(file_.get()) != 0)
+        throw WorkStops("no result can be made safe on disk in " + directory_.output().name() +
+                        ": " + reasonFor(errno));
+}
+
+void WorkFile::putInPlace(const std::string& entry, bool overwrite) const {
+    const Directory& output = directory_.output();
+    output.checkCurrent();
     const bool moved =
-        overwrite ? ::rename(path().c_str(), result.c_str()) == 0 : renameToNew(path(), result);
-    if (!moved) fail("the result cannot be renamed to " + result);
+        overwrite ? ::renameat(directory_.fd(), name_.c_str(), output.fd(), entry.c_str()) == 0
+                  : renameToNew(directory_.fd(), name_, output.fd(), entry);
+    const int error = errno;
+    if (moved) return checkPlaced(entry);
+    if (contains(ERRORS_OF_OCCUPANTS, error))
+        throw IngestError("the result " + entry + " exists already: " + reasonFor(error));
+    if (contains(ERRORS_OF_NAMES, error))
+        throw IngestError("the result cannot be named " + entry + ": " + reasonFor(error));
+    throw WorkStops("no result can be put in its place in " + output.name() + ": " +
+                    reasonFor(error));
+}
+
+/// Makes sure that the file which was opened, and no other, now has the result's path.
+void WorkFile::checkPlaced(const std::string& entry) const {
+    const Directory& output = directory_.output();
+    struct stat opened = {};
+    struct stat placed = {};
+    const bool same = ::fstat(file_.get(), &opened) == 0 &&
+                      ::fstatat(output.fd(), entry.c_str(), &placed, AT_SYMLINK_NOFOLLOW) == 0 &&
+                      opened.st_dev == placed.st_dev && opened.st_ino == placed.st_ino;
+    if (!same) throw WorkStops("someone changes results in " + output.name() + " meanwhile");
+    output.checkCurrent();
 }

@@ -2,8 +2,10 @@
 #ifndef ZARN_INGEST_OUTPUTDIRECTORY_H
 #define ZARN_INGEST_OUTPUTDIRECTORY_H
 
+#include <cstddef>
 #include <string>
 
+#include "Directory.h"
 #include "Reading.h"
 
 class OutputDirectory {
@@ -27,47 +29,69 @@ private:
 
 /// A directory of this run's own inside the output directory, for files not yet complete. It is
 /// removed at the end, or by this host's next run when this one is killed: a lock tells whose run
-/// lives.
+/// lives. Both directories stay the ones that they were at the beginning.
 class WorkDirectory {
 public:
-    /// @throw std::system_error  when it cannot be made
+    /// @throw std::exception  with the reason when it cannot be made
     explicit WorkDirectory(const OutputDirectory& output);
     WorkDirectory(const WorkDirectory&) = delete;
     WorkDirectory& operator=(const WorkDirectory&) = delete;
     ~WorkDirectory();
 
-    std::string path(const std::string& entry) const;
+    const Directory& output() const { return output_; }
+    int fd() const { return fd_.get(); }
+    std::string ownPath(const std::string& entry) const;
 
-    /// The path for CFITSIO: one in which it sees no brackets, suffixes or other syntax of its own,
-    /// whatever the directories are called. Valid while this object lives.
-    std::string fitsPath(const std::string& entry) const;
+    /// Makes sure that a file of so many bytes can be written here now.
+    ///
+    /// @throw WorkStops  with the reason when it cannot
+    void checkRoom(std::size_t size) const;
 
 private:
-    std::string name_;
-    Descriptor directory_;
+    Directory output_;
+    std::string name_;  ///< within the output directory
+    Descriptor fd_;     ///< keeps the lock, too
 };
 
 /// A file in a working directory, removed at the end unless it was put in place.
 class WorkFile {
 public:
-    WorkFile(const WorkDirectory& directory, const std::string& name)
-        : directory_(directory), name_(name) {}
+    /// Chooses a name, different from all earlier ones of this process: a file of a former name may
+    /// have stayed.
+    explicit WorkFile(const WorkDirectory& directory);
     WorkFile(const WorkFile&) = delete;
     WorkFile& operator=(const WorkFile&) = delete;
     ~WorkFile();
 
-    std::string path() const { return directory_.path(name_); }
-    std::string fitsPath() const { return directory_.fitsPath(name_); }
+    /// A path for CFITSIO, which makes the file: `open` then keeps hold of it.
+    std::string path() const { return directory_.ownPath(name_); }
 
-    /// Gives the file its result's name in one step.
+    /// @throw WorkStops  when the file is not there
+    void open();
+
+    /// A path to the very file that was opened.
+    std::string openedPath() const { return descriptorPath(file_.get()); }
+
+    /// Waits until the content is safe on disk.
     ///
+    /// @throw WorkStops  when the system cannot say so
+    void sync() const;
+
+    /// Gives the opened file its result's name in one step.
+    ///
+    /// @param entry      the name within the output directory
     /// @param overwrite  replace a file of this name; false: refuse to
-    /// @throw std::system_error  when it cannot; the file is then still the working directory's
-    void putInPlace(const std::string& result, bool overwrite) const;
+    /// @throw IngestError  when no file can have that name, or something has it already
+    /// @throw WorkStops    when it cannot be done, or was done to another file or directory than
+    ///                     those that this run opened
+    void putInPlace(const std::string& entry, bool overwrite) const;
 
 private:
+    void checkPlaced(const std::string& entry) const;
+
     const WorkDirectory& directory_;
     std::string name_;
+    Descriptor file_{-1};
 };
 
 #endif  // ZARN_INGEST_OUTPUTDIRECTORY_H

@@ -36,6 +36,10 @@ std::string minutesAndSeconds(double duration) {
 
 }  // namespace
 
+std::string problemText(const std::string& file, std::size_t line, const std::string& text) {
+    return place(file, line) + printable(text);
+}
+
 Reporter::Reporter(Level level) : level_(level) {}
 
 void Reporter::begin(std::size_t total) {
@@ -45,10 +49,20 @@ void Reporter::begin(std::size_t total) {
     start_ = Clock::now();
 }
 
-void Reporter::converted(const std::string& file, const Losses& losses, const MoonCards& moon,
-                         bool checksumRenewed, const std::string& result) {
+void Reporter::done(const std::string& file, const Outcome& outcome, bool checksumRenewed) {
+    if (outcome.converted()) {
+        converted(file, outcome, checksumRenewed);
+    } else {
+        ++failed_;
+        message(Kind::ERROR, problemText(file, outcome.line, outcome.problem));
+    }
+    showProgress();
+}
+
+void Reporter::converted(const std::string& file, const Outcome& outcome, bool checksumRenewed) {
     ++converted_;
     const std::size_t before = warnings_;
+    const Losses& losses = outcome.losses;
     warnOf(file, losses.carriage, "lines that end in CR LF");
     warnOf(file, losses.cut, "cards cut at 80 characters");
     warnOf(file, losses.blanked, "characters that became blanks, as a header cannot hold them");
@@ -56,18 +70,11 @@ void Reporter::converted(const std::string& file, const Losses& losses, const Mo
     warnOf(file, losses.hidden, "cards left out, hidden behind the END card");
     if (!checksumRenewed)
         warnOf(file, losses.oldChecksum, "checksums of another file (--checksum renews them)");
-    for (const Remark& remark : moon.remarks) warn(file, remark.line, remark.text);
-    if (moon.state != MoonCards::State::NOT_ASKED) ++moon_[moon.state];
+    for (const Remark& remark : outcome.moon.remarks) warn(file, remark.line, remark.text);
+    if (outcome.moon.state != MoonCards::State::NOT_ASKED) ++moon_[outcome.moon.state];
     if (warnings_ > before) ++warned_;
     if (level_ == Level::VERBOSE || toLog_)
-        message(Kind::INFO, printable(file) + ": gave " + printable(result));
-    showProgress();
-}
-
-void Reporter::failed(const std::string& file, const IngestError& error) {
-    ++failed_;
-    message(Kind::ERROR, place(file, error.line()) + printable(error.what()));
-    showProgress();
+        message(Kind::INFO, printable(file) + ": gave " + printable(outcome.result));
 }
 
 void Reporter::error(const std::string& text) { message(Kind::ERROR, printable(text)); }

@@ -7,9 +7,10 @@
 #include <map>
 #include <string>
 
-#include "HeaderText.h"
-#include "IngestError.h"
-#include "MoonCards.h"
+#include "Outcome.h"
+
+/// "in/x.hdr:7: text", or without a line "in/x.hdr: text", on one line.
+std::string problemText(const std::string& file, std::size_t line, const std::string& text);
 
 class Reporter {
 public:
@@ -24,10 +25,10 @@ public:
     /// second on.
     void begin(std::size_t total);
 
-    /// One more file is done.
-    void converted(const std::string& file, const Losses& losses, const MoonCards& moon,
-                   bool checksumRenewed, const std::string& result);
-    void failed(const std::string& file, const IngestError& error);
+    /// One more file is done with, well or badly.
+    ///
+    /// @param checksumRenewed  whether results get checksums of their own
+    void done(const std::string& file, const Outcome& outcome, bool checksumRenewed);
 
     /// Messages about the run as a whole.
     void error(const std::string& text);
@@ -44,6 +45,7 @@ private:
 
     enum class Kind { ERROR, INFO };
 
+    void converted(const std::string& file, const Outcome& outcome, bool checksumRenewed);
     void message(Kind kind, const std::string& text);
     void warn(const std::string& file, std::size_t line, const std::string& text);
     void warnOf(const std::string& file, const Loss& loss, const std::string& text);

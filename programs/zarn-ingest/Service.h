@@ -2,7 +2,11 @@
 ///
 /// Each step is safe on disk before the next one, so that a run that is killed at any moment leaves
 /// a state from which the next one goes on: the result is there, or the source still is; a result
-/// that is there already is recognised by its cards; the journal's last line is recognised, too.
+/// that is there already is recognised by its cards, and a source that the journal told of by its
+/// identity.
+///
+/// Only a header at fault fails. When the machine is (a disk, a directory, a right), the source
+/// waits where it is; the trouble is said once, and each look tries again.
 #ifndef ZARN_INGEST_SERVICE_H
 #define ZARN_INGEST_SERVICE_H
 
@@ -18,6 +22,7 @@
 #include "Reporter.h"
 #include "Settings.h"
 #include "StopSignals.h"
+#include "Troubles.h"
 
 class Service {
 public:
@@ -32,25 +37,33 @@ public:
     bool run();
 
 private:
+    /// A source that could not be moved away. Its place in the journal is settled.
+    struct Stuck {
+        std::string identity;  ///< by which another file of the name is told from it
+        Outcome outcome;
+    };
+
     void putBackFailed();
-    std::vector<Input> nextBatch();
+    bool look();
     bool doSettled();
+    void keepDirectories();
+    std::vector<Input> nextBatch();
     bool hasRoom();
     bool handle(const Input& input);
     bool tell(const Input& input, const Outcome& outcome);
-    void move(const std::string& source, bool converted);
+    void move(const std::string& source, const Outcome& outcome);
 
     const Settings& settings_;
     const StopSignals& signals_;
     Reporter& reporter_;
+    Troubles troubles_;
     Arrivals arrivals_;
+    OutputDirectory output_;
     std::unique_ptr<DirectoryLocks> locks_;
-    std::unique_ptr<Converter> converter_;
-    std::unique_ptr<Journal> journal_;   ///< none where the settings name no directory
-    std::map<std::string, bool> stuck_;  ///< sources that could not be moved; whether converted
-    bool waitsForRoom_ = false;
-    bool journalFails_ = false;
-    bool moveFails_ = false;
+    std::unique_ptr<Converter> converter_;  ///< none after its directory made trouble
+    std::unique_ptr<Journal> journal_;      ///< none where the settings name no directory
+    bool recalled_ = false;                 ///< what earlier runs told of what was there
+    std::map<std::string, Stuck> stuck_;    ///< by source
 };
 
 #endif  // ZARN_INGEST_SERVICE_H
