@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "Pattern.h"
 #include "Properties.h"
 #include "Telescopes.h"
 #include "UsageError.h"
@@ -86,15 +87,21 @@ replaces a source.
 
 --journal adds a line per file to DIR/zarn-ingest-DATE.journal: local time,
 seconds since the epoch, source, result, converted or failed, number of cards in
-the source, size of the result in bytes; separated by tabs. One run at a time
-writes into a directory.
+the source, size of the result in bytes, identity of the source; separated by
+tabs. The identity, as "stat -c %i-%.9Z" shows it, is how a later run knows a
+file that was told of already. One run at a time writes into a directory.
+
+What the machine is to blame for, a full disk, a directory that is gone, a file
+that cannot be read, is no header's fault: the service leaves such a source where
+it is, says once what is the matter, and goes on by itself. The directory of the
+failed files holds beside each x.hdr the reason, x.hdr.reason.
 
 Messages read "zarn-ingest: FILE:LINE: text", lines counted from 1.
 
 Exit status: 0 every file was converted, with warnings or not; 1 some were not;
 2 wrong usage; 130, 143 or 129 stopped by Ctrl-C, SIGTERM or SIGHUP, after the
 file in hand was finished (the same one again ends the program at once). With
---watch these signals are the ordinary end, with status 0.
+--watch Ctrl-C and SIGTERM are the ordinary end, with status 0.
 )";
 
 /// What an option's value means.
@@ -118,6 +125,8 @@ void checkTogether(const Settings& settings) {
     const bool service = !chosen && !settings.dryRun;
     if (settings.watch && !service)
         throw UsageError("--watch takes its files from the pattern of a properties file alone");
+    if (service && matches(settings.pattern, settings.logFile))
+        throw UsageError("the log " + settings.logFile + " would be taken for a header text");
     if (settings.watch && (settings.doneDir.empty() || settings.failedDir.empty()))
         throw UsageError("--watch needs the properties done and failed: where sources go");
     if (settings.shard.isPart() && service)

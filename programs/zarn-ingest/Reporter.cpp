@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "Printable.h"
+#include "RollingLog.h"
 #include "zarnsys/util/Log.h"
 
 namespace {
@@ -103,6 +104,7 @@ void Reporter::summary(const std::string& done, int signal) {
 }
 
 void Reporter::message(Kind kind, const std::string& text) {
+    if (toLog_) RollingLog::keepOpen();
     if (!toLog_) {
         clearProgress();
         std::cerr << PROGRAM + text + "\n";

@@ -14,6 +14,10 @@ public:
     RollingLog(const RollingLog&) = delete;
     RollingLog& operator=(const RollingLog&) = delete;
 
+    /// Lets lines reach the file again after a roll-over that could not open it. Call it now and
+    /// then.
+    static void keepOpen();
+
     /// Ends the reactor and waits for its thread: a process must not end while it runs.
     ~RollingLog();
 };

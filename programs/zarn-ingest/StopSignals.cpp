@@ -31,7 +31,8 @@ extern "C" void noteSignal(int signal) {
 
 int openWake() {
     const int fd = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
-    if (fd == -1) throw std::system_error(errno, std::generic_category(), "eventfd");
+    if (fd == -1)
+        throw std::system_error(errno, std::generic_category(), "no descriptor for signals");
     return fd;
 }
 

@@ -12,6 +12,7 @@
 
 class StopSignals {
 public:
+    /// @throw std::system_error  when the process has no descriptor left for it
     StopSignals();
 
     /// The first signal that came, or 0. Does not wait.

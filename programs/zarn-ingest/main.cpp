@@ -5,6 +5,7 @@
 #include <fitsio.h>
 #include <zarnsys/util/ZarnSysEx.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -50,7 +51,8 @@ int work(const Settings& settings, const StopSignals& signals) {
     const bool whole = isService(settings) ? Service(settings, signals, reporter).run()
                                            : Batch(settings, signals, reporter).run();
     reporter.summary(settings.dryRun ? "would be converted" : "converted", signals.received());
-    if (settings.watch) return EXIT_SUCCESS;
+    // A hang-up is no orderly end of a service: systemd starts it again, with its settings anew.
+    if (settings.watch && signals.received() != SIGHUP) return EXIT_SUCCESS;
     if (signals.received() != 0) return EXIT_SIGNAL + signals.received();
     return whole && !reporter.anyFailed() ? EXIT_SUCCESS : EXIT_SOME_FAILED;
 }
@@ -75,8 +77,9 @@ int run(CommandLine& commandLine, const StopSignals& signals) {
 }
 
 /// Runs the program and reports what ends it as a whole.
-int runReporting(CommandLine& commandLine, const StopSignals& signals) {
+int runReporting(CommandLine& commandLine) {
     try {
+        const StopSignals signals;
         return run(commandLine, signals);
     } catch (const UsageError& error) {
         std::cerr << std::string("zarn-ingest: ") + error.what() + "; see zarn-ingest --help\n";
@@ -93,11 +96,10 @@ int runReporting(CommandLine& commandLine, const StopSignals& signals) {
 
 int main(int argc, char** argv) {
     reserveStandardStreams();
-    const StopSignals signals;
     ignoreWriteSignals();
     setPriorityMask(ERROR_AND_ABOVE);
     CommandLine commandLine(argumentsOf("zarn-ingest", argc, argv));
-    const int status = runReporting(commandLine, signals);
+    const int status = runReporting(commandLine);
     if (!std::cout.flush()) {
         std::cerr << "zarn-ingest: standard output cannot be written\n";
         return EXIT_SOME_FAILED;
