@@ -62,9 +62,10 @@ testKills() {
 testJournal() {
     headers 200; cp "$samples/broken.hdr" in
     run 1 -j journal -o out in/1.hdr in/broken.hdr in/none; says '1 converted, 2 failed'
-    check "lines" [ "$(journalFields journal 3-)" = "$(printf '%s\t%s\t%s\t%s\t%s\n' \
-        in/1.hdr out/1.fits converted 18 2880 in/broken.hdr out/broken.fits failed 0 0 \
-        in/none '' failed 0 0)" ]
+    check "lines" [ "$(journalFields journal 3-)" = "$(printf '%s\t%s\t%s\t%s\t%s\t%s\n' \
+        in/1.hdr out/1.fits converted 18 2880 "$(stat -c %i-%.9Z in/1.hdr)" \
+        in/broken.hdr out/broken.fits failed 0 0 "$(stat -c %i-%.9Z in/broken.hdr)" \
+        in/none '' failed 0 0 -)" ]
     run 0 -q -n -j dry in/1.hdr; hasNot dry
     run 2 -j '' in/1.hdr; says 'option --journal: the name is empty'
     run 1 -j no/journal -o out in/2.hdr; says 'Error creating path: no/journal'
@@ -88,12 +89,17 @@ testJournal() {
         echo $? >status
     )
     check "a full journal" [ "$(cat status)" = 1 ]
-    says 'zarn-ingest: the journal: '
-    check "said once" [ "$(grep -c 'the journal: ' err.txt)" = 1 ]
+    says 'zarn-ingest: the journal in full: File too large'
+    check "said once" [ "$(grep -c 'the journal in' err.txt)" = 1 ]
     check "went on untold" [ "$(ls many | wc -l)" -lt 200 ]
     run 1 -q -r -j full -o many 'in/*.hdr'
     check "all told" [ "$(journalFields full 3 | sort -u | wc -l)" = 201 ]
-    check "whole lines" [ -z "$(journalFields full 3- | grep -vE '(converted|failed)	[0-9]+	[0-9]+$')" ]
+    check "whole lines" [ -z "$(journalFields full 3- | grep -vE '(converted|failed)	[0-9]+	[0-9]+	[0-9]+-[0-9.]+$')" ]
+    run 1 -q -r -j full -o many 'in/*.hdr'
+    check "told once" [ "$(journalFields full 3 | wc -l)" = 201 ]
+    touch in/1.hdr
+    run 1 -q -r -j full -o many 'in/*.hdr'
+    check "what changed" [ "$(journalFields full 3 | tail -n +202)" = in/1.hdr ]
 }
 
 # messages FILE...: what runs said of files, in one order.
@@ -204,7 +210,7 @@ testArray() {
 
 # The latest line counts, whichever journal holds it; torn lines and other files do not.
 testCollect() {
-    local line='2026-11-25T00:00:00.000000\t1795575875.%s\t%s\tout/x.fits\t%s\t%s\t2880'
+    local line='2026-11-25T00:00:00.000000\t1795575875.%s\t%s\tout/x.fits\t%s\t%s\t2880\t-'
     mkdir -p j/1_1.0 j/1_1.1 'j/1_2.0 odd'
     printf "$line\n" 000002 a converted 3 000003 b failed 0 >j/1_1.0/zarn-ingest-2026-11-24.journal
     printf "$line\n" 000001 a failed 0 000004 b converted 4 >j/1_1.1/zarn-ingest-2026-11-24.journal

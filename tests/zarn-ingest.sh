@@ -284,6 +284,9 @@ testVerbose() {
     run 0 -v -o out a
     says "The program has been launched with zarn-ingest -v -o out a"
     says "zarn-ingest: a: gave out/a.fits"
+    run 1 -v -n "$(printf 'x%.0s' {1..5000})"
+    check "a long line without its end" [ -z "$(grep -E 'x([0-9]{4}-|zarn)' err.txt)" ]
+    run 0 -v -o out a -f
     check "no log line of the library" grep -qE '^[-0-9]+ [0-9:.]+ DEBUG \[ [0-9]+ \] Setting' err.txt
 }
 
@@ -320,25 +323,25 @@ testFullDisk() {
         echo $? >status
     )
     check "exit status" [ "$(cat status)" = 1 ]
-    says "a: "
-    says "CFITSIO status"
+    says "a: no result can be written in out: File too large"
     only
 }
 
 testOrdinaryUser() {
     if [ "$(id -u)" != 0 ]; then echo "skipped: needs root to become someone else"; return; fi
-    header secret; chmod 600 secret; header open; mkdir locked
+    header secret; chmod 600 secret; header open; mkdir locked; mkdir -m 700 p1; mkdir p2; header p2/x
     # The build may lie where only root can go.
     cp "$program" "$(ldd "$program" | awk '/libZarnSysUtil/{print $3}')" .
     cat >user.sh <<SCRIPT
 export LD_LIBRARY_PATH=\$PWD
 "\$PWD/zarn-ingest" -o locked open; echo "status \$?"
-cd "$work/own" && ../$current/zarn-ingest -q ../$current/secret ../$current/open; echo "status \$?"
+cd "$work/own" && ../$current/zarn-ingest -q ../$current/secret ../$current/open '../$current/p*/*'; echo "status \$?"
 SCRIPT
     mkdir -p "$work/own"; chown 65534:65534 "$work/own"
     setpriv --reuid=65534 --regid=65534 --clear-groups bash user.sh >err.txt 2>&1
     says "output directory locked: Permission denied"
     says "secret: cannot be read: Permission denied"
+    says "p1: the directory cannot be listed: Permission denied"; has "$work/own/x.fits"
     check "statuses" [ "$(grep -c 'status 1' err.txt)" = 2 ]
     has "$work/own/open.fits"
     check "the source's bits" [ "$(stat -c %a open)" = 644 ]

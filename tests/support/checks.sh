@@ -1,7 +1,8 @@
 # For test scripts of the programs: runs the one and counts checks. The script sets `program`.
 # shellcheck shell=bash
+export LC_ALL=C  # the order of ls and sort, whatever the user's language
 work=$(mktemp -d "${TMPDIR:-/tmp}/zarnsys-test-XXXXXX")
-trap 'cd /; rm -rf "$work"' EXIT
+trap 'cd /; jobs -p | xargs -r kill -KILL 2>/dev/null; rm -rf "$work"' EXIT
 chmod 755 "$work"
 passed=0 failed=0
 
@@ -29,6 +30,24 @@ says() { check "no such message: $1" grep -qF -- "$1" err.txt; }
 silent() { check "unexpected messages" [ ! -s err.txt ]; }
 has() { check "$1 is missing" [ -e "$1" ]; }
 hasNot() { check "$1 is there" [ ! -e "$1" ]; }
+# waitFor CONDITION...: as long as anything happens in this directory, and 20 seconds beyond.
+waitFor() {
+    local before='' now idle=0
+    until "$@"; do
+        now=$(find . -printf '%p %s %T@\n' 2>/dev/null | cksum)
+        [ "$now" = "$before" ] || idle=0
+        before=$now idle=$((idle + 1))
+        [ $idle -le 400 ] || { check "never came true: $*" false; return; }
+        sleep 0.05
+    done
+}
+# ended STATUS PROCESS: waits for a child and checks how it ended.
+ended() {
+    local status
+    wait "$2"
+    status=$?
+    check "exit status $status instead of $1" [ "$status" = "$1" ]
+}
 
 # Runs every function whose name begins with test, each in a directory of its own.
 runTests() {

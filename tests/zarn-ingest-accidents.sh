@@ -1,0 +1,191 @@
+#!/usr/bin/env bash
+# Accidents of an operator and of a machine under zarn-ingest: nothing is lost, misjudged or hidden.
+#   zarn-ingest-accidents.sh PROGRAM SAMPLES
+# Disks are small file systems in memory, for root in a name space of their own; failing system
+# calls are strace's. What the machine does not allow is skipped, and said.
+set -u
+if [ "${1:-}" != --mounts ] && unshare -m mount -t tmpfs none /mnt 2>/dev/null; then
+    exec unshare -m "$0" --mounts "$@"
+fi
+mounts=false
+[ "${1:-}" != --mounts ] || { mounts=true; shift; }
+program=$(realpath "$1") samples=$(realpath "$2")
+. "$(dirname "$0")/support/checks.sh"
+. "$(dirname "$0")/support/service.sh"
+
+skipped() { echo "skipped: $current: $1"; }
+needsMounts() { $mounts || skipped 'needs root and a mount name space'; $mounts; }
+needsTracing() {
+    strace -o /dev/null true 2>/dev/null || { skipped 'needs strace, and a kernel that lets it trace'; return 1; }
+}
+# failing STATUS INJECTION [-P PATH]... ARGUMENT...: runs the program with a system call failing,
+# of a path's only.
+failing() {
+    local expected=$1 call=$2 status
+    shift 2
+    local paths=()
+    while [ "$1" = -P ]; do paths+=(-P "$2"); shift 2; done
+    ASAN_OPTIONS=detect_leaks=0 timeout -s KILL 60 strace -f -o trace "${paths[@]}" -e trace="${call%%:*}" \
+        -e inject="$call" "$program" "$@" >out.txt 2>err.txt
+    status=$?
+    check "exit status $status instead of $expected with $call" [ "$status" = "$expected" ]
+}
+# nothingLost NAME...: each arrived once, is a whole result, is told of once, and done.
+nothingLost() {
+    local name
+    for name in "$@"; do
+        check "result of $name" cmp -s "${output:-fits}/$name.fits" expected.fits
+        check "source of $name" [ -e "done/$name.hdr" ]
+    done
+    check "the journal" [ "$(journalFields 3 | sort)" = "$(printf 'in/%s.hdr\n' "$@" | sort)" ]
+    check "failures" hasFiles failed 0
+    check "sources left" hasFiles in 0
+}
+expectResults() {
+    "$program" -q -o one "$samples/imager.hdr" && mv one/imager.fits expected.fits && rmdir one
+}
+
+# Whatever its name holds, the output directory that the name leads to counts, and none is made anew.
+testOutputReplaced() {
+    local output='fits of é + 1'
+    expectResults; properties
+    start; arrive a; mv in/a in/a.hdr; waitFor [ -e done/a.hdr ]
+    mv "$output" old; mkdir "$output"; arrive b.hdr; waitFor [ -e done/b.hdr ]
+    check "the old one" [ "$(ls -A old)" = a.fits ]
+    mv old/a.fits "$output"
+    says "the directory $output was replaced; this run works in the new one"
+    mv "$output" away; arrive c.hdr; waitFor said "directory $output: No such file"
+    sleep 2.2; hasNot "$output"; has in/c.hdr
+    mv away "$output"; waitFor [ -e done/c.hdr ]; waitFor said 'over: directory'
+    rm -r "$output"/.zarn-ingest-*; arrive d.hdr; waitFor [ -e done/d.hdr ]
+    stop
+    check "said once" [ "$(grep -c 'No such file' err.txt)" = 2 ]  # and that it is over
+    nothingLost a b c d
+    check "working directories" [ "$(ls -A "$output" | wc -l)" = 4 ]
+}
+
+testWorkRemovedBeforeTheRename() {
+    needsTracing || return
+    expectResults; properties; arrive a.hdr
+    (until rm -r fits/.zarn* 2>/dev/null; do :; done) &
+    strace -f -o trace -e inject=fchmod:delay_enter=500000 "$program" -q -p p.ini 2>err.txt
+    check "status" [ $? = 1 ]
+    kill %1 2>/dev/null
+    check "a result that nobody verified" [ -z "$(ls -A fits)" ]
+    run 0 -q -p p.ini; nothingLost a
+}
+
+testLocks() {
+    properties; start; arrive a.hdr; waitFor [ -e done/a.hdr ]
+    mv done old; mkdir done; waitFor said 'the directory done was replaced'
+    mv journal gone; waitFor said 'directory journal: No such file'
+    mkdir journal; arrive b.hdr; waitFor [ -e done/b.hdr ]
+    "$program" -p p.ini -o fits2 2>err2.txt
+    check "locked again" grep -q 'another zarn-ingest works in the directory in' err2.txt
+    mv in hidden; waitFor said 'directory in: No such file'
+    mv hidden in; arrive c.hdr; waitFor [ -e done/c.hdr ]
+    rm journal/*.journal; arrive d.hdr; waitFor [ -e done/d.hdr ]; rm -r journal
+    arrive e.hdr; sleep 1.2; has in/e.hdr; mkdir journal; waitFor [ -e done/e.hdr ]
+    stop HUP 129
+    says '5 converted, 0 failed'
+    check "lines" [ "$(journalFields 3)" = in/e.hdr ]
+}
+
+# A disk that takes no file makes no header bad: it waits, and goes on by itself.
+testOutputDisk() {
+    needsMounts || return
+    expectResults; properties; mkdir fits; mount -t tmpfs -o size=64k,nr_inodes=5 none fits
+    start; arrive a.hdr; waitFor [ -e done/a.hdr ]
+    mount -o remount,ro fits; arrive b.hdr c.hdr
+    waitFor said 'Read-only file system'; sleep 1.2
+    hasFiles in 2 || check "taken" false
+    mount -o remount,rw fits; waitFor [ -e done/c.hdr ]
+    arrive d.hdr; waitFor said 'No space left on device'; sleep 1.2; has in/d.hdr
+    mount -o remount,nr_inodes=20 fits; waitFor [ -e done/d.hdr ]
+    head -c 100k /dev/zero >fits/.full 2>/dev/null; arrive e.hdr
+    waitFor [ "$(grep -c 'No space left on device' err.txt)" -gt 1 ]; sleep 1.2; has in/e.hdr
+    rm fits/.full; waitFor [ -e done/e.hdr ]
+    stop
+    nothingLost a b c d e
+    check "said once each" [ "$(grep -vc over: err.txt) $(grep -c over: err.txt)" = '4 3' ]
+    arrive f.hdr; mount -o remount,ro fits
+    run 1 -p p.ini; says 'Read-only file system'; has in/f.hdr
+    mount -o remount,rw fits; run 0 -q -p p.ini; nothingLost a b c d e f
+    umount fits
+}
+
+testIncomingUnlistable() {
+    needsTracing || return
+    properties; arrive a.hdr
+    mkdir fits done failed journal
+    failing 1 getdents64:error=EIO -P in -p p.ini
+    says 'the directory in cannot be listed: Input/output error'
+    has in/a.hdr
+    mkdir -p batch/x batch/y; cp in/a.hdr batch/x
+    failing 1 getdents64:error=EIO -P batch/y -o two 'batch/*/*.hdr'
+    says 'batch/y: the directory cannot be listed: Input/output error'; says '1 converted, 1 failed'
+}
+
+# The order result, journal, move holds when one of them fails; the next run tells nothing twice.
+testStepsFail() {
+    needsTracing || return
+    expectResults; properties; arrive a.hdr b.hdr
+    failing 1 renameat2:error=EIO:when=2 -p p.ini
+    says 'cannot move in/a.hdr to done: Input/output error'; has in/a.hdr; has done/b.hdr
+    run 0 -p p.ini; says '1 converted, 0 failed'; nothingLost a b
+    arrive c.hdr
+    failing 1 fsync:error=EIO:when=2 -p p.ini  # of the output directory, behind the rename
+    says 'cannot be made safe on disk: Input/output error'; has in/c.hdr; has fits/c.fits
+    run 0 -q -p p.ini; nothingLost a b c
+    arrive d.hdr
+    failing 1 write:error=EINTR:when=2+3 -q -p p.ini; has in/d.hdr
+    run 0 -q -p p.ini; nothingLost a b c d
+    arrive e.hdr; cp "$samples/broken.hdr" in/d0.hdr
+    failing 1 unlinkat:error=EBUSY -q -p p.ini  # what is left of one file disturbs no other
+    check "the header's fault" [ "$(ls failed)" = "$(printf 'd0.hdr\nd0.hdr.reason')" ]
+    rm failed/*; sed -i /d0.hdr/d journal/*; nothingLost a b c d e
+}
+
+# Writes to the notification pipe and to files are counted alike; verification sees the latter.
+expected() { [ "$1 $2" = 'write 2' ] && echo 1 || echo 0; }
+testEnd() {
+    needsTracing || return
+    local call when
+    properties log file log/l.log log interval 600
+    failing 1 eventfd2:error=EMFILE -p p.ini
+    says 'zarn-ingest: no descriptor for signals: Too many open files'
+    for call in poll pselect6 write; do
+        for when in 1 2 3; do
+            arrive "$call$when.hdr"
+            failing "$(expected $call $when)" "$call:error=EINTR:when=$when" -q -p p.ini
+        done
+    done
+}
+
+testLog() {
+    local i
+    properties log file logs/l.log log size 20 log interval 1 log files 3
+    start; waitFor [ -s logs/l.log ]
+    arrive a.hdr; waitFor grep -q 'in/a.hdr: gave' logs/l.log
+    rm logs/l.log; arrive b.hdr; waitFor grep -qs 'in/b.hdr: gave' logs/l.log
+    rm -r logs; arrive c.hdr; waitFor grep -qs 'in/c.hdr: gave' logs/l.log
+    mv logs/l.log logs/rotated; arrive d.hdr; waitFor grep -qs 'in/d.hdr: gave' logs/l.log
+    check "by others" [ "$(wc -l <logs/rotated)" = 1 ]
+    stop
+    check "said" [ "$(grep -c 'the log logs/l.log was removed; it begins anew' err.txt)" = 3 ]
+    needsMounts || return
+    rm -r logs; mkdir logs; mount -t tmpfs -o size=40k none logs
+    echo '2026-11-25 00:00:00.000000 INFO  [ 1 ] history' >logs/l.log; cp logs/l.log logs/l.log.1
+    start -v; waitFor said 'cannot be written: No space left on device' & 
+    for i in $(seq 200); do arrive "a-rather-long-name-$i.hdr"; done
+    waitFor [ -e done/a-rather-long-name-200.hdr ]; sleep 2.2
+    check "the history" grep -q history logs/l.log.1
+    check "all files kept are empty" [ -s logs/l.log ]
+    head -c 30000 /dev/null >logs/l.log.2; rm logs/l.log.1 logs/l.log.2
+    arrive z.hdr; waitFor grep -qs 'in/z.hdr: gave' logs/l.log
+    stop
+    says 'the log logs/l.log is written again'
+    umount logs
+}
+
+runTests
