@@ -76,6 +76,9 @@ testValuesOfAnInstant() {
     local west; west=$(field 1 lst_h)
     run 0 -p "0N 0E" --mjd 61000.830367317656 -t "359.99999 0" --format csv
     check "rounding stays on the circle" [ "$(field 1 lst_h),$(field 1 ra_deg)" = 0.00000,0.0000 ]
+    # On its way through the north the moon stands at 359.99997 degrees.
+    run 0 -p "30.5S 14.346038E" --mjd 61391.72029593 -t "359.999999 0" --equinox date
+    shows ' 55.3      0.0 '; shows ': 0.0000 0.0000 degrees'
     near "an hour further east" "$(awk -v a="$east" -v b="$west" \
         'BEGIN { d = a - b; print d < 0 ? d + 24 : d }')" 1 1e-4
 }
@@ -192,6 +195,7 @@ testWrongUsage() {
 -T OLAN --format xml|option --format: "xml" is not table, csv or json
 -T OLAN --equinox 1950|option --equinox: "1950" is not J2000 or date
 -T OLAN --plot night.gif|option --plot: "night.gif" is not a name that ends in .png or .svg
+-T OLAN --plot ""|option --plot: "" is not a name that ends in .png or .svg
 -T OLAN --plot .png|ends in .png or .svg
 -T OLAN --plot a.png -o a.png|--plot and --output name the same file
 -T OLAN --plot a.png --targets <(seq -f "n,%g,1" 13)|more than 12 targets
