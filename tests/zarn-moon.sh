@@ -86,22 +86,11 @@ LINES
 
 testTargetsFromAFile() {
     local line reason
+    has "$data/wrong-targets.txt"; has "$data/wrong-usage.txt"
     while IFS='|' read -r line reason; do
         printf 'good,1,2\n%s\n' "$line" >bad.csv
         complains 2 "bad.csv:2: $reason; see zarn-moon --help" -T OLAN --targets bad.csv
-    done <<'LINES'
-a,1|is not name, right ascension, declination
-a,1,2,3|is not name, right ascension, declination
-a,1,2,|is not name, right ascension, declination
-,1,2|the name is empty
-name,ra,dec|"ra" is no number
-a,361,2|"361" is beyond 360
-a,1,-91|"-91" is beyond 90
-a,1,12:00:00|"1 12:00:00" is neither two numbers in degrees nor two sexagesimal ones
-a,12:60:00,02:00:00|"12:60:00" has minutes or seconds outside 0 to 60
-"a,1,2|a quote is not closed
-"a"b,1,2|something stands behind a closing quote
-LINES
+    done <"$data/wrong-targets.txt"
     mkfifo pipe
     "$timeout" 20 bash -c 'sleep 0.3; printf "#\na,1,2" >pipe' &
     run 0 -T OLAN --targets pipe --mjd 61000 --format csv
@@ -118,65 +107,7 @@ testWrongUsage() {
     local words reason
     while IFS='|' read -r words reason; do
         eval "complains 2 \"\$reason; see zarn-moon --help\" $words"
-    done <<'LINES'
-|neither --telescope nor --place is given
--T OLAN $'e\nx'|unexpected argument "e\x0Ax"
--T NONE|option --telescope: "NONE" is none of OLAN, VEK1, VEK2, VEK3, VEK4
--p 42.5N|option --place: "42.5N" is no latitude and longitude as 42.5N 12.3E
--p "1N 1E 1E"|option --place: "1N 1E 1E" is no latitude and longitude as 42.5N 12.3E
--p "42.5 12.3"|option --place: "42.5" does not end in N or S
--p "12.3E 42.5N"|option --place: "12.3E" does not end in N or S
--p "1N 1N"|option --place: "1N" does not end in W or E
--p "90.1N 0E"|option --place: "90.1N" is beyond 90
--p "1N 180.1E"|option --place: "180.1E" is beyond 180
--p "1N +1E"|option --place: "+1E" must have no sign
--p "N E"|option --place: "N" is no number
--T OLAN -t "1"|option --target: "1" is not a right ascension and a declination
--T OLAN -t "1 2 3"|option --target: "1 2 3" is not a right ascension and a declination
--T OLAN -d 2026-02-30|option --date: "2026-02-30" is no date of the calendar
--T OLAN -d 26-02-03|option --date: "26-02-03" is no date of the form YYYY-MM-DD
--T OLAN -d 1900-12-31|option --date: "1900-12-31" is not from 1901-01-01 to 2199-12-31
--T OLAN -d 2200-01-01|option --date: "2200-01-01" is not from 1901-01-01 to 2199-12-31
--T OLAN --mjd 15384.9|option --mjd: "15384.9" is not from 15385 to 124592
--T OLAN --mjd 124592.1|option --mjd: "124592.1" is not from 15385 to 124592
--T OLAN -s 0.09|option --step: "0.09" is not from 0.1 to 720
--T OLAN -s 720.1|option --step: "720.1" is not from 0.1 to 720
--T OLAN -k 10.1|option --extinction: "10.1" is not from 0 to 10
--T OLAN -k 0.1mag|option --extinction: "0.1mag" is no number
--T OLAN --dark-sky 9.9|option --dark-sky: "9.9" is not from 10 to 30
--T OLAN --dark-sky 30.1|option --dark-sky: "30.1" is not from 10 to 30
--T OLAN --min-altitude 30|--min-altitude needs a target
--T OLAN -t "1 2" --min-altitude 90.1|option --min-altitude: "90.1" is not from 0 to 90
--T OLAN --nights 1.5|option --nights: "1.5" is not a whole number
--T OLAN --nights 0|option --nights: "0" is not from 1 to 3700
--T OLAN --nights 3701|option --nights: "3701" is not from 1 to 3700
--T OLAN -d 2199-12-31 --nights 2|option --nights: "2" is not so few that they end by 2199-12-31
--T OLAN -d 2190-01-01 --nights 3700|option --nights: "3700" is not so few that they end by 2199-12-31
--T OLAN --format xml|option --format: "xml" is not table, csv or json
--T OLAN --equinox 1950|option --equinox: "1950" is not J2000 or date
--T OLAN --plot night.gif|option --plot: "night.gif" is not a name that ends in .png or .svg
--T OLAN --plot .png|option --plot: ".png" is not a name that ends in .png or .svg
--T OLAN --plot .svg|option --plot: ".svg" is not a name that ends in .png or .svg
--T OLAN --plot a.png -o a.png|--plot and --output name the same file
--T OLAN --plot a.png -o ""|option --output: "" is not a file's name
--T OLAN --plot ""|option --plot: "" is not a name that ends in .png or .svg
--T OLAN -o ""|option --output: "" is not a file's name
--T OLAN --plot a.svg --targets <(seq -f n,%g,2 13)|--plot: more than 12 targets cannot be told apart in a picture
--T OLAN -s 0.1 --targets <(seq -f %g,1,2 900)|more than 1000000 rows of instants and targets: choose a larger --step
--T OLAN -p "1N 1E"|--telescope and --place exclude each other
--T OLAN --mjd 60000 -d 2026-01-01|--date and --mjd exclude each other
--T OLAN --mjd 60000 --nights 3|--mjd and --nights exclude each other
--T OLAN --mjd 60000 --plot a.png|--mjd and --plot exclude each other
--T OLAN --mjd 60000 -s 30|--mjd and --step exclude each other
--T OLAN --mjd 60000 -t "1 2" --min-altitude 30|--mjd and --min-altitude exclude each other
--T OLAN --nights 3 --plot a.png|--nights and --plot exclude each other
--T OLAN --nights 3 -t "1 2"|--nights and --target exclude each other
--T OLAN --nights 3 --targets a.csv|--nights and --targets exclude each other
--T OLAN --nights 3 -s 30|--nights and --step exclude each other
--T OLAN --nights 3 --min-altitude 30|--nights and --min-altitude exclude each other
--T OLAN --no-such-option|the command line is wrong
--T|the command line is wrong
-LINES
+    done <"$data/wrong-usage.txt"
     # The limits themselves.
     while read -r words; do
         eval "run 0 $words -o limit.txt"; silent
