@@ -33,6 +33,8 @@ TEST(MoonCardsTest, PositionAndTimeDecideTheState) {
         {MJD + DEC + "END\n" + RA, State::WITHOUT},
         {MJD + DEC + "RA      = 'nowhere'\n", State::MALFORMED},
         {MJD + DEC + RA + "RA      = 'nowhere'\n", State::GIVEN},  // the first card counts
+        {"DATE-OBS= 'unknown'\n" + MJD + RA + DEC, State::GIVEN},  // MJD-OBS wins
+        {"DATE-OBS= 'unknown'\nMJD-OBS =\n" + RA + DEC, State::MALFORMED},
     };
     for (const auto& [cards, state] : rows) {
         const MoonCards moon = cardsOf(cards);
@@ -98,29 +100,6 @@ TEST(MoonCardsTest, CardsAreWhole) {
         }
         EXPECT_EQ(cardsOf(cards, telescope).lines, expected) << cards;
     }
-}
-
-TEST(MoonCardsTest, TheModifiedJulianDateWins) {
-    const std::string place = RA + DEC;
-    const std::string date = "DATE-OBS= '2000-01-01T12:00:00'\n";
-    const Lines j2000 = cardsOf("MJD-OBS = 51544.5\n" + place).lines;  // the instant's definition
-    EXPECT_EQ(cardsOf(date + place).lines, j2000);
-    EXPECT_EQ(cardsOf(date + "MJD-OBS =\n" + place).lines, j2000);
-    EXPECT_NE(cardsOf(MJD + place).lines, j2000);
-    EXPECT_EQ(cardsOf(date + MJD + place).lines, cardsOf(MJD + place).lines);
-    EXPECT_EQ(cardsOf("DATE-OBS= 'unknown'\n" + MJD + place).state, State::GIVEN);
-}
-
-TEST(MoonCardsTest, KeywordsThatAreThereAreKept) {
-    const MoonCards all = cardsOf(MJD + RA + DEC);
-    const MoonCards moon = cardsOf(MJD + "moonfli = 'dark'\n" + RA + DEC + "\nMOONALT = 12.3\n");
-    EXPECT_EQ(moon.state, State::GIVEN);
-    EXPECT_EQ(moon.lines, (Lines{all.lines[1], all.lines[2], all.lines[4]}));
-    ASSERT_EQ(moon.remarks.size(), 2U);
-    EXPECT_EQ(moon.remarks[0].line, 9U);
-    EXPECT_EQ(moon.remarks[0].text, "MOONALT is there already and is kept");
-    EXPECT_EQ(moon.remarks[1].line, 5U);
-    EXPECT_EQ(moon.remarks[1].text, "MOONFLI is there already and is kept");
 }
 
 TEST(MoonCardsTest, LimitsThemselvesAreLegal) {

@@ -32,6 +32,11 @@ complains() {
     check "a result in spite of: $*" [ ! -s out.txt ]
 }
 
+testDataIsThere() {
+    local name
+    for name in completions limits outputs wrong-targets wrong-usage; do has "$data/$name.txt"; done
+}
+
 testWholeOutputs() {
     local name forms words form
     fakeGnuplot 'cat >script; echo "IEND or </svg>"'
@@ -44,16 +49,7 @@ testWholeOutputs() {
             esac
             silent
         done
-    done <<'LINES'
-north|table csv json png|-p "42.5N 12:18E" -d 2026-12-20 --targets "$data/targets.csv" --min-altitude 30 -s 50
-south|table csv json|-p "30:30S 70:15W" -d 2027-03-16 -t "150.5 -29.75" -t "150 80" --min-altitude 2.5 -s 92.5 --local --equinox date -k 0.3 --dark-sky 21.5
-arctic|table csv json|-p "66N 20E" -d 2026-12-05 -s 120
-instant|table csv json|-p "30.5S 14.346038e" --mjd 61391.72029593 --equinox date -t "359.999999 -0.00001" --local
-month|table csv|-p "42.5N 12.3E" -d 2026-12-09 --nights 15
-nights|table csv json|-p "66N 20E" -d 2026-12-05 --nights 2 --local
-bright|table svg|-p "60N 25E" -d 2026-06-21
-seven|png|-p "60N 25E" -d 2026-06-21 -t "10 10" -t "20 10" -t "30 10" -t "40 10" -t "50 10" -t "60 10" -t "70 10"
-LINES
+    done <"$data/outputs.txt"
     run 0 -p "75N 25E" -d 2026-06-21
     check "a day without a table" [ "$(tail -n 1 out.txt)" = 'The sun does not set: no table.' ]
     drawing 0 -p "75N 25E" -d 2026-06-21 --plot day.svg
@@ -86,7 +82,6 @@ LINES
 
 testTargetsFromAFile() {
     local line reason
-    has "$data/wrong-targets.txt"; has "$data/wrong-usage.txt"
     while IFS='|' read -r line reason; do
         printf 'good,1,2\n%s\n' "$line" >bad.csv
         complains 2 "bad.csv:2: $reason; see zarn-moon --help" -T OLAN --targets bad.csv
@@ -111,13 +106,7 @@ testWrongUsage() {
     # The limits themselves.
     while read -r words; do
         eval "run 0 $words -o limit.txt"; silent
-    done <<'LINES'
--T OLAN -d 2199-12-31 -s 720 -k 0 --dark-sky 10 --min-altitude 0 -t "0 -90"
--p "90N 180W" -d 1901-01-01 --nights 1
--p "90S 180E" --mjd 15385 -k 10 --dark-sky 30
--p "0:0S 0:0:0W" --mjd 124592
--T OLAN --min-altitude 90 -t "0 90" -s 0.1
-LINES
+    done <"$data/limits.txt"
 }
 
 testCompletion() {
@@ -131,17 +120,7 @@ testCompletion() {
         COMP_CWORD=$((${#COMP_WORDS[@]} - 1)) COMPREPLY=()
         _zarn_moon 2>/dev/null  # compopt works in a real completion only
         check "$words completes to ${COMPREPLY[*]}" [ "${COMPREPLY[*]}" = "$expected" ]
-    done <<'LINES'
---targ|--target --targets
---format |table csv json
---format = c|csv
---format =|table csv json
--o t|
--o -|
---local --equi|--equinox
---local |
---place --l|
-LINES
+    done <"$data/completions.txt"
     check "it is used" grep -qx 'complete -o default -F _zarn_moon zarn-moon' out.txt
 }
 
