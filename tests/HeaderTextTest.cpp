@@ -33,16 +33,14 @@ struct Refused {
     std::string beginning;  ///< of "LINE: REASON"
 };
 
-/// Checks that each text is refused for its own reason.
+/// Checks that each text is refused for its own reason, or taken.
 void expectRefused(const std::vector<Refused>& rows, const std::string& before) {
     for (const auto& [text, beginning] : rows)
         EXPECT_EQ(refusalOf(before + text).substr(0, beginning.size()), beginning) << text;
 }
 
-void expectLoss(const Loss& loss, std::size_t count, std::size_t firstLine,
-                const std::string& name) {
-    EXPECT_EQ(loss.count, count) << name;
-    EXPECT_EQ(loss.firstLine, firstLine) << name;
+std::string shown(const Loss& loss) {
+    return std::to_string(loss.count) + " from " + std::to_string(loss.firstLine);
 }
 
 TEST(HeaderTextTest, TheFirstCardsHaveTheirPlaces) {
@@ -65,8 +63,7 @@ TEST(HeaderTextTest, ValuesThatDescribeOtherThanAnEmptyFileAreRefused) {
          {SIMPLE + "BITPIX  = 12\n", "2: BITPIX has no legal value: \"BITPIX  = "},
          {SIMPLE + "BITPIX  = -8\n", "2: BITPIX has no legal value: \"BITPIX  = "},
          {SIMPLE + BITPIX + "NAXIS   = two\n", "3: NAXIS is no whole number of up to 9 digits: \""},
-         {SIMPLE + BITPIX + "NAXIS   = 1234567890\n",
-          "3: NAXIS is no whole number of up to 9 digits: \""}},
+         {SIMPLE + BITPIX + "NAXIS   = 1234567890\n", "3: NAXIS is no whole number of up to 9"}},
         "");
     expectRefused(
         {{"GROUPS  = T", "5: GROUPS asks for data"},
@@ -95,9 +92,8 @@ TEST(HeaderTextTest, HierarchCardsOfStructuralNamesAreRefused) {
         EXPECT_EQ(refusalOf(text).rfind("5: CFITSIO takes this card for ", 0), 0) << text;
     }
     const HeaderText header(START + "HIERARCH ESO NAXIS1 = 5\nhierarch eso end = 1\nOBJECT  = 'x'");
-    ASSERT_EQ(header.cards().size(), 6U);
-    EXPECT_EQ(header.cards()[3].keyword + header.cards()[4].keyword, "ESO NAXIS1ESO END");
-    expectLoss(header.losses().upperCased, 1, 5, "upper-cased");
+    EXPECT_EQ(header.cards().at(3).keyword + header.cards().at(4).keyword, "ESO NAXIS1ESO END");
+    EXPECT_EQ(shown(header.losses().upperCased), "1 from 5");
 }
 
 TEST(HeaderTextTest, WrongKeywordsAreExplained) {
@@ -130,15 +126,14 @@ TEST(HeaderTextTest, OtherThanTextIsRefusedAsAWhole) {
          {"SIMPLE  = T" + std::string(150, ' '), fits},
          {"XTENSION=" + std::string(151, ' ') + "\n", fits},
          {"\xEF\xBB\xBF" + START, "1: begins with a byte-order mark before the first card"},
-         {START + std::string(100001 - 3, '\n'), manyLines}},
+         {START + std::string(100001 - 3, '\n'), manyLines},
+         {"SIMPLE  = T" + std::string(149, ' '), "1: card 2"},
+         {"SIMPLE  = T" + std::string(148, ' ') + "\nx", "2: card 2"},
+         {mixed(20, '\x01'), "taken"},
+         {mixed(133, '\xE9'), "taken"},
+         {mixed(200, '\v'), "taken"},
+         {START + std::string(100000 - 3, '\n'), "taken"}},
         "");
-    for (const auto& [text, beginning] :
-         {Refused{"SIMPLE  = T" + std::string(149, ' '), "1: card 2"},
-          Refused{"SIMPLE  = T" + std::string(148, ' ') + "\nx", "2: card 2"},
-          Refused{mixed(20, '\x01'), "taken"}, Refused{mixed(133, '\xE9'), "taken"},
-          Refused{mixed(200, '\v'), "taken"},
-          Refused{START + std::string(100000 - 3, '\n'), "taken"}})
-        EXPECT_EQ(refusalOf(text).substr(0, beginning.size()), beginning) << text.size();
 }
 
 TEST(HeaderTextTest, OtherThanFilesAreRefused) {
@@ -154,8 +149,6 @@ TEST(HeaderTextTest, OtherThanFilesAreRefused) {
           Refused{"pipe", "0: is not a regular file"}, Refused{".", "0: is a directory"},
           Refused{"none", "0: cannot be read: No such file or directory"}})
         EXPECT_EQ(refusal([&path = name, &dir] { HeaderText::read(dir / path); }), expected);
-    dir.put("good", START);
-    EXPECT_EQ(HeaderText::read(dir / "good").text(true), START);
 }
 
 TEST(HeaderTextTest, EachLossIsCountedWithItsFirstLine) {
@@ -173,17 +166,17 @@ TEST(HeaderTextTest, EachLossIsCountedWithItsFirstLine) {
                             "ENDTIME = 'END'\nEND\n" + blank +     // 14 to 16
                             "\r\n\nOBJECT  = '\xC3\xA9'\nEND\n");  // 18, 19: hidden alone
     const Losses& losses = header.losses();
-    expectLoss(losses.cut, 2, 6, "cut");
-    expectLoss(losses.blanked, 5, 7, "blanked");
-    expectLoss(losses.upperCased, 3, 8, "upper-cased");
-    expectLoss(losses.carriage, 4, 5, "carriage returns");
-    expectLoss(losses.oldChecksum, 2, 12, "old checksums");
-    expectLoss(losses.hidden, 2, 18, "hidden");
+    EXPECT_EQ(shown(losses.cut), "2 from 6");
+    EXPECT_EQ(shown(losses.blanked), "5 from 7");
+    EXPECT_EQ(shown(losses.upperCased), "3 from 8");
+    EXPECT_EQ(shown(losses.carriage), "4 from 5");
+    EXPECT_EQ(shown(losses.oldChecksum), "2 from 12");
+    EXPECT_EQ(shown(losses.hidden), "2 from 18");
     EXPECT_EQ(header.cards().back().keyword, "ENDTIME");
     EXPECT_EQ(header.cards().back().number, 14U);
     EXPECT_EQ(header.cards()[6].text, "OBJECT  = 'caf  '");
-    expectLoss(HeaderText(START + "end      of it\n").losses().hidden, 1, 4, "on the END card");
-    expectLoss(HeaderText(START + "END     \r\n").losses().hidden, 0, 0, "only blanks");
+    EXPECT_EQ(shown(HeaderText(START + "end      of it\n").losses().hidden), "1 from 4");
+    EXPECT_EQ(shown(HeaderText(START + "END     \r\n").losses().hidden), "0 from 0");
 }
 
 TEST(HeaderTextTest, TheTextIsTheLinesUpToColumn80) {

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <array>
-
 #include "MoonCards.h"
 
 namespace {
@@ -47,58 +45,38 @@ TEST(MoonCardsTest, PositionAndTimeDecideTheState) {
 // The series and the precession evaluated apart from this library, with more digits. PyEphem 4.1.4,
 // another theory, is within 0.17 degrees of the moon's place, 0.0005 of its lit fraction and 0.0001
 // of its age. The last three lie at -0.003 degrees of altitude, 359.997 and 359.993 of azimuth.
-TEST(MoonCardsTest, CardsAreWhole) {
+TEST(MoonCardsTest, ValuesAreThoseOfTheExposure) {
+    const std::string place =
+        "MJD-OBS = 61364.09314236\nRA      = 83.822083\nDEC     = -5.391111\n";
+    const std::string pole = "RA      = 282.5\nDEC     = 89.5/ no 45\nEQUINOX = 1950.0";
     const struct {
         std::string cards;
         Telescope telescope;
-        std::array<const char*, 5> values;
+        std::string values;
     } rows[] = {
-        {MJD + RA + DEC, VEK1, {"17.37", "41.62", "28.66", "0.998", "0.509"}},
-        {"MJD-OBS = 6.1398061100D4\n" + RA + DEC,
-         VEK1,
-         {"17.37", "41.62", "28.66", "0.998", "0.509"}},
-        {"MJD-OBS = 61364.09314236\nRA      = 83.822083\nDEC     = -5.391111\nEQUINOX = 2026.8857",
-         VEK3,
-         {"47.83", "314.53", "87.43", "0.750", "0.366"}},
-        {"DATE-OBS= '2023-02-25T18:00:00'\nRA      = '10:00:00'\nDEC     = '+20 00'",
-         OLAN,
-         {"59.80", "233.73", "97.18", "0.339", "0.185"}},
-        {MJD + "RA      = 0.0\nDEC     = 0\nEQUINOX = 1900",
-         VEK2,
-         {"17.37", "41.62", "90.95", "0.998", "0.509"}},
-        {MJD + "RA      = '12 00'\nDEC     = '-00:30:00'\nEQUINOX = +2100",
-         VEK4,
-         {"17.37", "41.62", "86.50", "0.998", "0.509"}},
-        {"MJD-OBS = +51544.5\nRA      = 282.5\nDEC     = 89.5/ no 45\nEQUINOX = 1950.0",
-         OLAN,
-         {"12.15", "244.29", "101.03", "0.232", "0.832"}},
-        {"MJD-OBS = 61398.3081\nRA      = '06:00:00'\n" + DEC,
-         OLAN,
-         {"0.00", "304.56", "27.26", "0.999", "0.517"}},
-        {"MJD-OBS = 61398.504283\nRA      = ' 6  00 0.0 '\n" + DEC,
-         OLAN,
-         {"-25.56", "0.00", "27.77", "0.997", "0.524"}},
-        {"MJD-OBS = 61398.504271\n" + RA + DEC,
-         OLAN,
-         {"-25.56", "359.99", "27.77", "0.997", "0.524"}},
+        {"MJD-OBS = +6.13980611D4\n" + RA + DEC, VEK1, "17.37 41.62 28.66 0.998 0.509 (VEK1)"},
+        {place + "EQUINOX = 2026.8857", VEK3, "47.83 314.53 87.43 0.750 0.366 (VEK3)"},
+        {"DATE-OBS= '2023-02-25T18:00:00'\nRA      = '10:00:00'\nDEC     = '+20 00'", OLAN,
+         "59.80 233.73 97.18 0.339 0.185 (OLAN)"},
+        {MJD + "RA      = 0.0\nDEC     = 0\nEQUINOX = 1900", VEK2,
+         "17.37 41.62 90.95 0.998 0.509 (VEK2)"},
+        {MJD + "RA      = '12 00'\nDEC     = '-00:30:00'\nEQUINOX = +2100", VEK4,
+         "17.37 41.62 86.50 0.998 0.509 (VEK4)"},
+        {"MJD-OBS = +51544.5\n" + pole, OLAN, "12.15 244.29 101.03 0.232 0.832 (OLAN)"},
+        {"MJD-OBS = 61398.3081\nRA      = '06:00:00'\n" + DEC, OLAN,
+         "0.00 304.56 27.26 0.999 0.517 (OLAN)"},
+        {"MJD-OBS = 61398.504283\nRA      = ' 6  00 0.0 '\n" + DEC, OLAN,
+         "-25.56 0.00 27.77 0.997 0.524 (OLAN)"},
+        {"MJD-OBS = 61398.504271\n" + RA + DEC, OLAN, "-25.56 359.99 27.77 0.997 0.524 (OLAN)"},
     };
-    const struct {
-        const char* keyword;
-        const char* comment;
-    } forms[] = {{"MOONALT = ", " / [deg] moon altitude, no refraction ("},
-                 {"MOONAZ  = ", " / [deg] moon azimuth, N through E ("},
-                 {"MOONDIST= ", " / [deg] angle between moon and RA, DEC ("},
-                 {"MOONFLI = ", " / illuminated fraction of the moon, 0 to 1 ("},
-                 {"MOONPHAS= ", " / age of the moon over mean synodic month"}};
-    const char* names[] = {"OLAN)", "VEK1)", "VEK2)", "VEK3)", "VEK4)"};
     for (const auto& [cards, telescope, values] : rows) {
-        Lines expected;
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            const std::string value = values.at(i);
-            expected.push_back(forms[i].keyword + std::string(20 - value.size(), ' ') + value +
-                               forms[i].comment + (i < 4 ? names[telescope] : ""));
+        const Lines lines = cardsOf(cards, telescope).lines;
+        std::string found;  // in the fixed format's columns, 11 to 30
+        for (const std::string& line : lines) {
+            const std::string columns = line.substr(10, 20);
+            found += columns.substr(columns.find_last_of(' ') + 1) + " ";
         }
-        EXPECT_EQ(cardsOf(cards, telescope).lines, expected) << cards;
+        EXPECT_EQ(found + lines.at(0).substr(lines.at(0).find('(')), values) << cards;
     }
 }
 
@@ -112,9 +90,8 @@ TEST(MoonCardsTest, LimitsThemselvesAreLegal) {
         legal.push_back("TIMESYS = '" + std::string(scale) + " '");
     for (const std::string& card : legal)
         EXPECT_EQ(cardsOf((card + "\n").append(MJD + RA + DEC)).state, State::GIVEN) << card;
-    for (const char* date : {"1858-11-18T00:00:00", "2200-01-01T00:00:00.0"})
-        EXPECT_EQ(cardsOf("DATE-OBS= '" + std::string(date) + "'\n" + RA + DEC).state,
-                  State::GIVEN);
+    for (const std::string date : {"1858-11-18T00:00:00", "2200-01-01T00:00:00.0"})
+        EXPECT_EQ(cardsOf(RA + DEC + "DATE-OBS= '" + date + "'").state, State::GIVEN) << date;
 }
 
 TEST(MoonCardsTest, MalformedValuesAreNamedWithTheirLine) {
@@ -123,7 +100,6 @@ TEST(MoonCardsTest, MalformedValuesAreNamedWithTheirLine) {
         std::size_t line;
         std::string text;
     } rows[] = {
-        {"RA      = 360.1\n" + DEC + MJD, 4, "RA: \"360.1\" is not from 0 to 360"},
         {MJD + RA + "\nDEC     = T", 7, "DEC: \"T\" is no number"},
         {RA + DEC + "MJD-OBS = 0.9", 6, "MJD-OBS: \"0.9\" is not from 1 to 124593"},
         {MJD + RA + DEC + "TIMESYS = 'X'", 7,

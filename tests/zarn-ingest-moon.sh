@@ -80,12 +80,8 @@ in N s; moon: 0 with values, 0 without position or time, $(wc -l <"$malformed") 
 }
 
 testMoonUsage() {
-    local name
     header a
-    for name in VEK5 '' a; do
-        run 2 -m "$name" a
-        says "zarn-ingest: option --moon: \"$name\" is none of OLAN, VEK1, VEK2, VEK3, VEK4"
-    done
+    run 2 -m VEK5 a; says 'option --moon: "VEK5" is none of OLAN, VEK1, VEK2, VEK3, VEK4'
     run 0 --help; check "no names in the help" grep -qx 'Telescopes: OLAN, VEK1, VEK2, VEK3, VEK4.' out.txt
 }
 
