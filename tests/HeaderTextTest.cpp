@@ -137,7 +137,7 @@ TEST(HeaderTextTest, OtherThanTextIsRefusedAsAWhole) {
 }
 
 TEST(HeaderTextTest, OtherThanFilesAreRefused) {
-    constexpr std::uintmax_t MOST = 16 * 1024 * 1024;
+    constexpr std::uintmax_t MOST = 16777216;  // 16 MiB
     const TempDir dir;
     for (const char* name : {"large", "larger"}) dir.put(name, START);
     std::filesystem::resize_file(dir / "large", MOST);
