@@ -154,7 +154,9 @@ testResultFiles() {
 # bytes that were never written, or what was there before.
 testOrderOnDisk() {
     local failing expected left calls night=(-p "1N 1E" -d 2026-12-24 -o night.txt)
-    strace -o trace.txt true 2>/dev/null || { echo "no strace here: the order on disk is not tried"; return; }
+    if grep -q '__[at]san_init' "$binary" || ! strace -o trace.txt true 2>/dev/null; then
+        echo "no strace here, or a sanitizer, which it disturbs: the order on disk is not tried"; return
+    fi
     run 0 "${night[@]}"; mv night.txt whole.txt; tail -c +8 whole.txt >rest.txt; echo before >before.txt
     while IFS='|' read -r failing expected left; do
         cp before.txt night.txt
