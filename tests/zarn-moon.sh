@@ -38,7 +38,7 @@ testDataIsThere() {
 }
 
 testWholeOutputs() {
-    local name forms words form
+    local name forms words form before after
     fakeGnuplot 'cat >script; echo "IEND or </svg>"'
     while IFS='|' read -r name forms words; do
         eval "words=($words)"
@@ -60,7 +60,6 @@ testWholeOutputs() {
     run 0 --help; silent; golden help.txt out.txt
     run 0 --version; silent; check "version" grep -qxE 'zarn-moon [0-9]+\.[0-9]+\.[0-9]+' out.txt
     # Without a date, the night of now: at 0 degrees it begins at 12 h UT.
-    local before after
     before=$(date -u -d '12 hours ago' +%F); run 0 -p "0N 0E" -t "0 0" -s 720
     after=$(date -u -d '12 hours ago' +%F)
     check "the night of now" grep -qE "^Night of ($before|$after) at" out.txt
@@ -130,10 +129,10 @@ testResultFiles() {
     run 0 "${night[@]}" -o new.txt; check "nothing on standard output" [ ! -s out.txt ]
     check "the same" cmp new.txt night.txt
     check "permission bits follow the mask" [ "$(stat -c %a new.txt)" = 644 ]
-    echo old >kept.txt; chmod 2751 kept.txt; ln -s kept.txt link.txt; ln -s "$PWD/nowhere" far.txt
+    echo old >kept.txt; chmod 2751 kept.txt; ln -s "$PWD/kept.txt" link.txt; mkdir sub; ln -s nowhere sub/link.txt
     run 0 "${night[@]}" -o link.txt; check "through a link" cmp kept.txt night.txt
     check "permission bits stay" [ "$(stat -c %a kept.txt)" = 2751 ]
-    run 0 "${night[@]}" -o far.txt; check "through a link to nowhere" cmp nowhere night.txt
+    run 0 "${night[@]}" -o sub/link.txt; check "through a link to nowhere" cmp sub/nowhere night.txt
     ln -s loop loop
     complains 1 'loop: Too many levels of symbolic links' -T OLAN -o loop
     complains 1 'missing/a\x0Ab: No such file or directory' -T OLAN -o $'missing/a\nb'
@@ -141,7 +140,7 @@ testResultFiles() {
     complains 1 '/dev/full: No space left on device' -T OLAN -o /dev/full
     program=limited complains 1 'kept.txt: File too large' -T OLAN -s 1 -o kept.txt
     check "a full disk keeps what was there" cmp kept.txt night.txt
-    files err.txt far.txt kept.txt link.txt loop new.txt night.txt nowhere out.txt
+    files err.txt kept.txt link.txt loop new.txt night.txt out.txt sub
     "$binary" -T OLAN >/dev/full 2>err.txt; check "full standard output" [ $? = 1 ]
     says 'zarn-moon: standard output cannot be written'
     "$binary" -T OLAN >&- 2>err.txt; check "closed standard output" [ $? = 1 ]
@@ -194,9 +193,8 @@ testOrdinaryUser() {
 testPlot() {
     mkdir empty
     PATH=empty run 1 -T OLAN --plot n.png; says 'zarn-moon: --plot needs gnuplot, which is not installed'
-    local line reason
     # shellcheck disable=SC2016 # for no shell but a careless one
-    local odd='$(touch a);& <b>|#.svg.png'
+    local line reason odd='$(touch a);& <b>|#.svg.png'
     while IFS='|' read -r line reason; do
         fakeGnuplot "$line"
         PATH=$PWD/fake:$PATH complains 1 "gnuplot $reason" -T OLAN --plot n.png -o t.txt
@@ -215,8 +213,8 @@ LINES
     run 0 -p "42.5N 12.3E" -d 2026-12-24 --targets "$data/targets.csv" --plot "a'b.png"; silent
     check "a PNG" [ "$(head -c 4 "a'b.png" | tail -c 3)" = PNG ]
     for night in "42.5N 12.3E" "75N 25E"; do
-        run 0 -p "$night" -d 2026-06-21 -t "83.8 -5.4" --plot n.svg; silent
-        check "an SVG" grep -q '</svg>' n.svg
+        run 0 -p "$night" -d 2026-06-21 -t "83.8 -5.4" --plot n.svg.svg; silent
+        check "an SVG" grep -q "</svg>" n.svg.svg
     done
 }
 
