@@ -25,7 +25,6 @@ TEST(MoonCardsTest, PositionAndTimeDecideTheState) {
         {"DATE-OBS= '2000-01-01T12:00:00'\n" + RA + DEC, State::GIVEN},
         {RA + DEC, State::WITHOUT},
         {MJD + RA, State::WITHOUT},
-        {MJD + DEC, State::WITHOUT},
         {MJD + DEC + "RA      = ' '\n", State::WITHOUT},
         {MJD + DEC + "RA      = / none\n", State::WITHOUT},
         {MJD + DEC + "END\n" + RA, State::WITHOUT},
