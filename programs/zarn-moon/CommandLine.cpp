@@ -184,14 +184,14 @@ void CommandLine::parseResults(Settings& settings) const {
     if (given("output")) settings.output = value("output");
     if (given("plot")) settings.plot = value("plot");
     if (given("output") && settings.output.empty()) failWord("output", "", "a file's name");
+    if (given("plot") && !endsIn(settings.plot, ".png") && !endsIn(settings.plot, ".svg"))
+        failWord("plot", settings.plot, "a name that ends in .png or .svg");
     if (given("plot") && settings.plot == settings.output)
         throw UsageError("--plot and --output name the same file");
     if (given("plot") && settings.targets.size() > MOST_DRAWN_TARGETS) {
         throw UsageError("--plot: more than " + std::to_string(MOST_DRAWN_TARGETS) +
                          " targets cannot be told apart in a picture");
     }
-    if (given("plot") && !endsIn(settings.plot, ".png") && !endsIn(settings.plot, ".svg"))
-        failWord("plot", settings.plot, "a name that ends in .png or .svg");
 }
 
 void CommandLine::checkTogether() const {

@@ -99,9 +99,9 @@ std::string skyTable(const Report& report) {
     columns.add(titles(report.settings, {"LST", "sun alt", "moon alt", "moon az", "lit", "phase"}));
     for (const Row& row : report.rows) {
         std::vector<std::string> cells = timeCells(row.mjd, report.settings);
-        append(cells,
-               {hoursAndMinutes(row.lst), fixed(row.sunAltitude, 1), fixed(row.moonAltitude, 1),
-                fixed(row.moonAzimuth, 1), fixed(row.illumination, 3), fixed(row.phase, 3)});
+        append(cells, {hoursAndMinutes(row.lst), fixed(row.sunAltitude, 1),
+                       fixed(row.moonAltitude, 1), fixedOnCircle(row.moonAzimuth, 1, 360.0),
+                       fixed(row.illumination, 3), fixed(row.phase, 3)});
         columns.add(cells);
     }
     return columns.text();
@@ -144,7 +144,8 @@ std::string targetTable(const Report& report, std::size_t target) {
 }
 
 std::string targetTitle(const Settings& settings, const Target& target) {
-    const std::string place = fixed(target.place.ra, 4) + " " + fixed(target.place.dec, 4);
+    const std::string place =
+        fixedOnCircle(target.place.ra, 4, 360.0) + " " + fixed(target.place.dec, 4);
     return "Target " + printable(target.name) + ": " + place + " degrees, equinox " +
            (settings.equinoxOfDate ? "of date" : "J2000");
 }
