@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cmath>
+#include <future>
 #include <limits>
 #include <random>
 
@@ -88,6 +89,17 @@ TEST(MoonGridTest, PhasesDoNotDependOnTheOrderOfInstants) {
         ASSERT_NEAR(grid.moonalt[i], c[ALTITUDE], instants[i] < 1e6 ? 1e-8 : 0.01) << instants[i];
     }
     EXPECT_TRUE(grid.moondist.empty());
+}
+
+TEST(MoonGridTest, SeveralThreadsMayComputeParts) {
+    const std::vector<MoonTarget> targets = {{10.0, 20.0}, {200.0, -45.5}};
+    const auto part = [&targets](MJD_DATE instant) {
+        return computeMoonGrid(targets, {instant, instant + 0.5}, VEK1).moondist;
+    };
+    auto first = std::async(std::launch::async, part, 60000.0);
+    auto second = std::async(std::launch::async, part, 60100.0);
+    EXPECT_EQ(first.get(), part(60000.0));
+    EXPECT_EQ(second.get(), part(60100.0));
 }
 
 TEST(MoonGridTest, NotANumberStaysWhereItCameIn) {
