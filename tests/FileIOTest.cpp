@@ -30,9 +30,10 @@ bool bitsAreFixed = false;  // nobody can set permission bits
 
 // These take the system's place for the library, too.
 extern "C" int open(const char* name, int flags, ...) {
+    mode_t mode = 0;
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+    if ((flags & O_CREAT) != 0) mode = va_arg(arguments, mode_t);
     va_end(arguments);
     calls.push_back(name + (" " + std::to_string(flags)) + " " + std::to_string(mode));
     return ::openat(AT_FDCWD, name, flags, mode);
@@ -100,9 +101,8 @@ TEST_F(FileIOTest, NamesAreBuiltTakenApartAndGivenExtensions) {
         EXPECT_EQ(file.getBaseName(), base);
         EXPECT_EQ(file.getExtension(), extension);
         EXPECT_EQ(file.setExtension(added).getCompleteName(), result.empty() ? name : result);
-        const std::string line =
-            "4 DEBUG [ ] Adding extension - setting internal filename to: " + name + "." + added +
-            "\n";
+        std::string line = "4 DEBUG [ ] Adding extension - setting internal filename to: ";
+        line.append(name).append(".").append(added).append("\n");
         EXPECT_EQ(log_.take(), result.empty() ? Lines{} : Lines{line});
     }
 }

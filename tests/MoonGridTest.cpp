@@ -39,10 +39,10 @@ Values valuesOf(const MoonGrid& grid, std::size_t i, std::size_t t) {
 }
 
 void expectAgreement(const Values& grid, const Values& classic) {
-    for (std::size_t k = 0; k < VALUES; ++k)
-        EXPECT_LE(std::fabs(std::remainder(grid.at(k) - classic.at(k), CIRCLES.at(k))),
-                  PROMISED.at(k))
-            << "value " << k;
+    for (std::size_t k = 0; k < VALUES; ++k) {
+        const double difference = std::remainder(grid.at(k) - classic.at(k), CIRCLES.at(k));
+        EXPECT_LE(std::fabs(difference), PROMISED.at(k)) << "value " << k;
+    }
 }
 
 }  // namespace
@@ -74,10 +74,13 @@ TEST(MoonGridTest, AgreesWithTheClassicCall) {
 TEST(MoonGridTest, PhasesDoNotDependOnTheOrderOfInstants) {
     // Around 1800 the search for a new moon sometimes starts one too late; far ahead, new moons are
     // out of order.
-    std::vector<MJD_DATE> instants;
-    for (int day = 0; day < 400; ++day) instants.push_back(-40000.0 + 0.31 * day);
-    for (int day = 0; day < 400; ++day) instants.push_back(60000.0 - 0.77 * day);
-    for (int day = 0; day < 400; ++day) instants.push_back(6.5e9 - 0.9 * day);
+    std::vector<MJD_DATE> instants(1200);
+    for (std::size_t i = 0; i < instants.size(); ++i) {
+        const double day = static_cast<double>(i % 400);
+        instants[i] = i < 400   ? -40000.0 + 0.31 * day
+                      : i < 800 ? 60000.0 - 0.77 * day
+                                : 6.5e9 - 0.9 * day;
+    }
     double latitude = 0;
     double longitude = 0;
     getTelescopeCoord(latitude, longitude, VEK1);
