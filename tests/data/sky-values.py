@@ -64,7 +64,7 @@ def circle(x, y):
     return theta + 2 * PI if theta < 0 else theta
 
 
-def atan_circ(x, y): return [(circle(x, y), 2 * PI)]
+def atan_circ(x, y): return [(circle(x, y), 2 * PI if x and y else 0)]  # a constant on the axes
 
 
 def altit(dec, ha, lat):
@@ -218,7 +218,7 @@ lpmoon 2451545 nan 0 = nan 0 nan 0 nan 0
 lun_age nan = nan 0 0 0
 lun_age 1e300 = nan 0 0 0
 lun_age -1e300 = nan 0 0 0
-lun_age 6.9e9 = nan 0 0 0
+lun_age 6.8360001e9 = nan 0 0 0
 lunskybright nan 30 0.172 60 60 60.27 = 99 0
 getTelescopeCoord 5 = -1 0 0 0 0 0
 getTelescopeCoord -1 = -1 0 0 0 0 0
