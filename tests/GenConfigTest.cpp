@@ -72,14 +72,9 @@ class GenConfigTest : public ::testing::Test {
 protected:
     LogCapture log_;
 
-    std::string lines() {
-        std::string text;
-        for (const std::string& line : log_.take()) text += line;
-        return text;
-    }
     std::string commandLine(GenConfig& config) {
         config.displayCommandLine();
-        return lines();
+        return log_.takeText();
     }
     /// Of "TABLE PROGRAM [WORD...]": what parsing logs and returns, and leaves in the lists.
     std::string answer(const std::string& command) {
@@ -89,11 +84,11 @@ protected:
         for (std::size_t i = 1; i < words.size(); ++i) line.push_back(words[i].c_str());
         Config silent(line, TABLES.at(words[0]));
         const int status = silent.parseCommandLine(false);
-        EXPECT_EQ(lines(), "");
+        EXPECT_EQ(log_.takeText(), "");
         Config config(line, TABLES.at(words[0]));
         EXPECT_EQ(config.parseCommandLine(true), status);
         EXPECT_EQ(config.lists(), silent.lists());
-        const std::string errors = lines();
+        const std::string errors = log_.takeText();
         return errors + commandLine(config) + std::to_string(status) + "\n" + config.lists();
     }
 };

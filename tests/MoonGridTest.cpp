@@ -74,13 +74,11 @@ TEST(MoonGridTest, AgreesWithTheClassicCall) {
 TEST(MoonGridTest, PhasesDoNotDependOnTheOrderOfInstants) {
     // Around 1800 the search for a new moon sometimes starts one too late; far ahead, new moons are
     // out of order.
-    std::vector<MJD_DATE> instants(1200);
-    for (std::size_t i = 0; i < instants.size(); ++i) {
-        const double day = static_cast<double>(i % 400);
-        instants[i] = i < 400   ? -40000.0 + 0.31 * day
-                      : i < 800 ? 60000.0 - 0.77 * day
-                                : 6.5e9 - 0.9 * day;
-    }
+    std::vector<MJD_DATE> instants;
+    instants.reserve(1200);
+    for (int day = 0; day < 400; ++day) instants.push_back(-40000.0 + 0.31 * day);
+    for (int day = 0; day < 400; ++day) instants.push_back(60000.0 - 0.77 * day);
+    for (int day = 0; day < 400; ++day) instants.push_back(6.5e9 - 0.9 * day);
     double latitude = 0;
     double longitude = 0;
     getTelescopeCoord(latitude, longitude, VEK1);

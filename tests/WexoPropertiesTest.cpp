@@ -50,10 +50,9 @@ protected:
         if (words[0] == "number") status = get(words, number_);
         if (words[0] == "time") status = get(words, time_);
         if (words[0] == "bool") status = get(words, boolean_);
-        std::string lines;
-        for (const std::string& line : log_.take()) lines += line;
-        return lines + std::to_string(status) + ": " + string_ + ", " + std::to_string(number_) +
-               ", " + WexoTime::asUnixTimeString(time_) + (boolean_ ? ", true\n" : ", false\n");
+        return log_.takeText() + std::to_string(status) + ": " + string_ + ", " +
+               std::to_string(number_) + ", " + WexoTime::asUnixTimeString(time_) +
+               (boolean_ ? ", true\n" : ", false\n");
     }
 };
 

@@ -5,22 +5,18 @@
 #include <locale>
 #include <string>
 
-class GroupedDigits : public std::numpunct<char> {
-    char do_thousands_sep() const override { return ','; }
-    std::string do_grouping() const override { return "\3"; }
-};
-
 /// The program's locale, while it lives.
 class Grouping {
 public:
-    Grouping()
-        : before_(std::locale::global(std::locale(std::locale::classic(), new GroupedDigits))) {}
-    Grouping(const Grouping&) = delete;
-    Grouping& operator=(const Grouping&) = delete;
     ~Grouping() { std::locale::global(before_); }
 
 private:
-    std::locale before_;
+    struct Digits : std::numpunct<char> {
+        char do_thousands_sep() const override { return ','; }
+        std::string do_grouping() const override { return "\3"; }
+    };
+
+    std::locale before_ = std::locale::global(std::locale(std::locale::classic(), new Digits));
 };
 
 #endif  // TESTS_SUPPORT_GROUPING_H
