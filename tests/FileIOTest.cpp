@@ -101,8 +101,9 @@ TEST_F(FileIOTest, NamesAreBuiltTakenApartAndGivenExtensions) {
         EXPECT_EQ(file.getBaseName(), base);
         EXPECT_EQ(file.getExtension(), extension);
         EXPECT_EQ(file.setExtension(added).getCompleteName(), result.empty() ? name : result);
-        const std::string lead = "4 DEBUG [ ] Adding extension - setting internal filename to: ";
-        EXPECT_EQ(log_.takeText(), result.empty() ? "" : lead + name + "." + added + "\n");
+        std::string line = "4 DEBUG [ ] Adding extension - setting internal filename to: ";
+        line.append(name).append(".").append(added).append("\n");
+        EXPECT_EQ(log_.takeText(), result.empty() ? "" : line);
     }
 }
 
