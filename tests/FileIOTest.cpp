@@ -116,6 +116,9 @@ TEST_F(FileIOTest, ItsOwnNameIsAnArgumentLikeAnyOther) {
     std::string& extension = file.getExtension();
     file.getCompleteName() = "b";
     EXPECT_EQ(file.setExtension(extension).getCompleteName(), "b.a") << "a cache grown stale";
+    const std::string* const caches[] = {&file.getPath(), &file.getBaseName(), &extension};
+    file.clear();
+    for (const std::string* cache : caches) EXPECT_EQ(*cache, "");
     file.setFileName(dir_ / "f").write("text");
     file.rename(file.getCompleteName()).open(file.getCompleteName(), true, false);
     EXPECT_EQ(load(file), "text");

@@ -65,10 +65,9 @@ TEST_F(WexoLogConfigTest, OptionsComeInAFixedOrderAndARefusalShowsTheDirective) 
     for (directiveResult = -1; directiveResult <= 1; ++directiveResult)
         EXPECT_EQ(config_.configure(), directiveResult == -1 ? -1 : 0);
     EXPECT_EQ(directives, Lines(3, directive));
-    EXPECT_EQ(
-        log_.take(),
-        (Lines{"128 ERROR [ ] " + name + "Error configuring logging strategy : " + directive + "\n",
-               "4 DEBUG [ ] " + name + args + "\n", "4 DEBUG [ ] " + name + args + "\n"}));
+    const std::string done = "4 DEBUG [ ] " + name + args + "\n";
+    EXPECT_EQ(log_.takeText(), "128 ERROR [ ] " + name + "Error configuring logging strategy : " +
+                                   directive + "\n" + done + done);
 }
 
 TEST_F(WexoLogConfigTest, NothingSetAsksAceForNothing) {
@@ -99,9 +98,8 @@ TEST_F(WexoLogConfigTest, AThreadThatCannotBeStartedIsAFailure) {
                   becomeOrdinaryUser();
                   const rlimit none = {0, 0};
                   ::setrlimit(RLIMIT_NPROC, &none);
-                  const bool failed = WexoLogConfig::runReactorEventLoop() == -1;
-                  const bool said = log_.take() == Lines{"128 ERROR [ ] Error spawning reactor.\n"};
-                  return failed && said ? 0 : 1;
+                  if (WexoLogConfig::runReactorEventLoop() != -1) return 1;
+                  return log_.takeText() == "128 ERROR [ ] Error spawning reactor.\n" ? 0 : 2;
               }),
               0);
 }
