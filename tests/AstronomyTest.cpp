@@ -106,6 +106,8 @@ TEST(AstronomyTest, AtItsInstantTheNewMoonIsTheOldOne) {
     EXPECT_FALSE(std::isnan(lun_age(-6.3e10, &lunation))) << "the first lunation numbers";
 }
 
+static_assert(OLAN == 0 && VEK1 == 1 && VEK2 == 2 && VEK3 == 3 && VEK4 == 4, "programs keep them");
+
 TEST(ZarnMoonValTest, PrintsPhaseAltitudeAzimuthDistanceAndIllumination) {
     ZarnMoonVal moon;
     std::ostringstream text;

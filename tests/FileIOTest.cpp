@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <new>
@@ -64,7 +63,7 @@ protected:
             action();
             ADD_FAILURE() << "nothing thrown instead of: " << text;
         } catch (ZarnSysEx& exception) {
-            EXPECT_EQ(exception.what(), text);
+            EXPECT_EQ(ZarnSysEx(exception).what(), text);
             EXPECT_NE(static_cast<std::exception&>(exception).what(), text);
         }
         EXPECT_EQ(log_.take().back(), "128 ERROR [ ] " + text + "\n");

@@ -63,7 +63,7 @@ public:
 std::string helpOf(const Config& config) {
     std::ostringstream text;
     std::streambuf* standardOutput = std::cout.rdbuf(text.rdbuf());
-    config.displayHelp();
+    EXPECT_EQ(config.displayHelp(), 0);
     std::cout.rdbuf(standardOutput);
     return text.str();
 }
@@ -73,7 +73,7 @@ protected:
     LogCapture log_;
 
     std::string commandLine(GenConfig& config) {
-        config.displayCommandLine();
+        EXPECT_EQ(config.displayCommandLine(), 0);
         return log_.takeText();
     }
     /// Of "TABLE PROGRAM [WORD...]": what parsing logs and returns, and leaves in the lists.

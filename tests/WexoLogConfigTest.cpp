@@ -52,13 +52,13 @@ TEST_F(WexoLogConfigTest, OptionsComeInAFixedOrderAndARefusalShowsTheDirective) 
     const Grouping grouping;
     config_.setFileName("/tmp/a \"b.log");
     config_.setPriority("~DEBUG|INFO");
-    config_.setMaxNumFiles(5);
+    config_.setMaxNumFiles(1);
     config_.setProgramName("prog");
     config_.setMaxFileSize(1024000);
     config_.setInterval(60);
     config_.setCtrlFlags("STDERR|OSTREAM");
     const std::string args =
-        "\" -f STDERR|OSTREAM -i 60 -m 1024000 -n prog -N 5 -p ~DEBUG|INFO -s /tmp/a \"b.log\"";
+        "\" -f STDERR|OSTREAM -i 60 -m 1024000 -n prog -N 1 -p ~DEBUG|INFO -s /tmp/a \"b.log\"";
     const std::string directive =
         "dynamic Logger Service_Object *ACE:_make_ACE_Logging_Strategy() " + args;
     const std::string name = "WexoLogConfig::configure(). ";
