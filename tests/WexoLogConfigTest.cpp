@@ -1,10 +1,16 @@
+#include <ace/Event_Handler.h>
 #include <ace/Reactor.h>
 #include <ace/Service_Gestalt.h>
 #include <ace/Thread_Manager.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <chrono>
+#include <future>
 #include <vector>
 
+#include "tests/support/Child.h"
+#include "tests/support/Grouping.h"
 #include "tests/support/LogCapture.h"
 #include "zarnsys/util/WexoLogConfig.h"
 
@@ -28,27 +34,40 @@ protected:
     LogCapture log_;
     WexoLogConfig config_;
 
+    static void SetUpTestSuite() { ACE_Reactor::instance(); }  // whose files stay open
     void SetUp() override { directives.clear(); }
 };
 
-const std::string DIRECTIVE = "dynamic Logger Service_Object *ACE:_make_ACE_Logging_Strategy() ";
+/// Tells that the reactor called it.
+struct Called : ACE_Event_Handler {
+    std::promise<void> promise;
 
-TEST_F(WexoLogConfigTest, OptionsComeInAFixedOrder) {
+    int handle_input(ACE_HANDLE /*unused*/) override {
+        promise.set_value();
+        return 0;
+    }
+};
+
+TEST_F(WexoLogConfigTest, OptionsComeInAFixedOrderAndARefusalShowsTheDirective) {
+    const Grouping grouping;
     config_.setFileName("/tmp/a \"b.log");
     config_.setPriority("~DEBUG|INFO");
-    config_.setMaxNumFiles(5);
+    config_.setMaxNumFiles(1);
     config_.setProgramName("prog");
     config_.setMaxFileSize(1024000);
     config_.setInterval(60);
     config_.setCtrlFlags("STDERR|OSTREAM");
     const std::string args =
-        " -f STDERR|OSTREAM -i 60 -m 1024000 -n prog -N 5 -p ~DEBUG|INFO -s /tmp/a \"b.log";
-    for (const int result : {0, 1}) {
-        directiveResult = result;
-        EXPECT_EQ(config_.configure(), 0);
-        EXPECT_EQ(log_.take(), Lines{"4 DEBUG [ ] WexoLogConfig::configure(). \"" + args + "\"\n"});
-    }
-    EXPECT_EQ(directives, Lines(2, DIRECTIVE + "\"" + args + "\""));
+        "\" -f STDERR|OSTREAM -i 60 -m 1024000 -n prog -N 1 -p ~DEBUG|INFO -s /tmp/a \"b.log\"";
+    const std::string directive =
+        "dynamic Logger Service_Object *ACE:_make_ACE_Logging_Strategy() " + args;
+    const std::string name = "WexoLogConfig::configure(). ";
+    for (directiveResult = -1; directiveResult <= 1; ++directiveResult)
+        EXPECT_EQ(config_.configure(), directiveResult == -1 ? -1 : 0);
+    EXPECT_EQ(directives, Lines(3, directive));
+    const std::string done = "4 DEBUG [ ] " + name + args + "\n";
+    EXPECT_EQ(log_.takeText(), "128 ERROR [ ] " + name + "Error configuring logging strategy : " +
+                                   directive + "\n" + done + done);
 }
 
 TEST_F(WexoLogConfigTest, NothingSetAsksAceForNothing) {
@@ -61,27 +80,28 @@ TEST_F(WexoLogConfigTest, NothingSetAsksAceForNothing) {
     EXPECT_EQ(directives, Lines{});
 }
 
-TEST_F(WexoLogConfigTest, ARefusalShowsTheDirective) {
-    config_.setFileName("a.log");
-    directiveResult = -1;
-    EXPECT_EQ(config_.configure(), -1);
-    EXPECT_EQ(log_.take(),
-              Lines{"128 ERROR [ ] WexoLogConfig::configure(). Error configuring logging "
-                    "strategy : " +
-                    DIRECTIVE + "\" -s a.log\"\n"});
-}
-
-TEST_F(WexoLogConfigTest, TheReactorThreadOwnsTheReactorUntilItIsEnded) {
+TEST_F(WexoLogConfigTest, TheReactorRunsInAThreadOfItsOwnUntilItIsEnded) {
+    Called handler;
+    ACE_Reactor::instance()->notify(&handler, ACE_Event_Handler::READ_MASK);
     EXPECT_EQ(WexoLogConfig::runReactorEventLoop(), 0);
-    ACE_thread_t owner = 0;
-    do {
-        ACE_Reactor::instance()->owner(&owner);
-    } while (owner == ACE_Thread_Manager::instance()->thr_self());
+    EXPECT_EQ(handler.promise.get_future().wait_for(std::chrono::seconds(CHILD_SECONDS)),
+              std::future_status::ready);
     EXPECT_EQ(ACE_Reactor::instance()->reactor_event_loop_done(), 0);
     EXPECT_EQ(WexoLogConfig::endReactorEventLoop(), 0);
     EXPECT_EQ(ACE_Thread_Manager::instance()->wait(), 0);
     EXPECT_NE(ACE_Reactor::instance()->reactor_event_loop_done(), 0);
     EXPECT_EQ(log_.take(), Lines{});
+}
+
+TEST_F(WexoLogConfigTest, AThreadThatCannotBeStartedIsAFailure) {
+    EXPECT_EQ(inChild([&] {
+                  becomeOrdinaryUser();
+                  const rlimit none = {0, 0};
+                  ::setrlimit(RLIMIT_NPROC, &none);
+                  if (WexoLogConfig::runReactorEventLoop() != -1) return 1;
+                  return log_.takeText() == "128 ERROR [ ] Error spawning reactor.\n" ? 0 : 2;
+              }),
+              0);
 }
 
 }  // namespace

@@ -37,6 +37,11 @@ public:
 
     /// The lines since the last call.
     std::vector<std::string> take() { return std::exchange(lines_, {}); }
+    std::string takeText() {
+        std::string text;
+        for (const std::string& line : take()) text += line;
+        return text;
+    }
 
     int error() const { return error_; }               ///< error number in the last context
     const std::string& file() const { return file_; }  ///< source file in the last context
