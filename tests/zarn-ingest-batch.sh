@@ -39,20 +39,20 @@ testResume() {
     run 0 -p p.ini; says '3 converted, 0 failed'
 }
 
+hasAtLeast() { [ "$(find "$2" -name '*.fits' 2>/dev/null | wc -l)" -ge "$1" ]; }
+
 # Killed in the middle, and once more: the last run completes what the others left.
 testKills() {
     headers 600
     ls in/*.hdr >list
-    local i before=0 killed=0
+    local i before=0
     for i in 1 2 3; do
         "$program" -q -r -o out -l list 2>err.txt &
-        until [ "$(find out -name '*.fits' 2>/dev/null | wc -l)" -ge $((before + 40)) ]; do :; done
+        waitFor hasAtLeast $((before + 40)) out
         kill -KILL $!
-        wait $! 2>/dev/null
-        [ $? != 137 ] || killed=$((killed + 1))
+        ended 137 $! 2>/dev/null
         before=$(ls out | wc -l)
     done
-    check "killed" [ "$killed" = 3 ]
     check "left" [ "$before" -lt 600 ]
     run 0 -r -o out -l list; says '600 converted, 0 failed'
     run 0 -q -o single -l list
@@ -73,11 +73,11 @@ testJournal() {
     mkfifo names
     "$program" -q -j journal -o out --stdin <names 2>err2.txt &
     exec 9>names
-    until [ -n "$(find out -name '.zarn*' 2>/dev/null)" ]; do :; done
+    waitFor begun out
     run 1 -j journal -o out in/2.hdr
     says 'another zarn-ingest works in the directory journal'
     echo in/2.hdr >&9; exec 9>&-
-    wait $!; check "the first run" [ $? = 0 ]
+    ended 0 $!
     check "its line" [ "$(journalFields journal 3 | tail -n 1)" = in/2.hdr ]
     printf '[ingest]\nlist = list\noutput-dir = out\n[service]\njournal = listed\n' >p.ini
     echo in/3.hdr >list
@@ -164,6 +164,8 @@ testShardsTogether() {
     check "a dry run" [ ! -s out.txt ]
 }
 
+toldAtLeast() { [ "$(cat "$2"/*.journal 2>/dev/null | wc -l)" -ge "$1" ]; }
+
 # A task of the job array, as the batch system starts it: "${task[@]}" after setTask NUMBER ATTEMPT.
 setTask() {
     task=(env SLURM_ARRAY_JOB_ID=7 SLURM_ARRAY_TASK_ID="$1" SLURM_RESTART_COUNT="$2"
@@ -188,10 +190,9 @@ testArray() {
     done
     setTask 2 0
     "${task[@]}" &
-    until [ "$(cat journals/7_2.0/*.journal 2>/dev/null | wc -l)" -ge 5 ]; do :; done
+    waitFor toldAtLeast 5 journals/7_2.0
     kill -KILL $!
-    wait $! 2>/dev/null
-    check "killed" [ $? = 137 ]
+    ended 137 $! 2>/dev/null
     setTask 1 0; "${task[@]}" 2>err.txt
     setTask 3 0; "${task[@]}" 2>>err.txt
     collected 1 list journals

@@ -37,6 +37,7 @@ testOneRun() {
     cp "$samples/imager.hdr" in/l; ln -s l in/link.hdr
     touch other; mv other failed/other.txt
     run 0 -v -p p.ini --retry-failed -f
+    hasNot failed/a.hdr.reason
     check "a result with more cards" [ "$(fold -w 80 fits/a.fits | grep -c OBSERVER)" = 0 ]
     has failed/other.txt; has fits/link.fits; [ -L done/link.hdr ] || check "the link" false
     check "modes" [ "$(stat -c %a fits/a.fits)" = 664 ]
@@ -83,6 +84,7 @@ testWatch() {
     for i in 1 2 3 4 5 6; do sleep 0.5; echo "COMMENT $i" >>in/slow.hdr; done
     check "taken half-finished" [ ! -e fits/slow.fits ]
     waitFor [ -e done/slow.hdr ]
+    arrive a.hdr; waitFor [ -e done/a.hdr.~1~ ]  # no clash with the look before
     check "not the whole file" grep -q 'COMMENT 6' fits/slow.fits
     "$program" -p p.ini -w -o fits2 2>err2.txt
     check "a second service" [ $? = 1 ]
@@ -102,7 +104,7 @@ testRecovery() {
     printf 'torn' >>journal/*.journal
     mv done/b.hdr in/b.hdr
     sed -i '/b.hdr/d' journal/*.journal                  # killed between result and journal
-    mkdir "fits/.zarn-ingest-$(uname -n)-AAAAAA"
+    mkdir "fits/.zarn-ingest-$(uname -n | tr -c 'A-Za-z0-9.\n-' _)-AAAAAA"
     sed -i 's/\t1/\t2/' journal/*.journal               # a clock that was set back since
     arrive a0.hdr a.hdr
     run 0 -v -p p.ini
@@ -111,6 +113,47 @@ testRecovery() {
     check "a torn line" [ -z "$(grep torn journal/*.journal)" ]
     check "lines" [ "$(journalFields 3 | sort | uniq -c | tr -s ' \n' ' ')" = \
         ' 2 in/a.hdr 1 in/a0.hdr 1 in/b.hdr 1 in/c.hdr ' ]
+}
+
+# The steps of one file are on disk in the order that makes a crash harmless.
+testOrder() {
+    needsTracing || return
+    properties; arrive a.hdr; cp "$samples/broken.hdr" in/
+    trace() {
+        ASAN_OPTIONS=detect_leaks=0 strace -f -y -o trace.txt -e trace=fsync,renameat,renameat2,write \
+            "$program" -q "$@" 2>err.txt
+        sed -nE "s|$PWD/?||g; s|[0-9]+ +||; s|\.zarn-ingest-[^>]*-[A-Za-z0-9]{6}|WORK|
+            s|zarn-ingest-[0-9-]{10}|DATE|; s|.*(/memfd:\|err.txt).*||
+            s|^fsync\([0-9]+<(.*)>\) += 0$|sync \1|p; s|^write\([0-9]+<([a-z].*)>, .* = [0-9]+$|write \1|p
+            s|^renameat2?\(([0-9]+<([^>]*)>)?[^\"]*\"([^\"]*)\", ([0-9]+<([^>]*)>)?[^\"]*\"([^\"]*)\".* = 0$|rename \2 \3 \5 \6|p" trace.txt |
+            uniq | diff - expected
+    }
+    cat >expected <<'STEPS'
+write fits/WORK/1.fits
+sync fits/WORK/1.fits
+rename fits/WORK 1.fits fits a.fits
+sync fits
+sync journal
+write journal/DATE.journal
+sync journal/DATE.journal
+rename  in/a.hdr  done/a.hdr
+sync done
+sync in
+write journal/DATE.journal
+sync journal/DATE.journal
+write failed/broken.hdr.reason
+sync failed/broken.hdr.reason
+rename  in/broken.hdr  failed/broken.hdr
+sync failed
+sync in
+STEPS
+    check "the service" trace -p p.ini
+    sed -i '/rename  /,$d' expected
+    rm -r fits journal/*; mkdir fits
+    check "a batch" trace -r -j journal -o fits done/a.hdr
+    sed -i '/journal/d; /write/d; /rename/d; s|WORK/1|a|' expected; printf '%s\n' 'sync journal' 'write journal/DATE.journal' 'sync journal/DATE.journal' >>expected
+    rm journal/*
+    check "one that was done already" trace -r -j journal -o fits done/a.hdr
 }
 
 # A result with the moon's values is recognised, too; one without them is another file.
@@ -130,6 +173,34 @@ testMoon() {
     check "the option wins" grep -q '(OLAN)' fits/a.fits
     properties ingest moon VEK9
     run 2 -p p.ini; says 'p.ini: [ingest] moon = VEK9: must be one of OLAN, VEK1, VEK2, VEK3, VEK4'
+}
+
+# What failed is put back, each name once, and never over what arrived since.
+testRetry() {
+    properties; cp "$samples/broken.hdr" in/x.hdr; cp "$samples/broken.hdr" in/y.hdr
+    run 1 -q -p p.ini; cp "$samples/broken.hdr" in/x.hdr; run 1 -q -p p.ini
+    arrive y.hdr; mkdir failed/z.hdr; touch failed/.hidden.hdr
+    run 1 -p p.ini --retry-failed
+    told <<'MESSAGES'
+zarn-ingest: failed/x.hdr.~1~: cannot be put back to in/x.hdr: File exists
+zarn-ingest: failed/y.hdr: cannot be put back to in/y.hdr: File exists
+zarn-ingest: in/x.hdr:7: a blank stands within the keyword: "EXP TIME=                 60.0 / a keyword must not hold a blank" (CFITSIO status 207)
+zarn-ingest: 1 converted, 1 failed
+MESSAGES
+    check "places" [ "$(ls -A failed | tr '\n' ' ')" = \
+        '.hidden.hdr x.hdr x.hdr.reason x.hdr.~1~ x.hdr.~1~.reason y.hdr y.hdr.reason z.hdr ' ]
+}
+
+# A source that someone writes to meanwhile is no result yet, and is looked at again.
+testChange() {
+    needsTracing || return
+    properties; arrive a.hdr
+    ASAN_OPTIONS=detect_leaks=0 strace -f -o trace -e inject=fsync:delay_enter=2000000:when=1 "$program" -p p.ini 2>err.txt &
+    waitFor eval '[ -s fits/.zarn*/1.fits ]'
+    sed -i 's/Field 17/Field 18/' in/a.hdr
+    ended 1 $!
+    says 'in/a.hdr: changed while it was converted; it is looked at again'; has in/a.hdr; hasNot fits/a.fits
+    run 0 -q -p p.ini; check "the later text" grep -q 'Field 18' fits/a.fits
 }
 
 testRoom() {

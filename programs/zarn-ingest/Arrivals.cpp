@@ -1,6 +1,5 @@
 #include "Arrivals.h"
 
-#include <sys/stat.h>
 #include <zarnsys/util/FileIO.h>
 
 #include <utility>
@@ -8,12 +7,6 @@
 #include "IngestError.h"
 #include "Pattern.h"
 #include "UsageError.h"
-
-namespace {
-
-constexpr std::int64_t NANOSECONDS = 1000000000;
-
-}  // namespace
 
 Arrivals::Arrivals(const std::string& pattern, std::chrono::seconds settle)
     : pattern_(pattern), directory_(FileIO(pattern, true, false).getPath()), settle_(settle) {
@@ -29,14 +22,13 @@ std::vector<std::string> Arrivals::settled() {
     std::map<std::string, Seen> seen;
     std::vector<std::string> settled;
     for (const std::string& name : names) {
-        Seen file = {};
-        if (!look(name, file)) continue;
-        file.since = now;
+        const std::optional<FileVersion> version = versionOf(name);
+        if (!version) continue;
         const auto before = seen_.find(name);
-        if (before != seen_.end() && isSame(before->second, file))
-            file.since = before->second.since;
-        seen.emplace(name, file);
-        if (now - file.since >= settle_) settled.push_back(name);
+        const bool isSame = before != seen_.end() && before->second.version == *version;
+        const Clock::time_point since = isSame ? before->second.since : now;
+        seen.emplace(name, Seen{*version, since});
+        if (now - since >= settle_) settled.push_back(name);
     }
     seen_ = std::move(seen);
     unsettled_ = seen_.size() - settled.size();
@@ -44,28 +36,12 @@ std::vector<std::string> Arrivals::settled() {
 }
 
 bool Arrivals::isUnchanged(const std::string& name) const {
-    Seen now = {};
     const auto before = seen_.find(name);
-    return before != seen_.end() && look(name, now) && isSame(before->second, now);
+    return before != seen_.end() && versionOf(name) == before->second.version;
 }
 
 std::vector<std::string> Arrivals::present() const {
     std::vector<std::string> names;
     for (const auto& [name, seen] : seen_) names.push_back(name);
     return names;
-}
-
-/// Looks at a file, through a link unless that dangles; false for what is no file.
-bool Arrivals::look(const std::string& name, Seen& seen) {
-    struct stat status = {};
-    if (::stat(name.c_str(), &status) != 0 && ::lstat(name.c_str(), &status) != 0) return false;
-    if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) return false;
-    seen.inode = status.st_ino;
-    seen.size = status.st_size;
-    seen.modified = status.st_mtim.tv_sec * NANOSECONDS + status.st_mtim.tv_nsec;
-    return true;
-}
-
-bool Arrivals::isSame(const Seen& left, const Seen& right) {
-    return left.inode == right.inode && left.size == right.size && left.modified == right.modified;
 }

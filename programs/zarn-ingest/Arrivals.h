@@ -2,13 +2,12 @@
 #ifndef ZARN_INGEST_ARRIVALS_H
 #define ZARN_INGEST_ARRIVALS_H
 
-#include <sys/types.h>
-
 #include <chrono>
-#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
+
+#include "FileVersion.h"
 
 class Arrivals {
 public:
@@ -36,14 +35,9 @@ public:
 
 private:
     struct Seen {
-        ino_t inode;
-        off_t size;
-        std::int64_t modified;    ///< [ns since the epoch]
-        Clock::time_point since;  ///< when both were first seen so
+        FileVersion version;
+        Clock::time_point since;  ///< when it was first seen so
     };
-
-    static bool look(const std::string& name, Seen& seen);
-    static bool isSame(const Seen& left, const Seen& right);
 
     std::string pattern_;
     std::string directory_;

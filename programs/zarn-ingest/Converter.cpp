@@ -13,6 +13,7 @@
 #include <iostream>
 #include <system_error>
 
+#include "FileVersion.h"
 #include "Fits.h"
 #include "IngestError.h"
 #include "MemoryFile.h"
@@ -131,6 +132,18 @@ std::string resultName(const std::string& input) {
     return (hasStem ? baseName.substr(0, dot) : baseName) + ".fits";
 }
 
+/// An input's text, and the version of the file that it was read from.
+struct Converter::Source {
+    explicit Source(const std::string& fileName)
+        : name(fileName), version(versionOf(fileName)), text(HeaderText::read(fileName)) {}
+
+    bool isUnchanged() const { return versionOf(name) == version; }
+
+    std::string name;
+    std::optional<FileVersion> version;
+    HeaderText text;
+};
+
 Converter::Converter(const ConversionOptions& options, const OutputDirectory& output)
     : options_(options),
       output_(output),
@@ -175,7 +188,8 @@ void Converter::convertOrThrow(const Input& input, Outcome& outcome) {
     const std::string name = resultName(input.name);
     outcome.result = output_.path(name);
     claim(input, name);
-    HeaderText text = HeaderText::read(input.name);
+    Source source(input.name);
+    HeaderText& text = source.text;
     outcome.cards = text.cards().size();
     if (options_.moon) outcome.moon = moonCards(text, *options_.moon);
     text.append(outcome.moon.lines);
@@ -188,7 +202,7 @@ void Converter::convertOrThrow(const Input& input, Outcome& outcome) {
                          (isDone ? " gave: " : " to ") + printable(outcome.result) + "\n";
         return;
     }
-    if (!isDone) writeOrExplain(text, name);
+    if (!isDone) writeOrExplain(source, name);
     outcome.size = std::filesystem::file_size(outcome.result);
 }
 
@@ -244,26 +258,26 @@ void Converter::checkReplaceable(const std::string& result) const {
 }
 
 /// CFITSIO does not say why a file cannot be made: a trial of the same size does.
-void Converter::writeOrExplain(const HeaderText& text, const std::string& name) const {
+void Converter::writeOrExplain(const Source& source, const std::string& name) const {
     try {
-        write(text, name);
+        write(source, name);
     } catch (const FitsFileError& error) {
-        work_->checkRoom(text.cards().size() * CARD_LENGTH + FITS_BLOCK);
+        work_->checkRoom(source.text.cards().size() * CARD_LENGTH + FITS_BLOCK);
         throw InputWaits(error.what());
     }
 }
 
-void Converter::write(const HeaderText& text, const std::string& name) const {
+void Converter::write(const Source& source, const std::string& name) const {
     fits_clear_errmsg();
-    // What was examined is converted, even if the input changes meanwhile.
-    const MemoryFile source(text.text(!options_.checksum));
+    const MemoryFile text(source.text.text(!options_.checksum));
     WorkFile target(*work_);
-    makeFile(source, target, options_.checksum);
+    makeFile(text, target, options_.checksum);
     target.open();
-    verifyFile(target.openedPath(), text, options_.checksum);
+    verifyFile(target.openedPath(), source.text, options_.checksum);
     // Opening it gives the result the archive's permission bits.
     FileIO(target.openedPath(), true, false).open(target.openedPath(), true, false);
     if (options_.durable) target.sync();
+    if (!source.isUnchanged()) throw InputWaits("changed while it was converted; try again");
     target.putInPlace(name, options_.overwrite);
     if (options_.durable) work_->output().sync();
 }

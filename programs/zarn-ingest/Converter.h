@@ -54,6 +54,7 @@ public:
 
 private:
     using FileId = std::pair<dev_t, ino_t>;
+    struct Source;
 
     void convertOrThrow(const Input& input, Outcome& outcome);
     void protect(const std::string& source);
@@ -61,8 +62,8 @@ private:
     bool isFree(const std::string& result) const;
     bool isKept(const HeaderText& text, const std::string& result) const;
     void checkReplaceable(const std::string& result) const;
-    void writeOrExplain(const HeaderText& text, const std::string& name) const;
-    void write(const HeaderText& text, const std::string& name) const;
+    void writeOrExplain(const Source& source, const std::string& name) const;
+    void write(const Source& source, const std::string& name) const;
 
     const ConversionOptions options_;
     const OutputDirectory output_;

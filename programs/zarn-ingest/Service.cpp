@@ -17,6 +17,8 @@
 
 namespace {
 
+const std::string CHANGED = "changed while it was converted; it is looked at again";
+
 using std::chrono::seconds;
 
 ConversionOptions conversionOf(const Settings& settings) {
@@ -188,12 +190,9 @@ bool Service::handle(const Input& input) {
         converter_.reset();
         return false;
     }
-    if (!arrivals_.isUnchanged(input.name)) {
-        reporter_.error(input.name + " changed while it was converted; it is looked at again");
-        return true;
-    }
-    if (outcome.status == Outcome::Status::WAITS) {
-        troubles_.meet(problemText(input.name, 0, outcome.problem));
+    const bool changed = !arrivals_.isUnchanged(input.name);
+    if (outcome.status == Outcome::Status::WAITS || changed) {
+        troubles_.meet(problemText(input.name, 0, changed ? CHANGED : outcome.problem));
         return true;
     }
     if (!tell(input, outcome)) return false;
