@@ -54,8 +54,7 @@ void LogLine::operator()(const char* format, ...) const {
     va_start(arguments, format);
     const std::string message = formatted(format, arguments);
     va_end(arguments);
-    const std::string lineFormat =
-        std::string("%D ") + levelWord(priority_) + " [ %t ] %s\n";
+    const std::string lineFormat = std::string("%D ") + levelWord(priority_) + " [ %t ] %s\n";
     ACE_Log_Msg* log = ACE_Log_Msg::instance();
     log->conditional_set(file_, line_, 0, error_);
     log->log(priority_, lineFormat.c_str(), message.c_str());
