@@ -224,12 +224,13 @@ TEST_F(FileIOTest, NewDirectoriesGetTheirBitsWhateverTheirName) {
     const std::string names[] = {"a,b+c:@%=d", "two words",  "$(touch x)", "a;touch x",
                                  "`touch x`",  "it's \"q\"", "new\nline",  "*"};
     ASSERT_EQ(::chdir((dir_ / "").c_str()), 0);
+    ASSERT_EQ(::chmod(".", 02755), 0);  // directories in this one inherit its group, and this bit
     for (const std::string& name : names) {
         file.checkCreateDir(dir_ / name);
-        EXPECT_EQ(dir_.mode(name), 0755) << name;
+        EXPECT_EQ(dir_.mode(name), 02755) << name;
     }
     file.checkCreateDir("-R");
-    EXPECT_EQ(dir_.mode("-R"), 0755);
+    EXPECT_EQ(dir_.mode("-R"), 02755);
     EXPECT_EQ(dir_.mode("x"), -1) << "part of a name was run";
     dir_.put("file", "");
     EXPECT_NO_THROW(file.checkCreateDir(dir_ / "file"));

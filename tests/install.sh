@@ -29,6 +29,16 @@ cmake/consumer 2>/dev/null || die "the consumer built by CMake does not work"
 # A package's programs have no path to the library: the loader knows its directory.
 [ -n "$(sed -n 's/^CMAKE_INSTALL_RPATH:STRING=//p' "$build/CMakeCache.txt")" ] || export LD_LIBRARY_PATH="$libdir"
 prefix/bin/zarn-ingest --version >/dev/null || die "the installed program does not run"
+# Programs may put their own calls before the system's, and include headers without their folders.
+for call in chmod close fchmod fcntl glob globfree mkdir nanosleep open read remove rename stat statvfs system write; do
+    nm -D --undefined-only "$library" | grep -qE " $call(@|\$)" || [ "$(getconf LONG_BIT)" = 32 ] ||
+        die "the library does not call $call by this name"
+done
+for header in prefix/include/zarnsys/util/*.h; do
+    # shellcheck disable=SC2046 # flags are words
+    "$compiler" -std=c++17 -fsyntax-only -include "$(basename "$header")" -iquote prefix/include/zarnsys/util \
+        $(pkg-config --cflags ACE cfitsio) -x c++ - </dev/null || die "$header needs its folder"
+done
 leaks=$(nm -DC --defined-only "$library" | cut -d' ' -f3- |
     grep -vE '^(vtable for |typeinfo (name )?for )?(FileIO|GenConfig|WexoLogConfig|WexoProperties|WexoTime|ZarnMoonVal|ZarnSys|ZarnSysEx|ZarnSysFits|adj_time|altit|atan_circ|computeMoonGrid|computeMoonParam|flmoon|getTelescopeCoord|lpmoon|lpsun|lst|lun_age|lunskybright|subtend)\b|^ZARNSYSUTIL_0$' || true)
 [ -z "$leaks" ] || die "symbols beyond the public interface: $leaks"

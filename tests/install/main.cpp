@@ -12,8 +12,13 @@
 #include <zarnsys/util/WexoProperties.h>
 #include <zarnsys/util/WexoTime.h>
 #include <zarnsys/util/ZarnMoonVal.h>
-#include <zarnsys/util/ZarnSysEx.h>
 #include <zarnsys/util/ZarnTime.h>
+
+namespace {
+
+ZarnSysEx asException(const std::string& text) { return text; }
+
+}  // namespace
 
 int main(int argc, char** argv) {
     std::vector<const char*> arguments(argv, argv + argc);
@@ -23,7 +28,11 @@ int main(int argc, char** argv) {
     try {
         FileIO("missing/file", true, false).isFile();
     } catch (ZarnSysEx& error) {
-        const bool works = ZarnSys::lower(error.what()).find("missing/file") != std::string::npos &&
+        ZarnSysFits::FitsFile* opened = nullptr;
+        FitsFile* same = opened;
+        const bool works = asException("x").what() == "x" && same == nullptr &&
+                           ZarnSysFits::openFitsFile(opened, "missing", READONLY) != 0 &&
+                           ZarnSys::lower(error.what()).find("missing/file") != std::string::npos &&
                            ZarnSys::getFilesystemInfo(".", &total, &available) == 0 &&
                            config.parseCommandLine(false) == 0 &&
                            ZarnSysFits::RECORD_MAX_LENGTH == FLEN_CARD && adj_time(36.5) == -11.5 &&

@@ -8,7 +8,7 @@
 #ifndef ZARNSYS_UTIL_ASTRONOMY_H
 #define ZARNSYS_UTIL_ASTRONOMY_H
 
-#include "zarnsys/util/Export.h"
+#include "Export.h"
 
 /// Local mean sidereal time, by the expression of the IAU of 1982.
 ///

@@ -23,13 +23,14 @@ const char rcsId[] = "@(#) $Id: FileIO.cpp,v " ZARNSYS_VERSION " " ZARNSYS_SOURC
 // An optimiser drops a text that nothing reads; this pointer must stay, and the text with it.
 [[gnu::used]] const char* const use_rcsId = rcsId;
 
-constexpr mode_t FILE_MODE = 0664;            // rw-rw-r--, whatever the umask
-constexpr mode_t NEW_DIRECTORY_MODE = 01755;  // at creation, less the umask
-constexpr mode_t DIRECTORY_MODE = 0755;       // rwxr-xr-x, set afterwards
-constexpr std::size_t READ_CHUNK = 1024;      // bytes per read call
-constexpr int NO_FILE = 0;                    // value of fd_ without an open file
-constexpr char CURRENT_DIRECTORY[] = ".";     // always there, even if it cannot be searched
-constexpr char ROOT_DIRECTORY[] = "/";        // likewise
+constexpr mode_t FILE_MODE = 0664;             // rw-rw-r--, whatever the umask
+constexpr mode_t NEW_DIRECTORY_MODE = 01755;   // at creation, less the umask
+constexpr mode_t DIRECTORY_MODE = 0755;        // rwxr-xr-x, set afterwards
+constexpr mode_t ID_BITS = S_ISUID | S_ISGID;  // inherited ones stay, as /bin/chmod leaves them
+constexpr std::size_t READ_CHUNK = 1024;       // bytes per read call
+constexpr int NO_FILE = 0;                     // value of fd_ without an open file
+constexpr char CURRENT_DIRECTORY[] = ".";      // always there, even if it cannot be searched
+constexpr char ROOT_DIRECTORY[] = "/";         // likewise
 constexpr char CHMOD_COMMAND[] = "/bin/chmod 755 ";
 
 // Characters that mean themselves to the shell, anywhere in a word.
@@ -77,7 +78,9 @@ int otherThanNoFile(int fd) {
 void setDirectoryMode(const std::string& directory) {
     const bool plain = directory.find_first_not_of(PLAIN_CHARACTERS) == std::string::npos;
     if (!plain || directory.front() == '-') {
-        static_cast<void>(::chmod(directory.c_str(), DIRECTORY_MODE));
+        struct stat status = {};
+        static_cast<void>(::stat(directory.c_str(), &status));
+        static_cast<void>(::chmod(directory.c_str(), DIRECTORY_MODE | (status.st_mode & ID_BITS)));
         return;
     }
     const std::string chmodCmd = CHMOD_COMMAND + directory;

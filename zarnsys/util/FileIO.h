@@ -9,7 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "zarnsys/util/Export.h"
+#include "Export.h"
+#include "ZarnSysEx.h"
 
 /// One file (for `match`: a pattern), known by a single string, its complete name.
 ///

@@ -11,13 +11,15 @@
 
 #include <string>
 
-#include "zarnsys/util/Export.h"
+#include "Export.h"
 
 /// Handle of an open FITS file.
 using FitsFile = fitsfile;
 
 /// FITS files through CFITSIO.
 namespace ZarnSysFits {
+
+using ::FitsFile;
 
 /// Bytes that hold one header card: 80 characters and the terminating NUL.
 ZARNSYS_EXPORT inline constexpr int RECORD_MAX_LENGTH = 81;

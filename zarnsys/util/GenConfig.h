@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "zarnsys/util/Export.h"
+#include "Export.h"
 
 /// Base class of every program's configuration.
 ///

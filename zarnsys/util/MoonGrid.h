@@ -14,9 +14,9 @@
 #include <cstddef>
 #include <vector>
 
-#include "zarnsys/util/Export.h"
-#include "zarnsys/util/ZarnMoonVal.h"
-#include "zarnsys/util/ZarnTime.h"
+#include "Export.h"
+#include "ZarnMoonVal.h"
+#include "ZarnTime.h"
 
 /// A target's place in the equinox of date, see `computeMoonParam`.
 struct MoonTarget {

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "zarnsys/util/Export.h"
+#include "Export.h"
 
 /// Everyday helpers.
 namespace ZarnSys {

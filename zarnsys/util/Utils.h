@@ -6,7 +6,7 @@
 #ifndef ZARNSYS_UTIL_UTILS_H
 #define ZARNSYS_UTIL_UTILS_H
 
-#include "zarnsys/util/Export.h"
+#include "Export.h"
 
 namespace ZarnSys {
 

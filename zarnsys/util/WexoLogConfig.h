@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "zarnsys/util/Export.h"
+#include "Export.h"
 
 /// The settings of a program's log, for one call of `configure`.
 ///

@@ -8,7 +8,7 @@
 
 #include <string>
 
-#include "zarnsys/util/Export.h"
+#include "Export.h"
 
 ACE_BEGIN_VERSIONED_NAMESPACE_DECL
 class ACE_Ini_ImpExp;

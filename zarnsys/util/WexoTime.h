@@ -10,7 +10,7 @@
 
 #include <string>
 
-#include "zarnsys/util/Export.h"
+#include "Export.h"
 
 /// Times as text.
 namespace WexoTime {

@@ -5,8 +5,8 @@
 
 #include <iosfwd>
 
-#include "zarnsys/util/Export.h"
-#include "zarnsys/util/ZarnTime.h"
+#include "Export.h"
+#include "ZarnTime.h"
 
 /// The telescopes served: OLAN on one site, VEK1 to VEK4 on another.
 enum Telescope : int { OLAN = 0, VEK1 = 1, VEK2 = 2, VEK3 = 3, VEK4 = 4 };

@@ -6,7 +6,7 @@
 #include <exception>
 #include <string>
 
-#include "zarnsys/util/Export.h"
+#include "Export.h"
 
 #pragma GCC diagnostic push
 // what() hides the standard operation on purpose: programs change the text through it.
@@ -20,7 +20,8 @@
 class ZARNSYS_EXPORT ZarnSysEx : public std::exception {
 public:
     /// @param msg  message text, copied
-    explicit ZarnSysEx(const std::string& msg);
+    // NOLINTNEXTLINE(google-explicit-constructor): a text may stand for the exception
+    ZarnSysEx(const std::string& msg);
     ZarnSysEx(const ZarnSysEx& other);             ///< copies the message
     ZarnSysEx& operator=(const ZarnSysEx& other);  ///< copies the message
     ~ZarnSysEx() override;
