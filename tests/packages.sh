@@ -16,10 +16,8 @@ install() {
 
 install "$packages"/libzarnsysutil0_*.deb "$packages"/zarn-tools_*.deb
 ! dpkg -l '*-dev' 2>/dev/null | grep '^ii' || die "with these, it does not show whether the programs need them"
-for test in zarn-ingest zarn-ingest-moon zarn-ingest-service zarn-moon; do
-    program=zarn-ingest
-    [ "$test" != zarn-moon ] || program=$test
-    "$project/tests/$test.sh" "/usr/bin/$program" "$project/examples/headers" >log 2>&1 || die "$test: $(cat log)"
+for test in zarn-ingest/files zarn-ingest/moon zarn-ingest/service zarn-moon/nights; do
+    "$project/tests/$test.sh" "/usr/bin/${test%/*}" "$project/examples/headers" >log 2>&1 || die "$test: $(cat log)"
     echo "$test: $(tail -n 1 log)"
 done
 

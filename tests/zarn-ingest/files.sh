@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # Tests of zarn-ingest as an operator meets it: names, refusals, losses, signals, full disks.
-#   zarn-ingest.sh PROGRAM SAMPLES [REAL_HEADERS]
+#   files.sh PROGRAM SAMPLES [REAL_HEADERS]
 # Everything happens in a directory of its own, which is removed at the end.
 set -u
 program=$(realpath "$1") samples=$(realpath "$2") real=${3:-}
-. "$(dirname "$0")/support/checks.sh"
-. "$(dirname "$0")/support/headers.sh"
-data=$(realpath "$(dirname "$0")/data/headers")
+. "$(dirname "$0")/../support/checks.sh"
+. "$(dirname "$0")/../support/headers.sh"
+data=$(realpath "$(dirname "$0")/../data/zarn-ingest")
 
 testUsage() {
     run 0 --help; silent

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Accidents of an operator and of a machine under zarn-ingest: nothing is lost, misjudged or hidden.
-#   zarn-ingest-accidents.sh PROGRAM SAMPLES
+#   accidents.sh PROGRAM SAMPLES
 # Disks are small file systems in memory, for root in a name space of their own; failing system
 # calls are strace's. What the machine does not allow is skipped, and said.
 set -u
@@ -10,8 +10,8 @@ fi
 mounts=false
 [ "${1:-}" != --mounts ] || { mounts=true; shift; }
 program=$(realpath "$1") samples=$(realpath "$2")
-. "$(dirname "$0")/support/checks.sh"
-. "$(dirname "$0")/support/service.sh"
+. "$(dirname "$0")/../support/checks.sh"
+. "$(dirname "$0")/../support/service.sh"
 
 skipped() { echo "skipped: $current: $1"; }
 needsMounts() { $mounts || skipped 'needs root and a mount name space'; $mounts; }

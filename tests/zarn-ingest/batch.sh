@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # Tests of zarn-ingest under a batch system: going on after a kill, journals, shards.
-#   zarn-ingest-batch.sh PROGRAM EXAMPLES
+#   batch.sh PROGRAM EXAMPLES
 # Everything happens in a directory of its own, which is removed at the end.
 set -u
 program=$(realpath "$1") examples=$(realpath "$2")
 samples=$examples/headers
-. "$(dirname "$0")/support/checks.sh"
-. "$(dirname "$0")/support/headers.sh"
+. "$(dirname "$0")/../support/checks.sh"
+. "$(dirname "$0")/../support/headers.sh"
 
 journalFields() { cat "$1"/*.journal | cut -f "$2"; }
 # headers NUMBER: as many in the directory in, each with an object of its own.

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Tests of zarn-ingest as a service: arrivals, journal, moves, crashes, logs.
-#   zarn-ingest-service.sh PROGRAM SAMPLES
+#   service.sh PROGRAM SAMPLES
 # Everything happens in a directory of its own, which is removed at the end.
 set -u
 program=$(realpath "$1") samples=$(realpath "$2")
-. "$(dirname "$0")/support/checks.sh"
-. "$(dirname "$0")/support/service.sh"
+. "$(dirname "$0")/../support/checks.sh"
+. "$(dirname "$0")/../support/service.sh"
 
 testOneRun() {
     properties; arrive a.hdr b.hdr; cp "$samples/broken.hdr" in/; mkdir in/d.hdr

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Makes sky-values.txt: the moon and sky routines' formulas with 50 digits (python3-mpmath).
 
-  bench/sky-table.py >tests/data/sky-values.txt
+  accuracy/sky-table.py >tests/data/library/sky-values.txt
 
 A row: routine, inputs, "=", and each output with its tolerance, which is four units of the last
 place of the largest number that enters it, in its unit. Inputs are the very doubles; constants are
@@ -224,7 +224,7 @@ getTelescopeCoord 5 = -1 0 0 0 0 0
 getTelescopeCoord -1 = -1 0 0 0 0 0
 getTelescopeCoord 3 = 0 0 -29.8639 0 67.4134 0"""
 
-print('# Made by bench/sky-table.py, which says how.')
+print('# Made by accuracy/sky-table.py, which says how.')
 for routine, *inputs in ROWS:
     outputs = routine(*(x if routine is flmoon else mpf(x) for x in inputs))
     print(routine.__name__, *inputs, '=',

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
 # Tests of the moon's values that zarn-ingest adds to headers.
-#   zarn-ingest-moon.sh PROGRAM
+#   moon.sh PROGRAM
 set -u
 export LC_ALL=C
 program=$(realpath "$1")
 # shellcheck source-path=SCRIPTDIR
-. "$(dirname "$0")/support/checks.sh"
-. "$(dirname "$0")/support/headers.sh"
-malformed=$(realpath "$(dirname "$0")/data/zarn-ingest-moon/malformed.txt")
+. "$(dirname "$0")/../support/checks.sh"
+. "$(dirname "$0")/../support/headers.sh"
+malformed=$(realpath "$(dirname "$0")/../data/zarn-ingest/moon/malformed.txt")
 
 # equal WHAT FILE LINE...: whether a file, but for the seconds that a run took, holds these lines.
 equal() {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Tests of zarn-moon.
-#   zarn-moon.sh PROGRAM
+#   nights.sh PROGRAM
 set -u
 export LC_ALL=C
 binary=$(realpath "$1") timeout=$(command -v timeout)
@@ -9,8 +9,8 @@ program=bounded
 bounded() { "$timeout" 60 "$binary" "$@"; }
 limited() { (ulimit -f 1; bounded "$@"); }  # to files of one block
 # shellcheck source-path=SCRIPTDIR
-. "$(dirname "$0")/support/checks.sh"
-data=$(realpath "$(dirname "$0")/data/zarn-moon")
+. "$(dirname "$0")/../support/checks.sh"
+data=$(realpath "$(dirname "$0")/../data/zarn-moon")
 
 # golden NAME FILE: whether a whole output is the one that was checked against almanacs.
 golden() { check "$1 differs" diff -u --label "$1" --label now "$data/$1" "$2"; }
