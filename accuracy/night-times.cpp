@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "Almanac.h"
-#include "Night.h"
+#include "zarn-moon/night/Night.h"
 
 namespace {
 

@@ -11,15 +11,15 @@
 #include <iostream>
 #include <memory>
 
-#include "Batch.h"
-#include "CommandLine.h"
-#include "Printable.h"
-#include "Process.h"
-#include "Reporter.h"
-#include "RollingLog.h"
-#include "Service.h"
-#include "StopSignals.h"
-#include "UsageError.h"
+#include "shared/cli/Printable.h"
+#include "shared/cli/Process.h"
+#include "shared/cli/UsageError.h"
+#include "zarn-ingest/report/Reporter.h"
+#include "zarn-ingest/report/RollingLog.h"
+#include "zarn-ingest/run/Batch.h"
+#include "zarn-ingest/run/Service.h"
+#include "zarn-ingest/run/StopSignals.h"
+#include "zarn-ingest/settings/CommandLine.h"
 
 namespace {
 

@@ -7,14 +7,15 @@
 #include <exception>
 #include <iostream>
 
-#include "Calendar.h"
-#include "CommandLine.h"
-#include "Plot.h"
-#include "Printable.h"
-#include "Process.h"
-#include "Report.h"
-#include "ResultFile.h"
-#include "UsageError.h"
+#include "shared/cli/Printable.h"
+#include "shared/cli/Process.h"
+#include "shared/cli/UsageError.h"
+#include "shared/files/ResultFile.h"
+#include "shared/sky/Calendar.h"
+#include "zarn-moon/forms/Plot.h"
+#include "zarn-moon/forms/Report.h"
+#include "zarn-moon/night/Night.h"
+#include "zarn-moon/settings/CommandLine.h"
 
 namespace {
 
@@ -37,7 +38,7 @@ std::string formOf(const Report& report) {
 
 void run(CommandLine& commandLine) {
     const Settings settings = commandLine.parse(presentMjd());
-    if (settings.help) return commandLine.displayFullHelp();
+    if (settings.help) return commandLine.displayFullHelp(RULE_OF_WORDS);
     if (settings.version) {
         std::cout << "zarn-moon " ZARNSYS_VERSION "\n";
         return;

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <filesystem>
 
-#include "HeaderText.h"
-#include "IngestError.h"
 #include "tests/support/TempDir.h"
+#include "zarn-ingest/header/HeaderText.h"
+#include "zarn-ingest/header/IngestError.h"
 
 namespace {
 

@@ -7,10 +7,10 @@
 #include <filesystem>
 #include <set>
 
-#include "Journal.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Matches.h"
 #include "tests/support/TempDir.h"
+#include "zarn-ingest/run/Journal.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "MoonCards.h"
+#include "zarn-ingest/header/MoonCards.h"
 
 namespace {
 

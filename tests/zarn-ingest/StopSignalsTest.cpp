@@ -5,8 +5,8 @@
 #include <chrono>
 #include <csignal>
 
-#include "StopSignals.h"
 #include "tests/support/Child.h"
+#include "zarn-ingest/run/StopSignals.h"
 
 namespace {
 

@@ -71,7 +71,7 @@ testProperties() {
     properties; arrive a.hdr; run 0 -n -p p.ini -o else
     check "dry run" grep -qx 'would convert in/a.hdr to else/a.fits' out.txt
     hasNot else; has in/a.hdr
-    sed "s|/var/[a-z]*/zarn-ingest/|$PWD/|" "$samples/../../programs/zarn-ingest/service/zarn-ingest.ini" >p.ini
+    sed "s|/var/[a-z]*/zarn-ingest/|$PWD/|" "$samples/../../programs/zarn-ingest/deploy/zarn-ingest.ini" >p.ini
     run 1 -q -p p.ini; says 'incoming'
 }
 

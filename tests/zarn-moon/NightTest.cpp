@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <iterator>
 
-#include "Report.h"
-#include "UsageError.h"
+#include "shared/cli/UsageError.h"
+#include "zarn-moon/forms/Report.h"
 
 namespace {
 

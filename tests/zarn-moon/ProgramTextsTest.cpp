@@ -10,11 +10,11 @@
 #include <system_error>
 #include <vector>
 
-#include "Angles.h"
-#include "Calendar.h"
-#include "Precession.h"
-#include "Printable.h"
-#include "Reading.h"
+#include "shared/cli/Printable.h"
+#include "shared/files/Reading.h"
+#include "shared/sky/Angles.h"
+#include "shared/sky/Calendar.h"
+#include "shared/sky/Precession.h"
 #include "tests/support/TempDir.h"
 
 namespace {

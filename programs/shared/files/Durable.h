@@ -1,0 +1,19 @@
+/// Files whose names and contents outlast a crash.
+#ifndef ZARN_PROGRAMS_DURABLE_H
+#define ZARN_PROGRAMS_DURABLE_H
+
+#include <string>
+
+/// Gives a file a name that no file has yet, in one step; false with `errno` set when it cannot.
+bool renameToNew(const std::string& from, const std::string& to);
+
+/// The same for names within directories that are open.
+bool renameToNew(int fromDirectory, const std::string& from, int toDirectory,
+                 const std::string& to);
+
+/// Waits until a file's content, or a directory's entries, are safe on disk.
+///
+/// @throw std::system_error  when the system cannot say so
+void syncToDisk(const std::string& path);
+
+#endif  // ZARN_PROGRAMS_DURABLE_H

@@ -1,0 +1,28 @@
+#include "shared/files/MemoryFile.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace {
+
+void rewind(const Descriptor& file) { ::lseek(file.get(), 0, SEEK_SET); }
+
+}  // namespace
+
+MemoryFile::MemoryFile(const std::string& content) : file_(::memfd_create("text", MFD_CLOEXEC)) {
+    if (file_.get() == -1)
+        throw std::system_error(errno, std::generic_category(), "no file in memory");
+    writeAll(file_.get(), content);
+    rewind(file_);
+}
+
+std::string MemoryFile::content() const {
+    rewind(file_);
+    std::string bytes;
+    while (readChunk(file_.get(), bytes)) {
+    }
+    return bytes;
+}

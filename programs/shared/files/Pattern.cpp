@@ -1,0 +1,91 @@
+#include "shared/files/Pattern.h"
+
+#include <dirent.h>
+#include <fnmatch.h>
+#include <glob.h>
+#include <sys/stat.h>
+#include <zarnsys/util/FileIO.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <memory>
+#include <utility>
+
+namespace {
+
+// `glob` hands its callbacks no context: this is where they note what it would pass over.
+thread_local std::vector<Unlisted> noted;
+
+/// A directory being listed.
+struct Listing {
+    std::string name;
+    DIR* stream;
+};
+
+void note(const std::string& directory) {
+    if (errno != ENOTDIR) noted.push_back({directory, {errno, std::generic_category()}});
+}
+
+void* openListing(const char* name) {
+    DIR* stream = ::opendir(name);
+    if (stream == nullptr) note(name);
+    return stream == nullptr ? nullptr : new Listing{name, stream};
+}
+
+dirent* readListing(void* opened) {
+    const auto* listing = static_cast<Listing*>(opened);
+    errno = 0;
+    dirent* entry = ::readdir(listing->stream);
+    if (entry == nullptr && errno != 0) note(listing->name);
+    return entry;
+}
+
+void closeListing(void* opened) {
+    const std::unique_ptr<Listing> listing(static_cast<Listing*>(opened));
+    ::closedir(listing->stream);
+}
+
+/// The names that `glob` found. Owns their storage.
+class Expansion {
+public:
+    explicit Expansion(const std::string& pattern) {
+        glob_.gl_opendir = openListing;
+        glob_.gl_readdir = readListing;
+        glob_.gl_closedir = closeListing;
+        glob_.gl_stat = ::stat;
+        glob_.gl_lstat = ::lstat;
+        // The result code says nothing that names and notes do not say.
+        static_cast<void>(::glob(pattern.c_str(), GLOB_NOSORT | GLOB_ALTDIRFUNC, nullptr, &glob_));
+    }
+    Expansion(const Expansion&) = delete;
+    Expansion& operator=(const Expansion&) = delete;
+    ~Expansion() { ::globfree(&glob_); }
+
+    std::vector<std::string> names() const {
+        return {glob_.gl_pathv, glob_.gl_pathv + glob_.gl_pathc};
+    }
+
+private:
+    glob_t glob_ = {};
+};
+
+}  // namespace
+
+Matches matchesOf(const std::string& pattern) {
+    noted.clear();
+    Matches matches;
+    matches.names = Expansion(pattern).names();
+    matches.unlisted = std::exchange(noted, {});
+    std::sort(matches.names.begin(), matches.names.end());
+    return matches;
+}
+
+bool matches(const std::string& pattern, const std::string& fileName) {
+    FileIO patternName(pattern, true, false);
+    FileIO name(fileName, true, false);
+    std::error_code ignored;  // what is not there holds no such file
+    return std::filesystem::equivalent(patternName.getPath(), name.getPath(), ignored) &&
+           ::fnmatch(patternName.getBaseName().c_str(), name.getBaseName().c_str(), FNM_PERIOD) ==
+               0;
+}

@@ -1,0 +1,64 @@
+#include "shared/files/Reading.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <system_error>
+
+namespace {
+
+constexpr std::size_t CHUNK = 65536;  // bytes per read call
+
+[[noreturn]] void fail() { throw std::system_error(errno, std::generic_category()); }
+
+int openOrFail(const std::string& fileName, int flags) {
+    const int fd = ::open(fileName.c_str(), flags);
+    if (fd == -1) fail();
+    return fd;
+}
+
+std::string readAll(const Descriptor& file) {
+    std::string bytes;
+    while (readChunk(file.get(), bytes)) {
+    }
+    return bytes;
+}
+
+}  // namespace
+
+Descriptor::~Descriptor() {
+    if (fd_ != -1) ::close(fd_);
+}
+
+std::string descriptorPath(int fd) { return "/proc/self/fd/" + std::to_string(fd); }
+
+int openForReading(const std::string& fileName) {
+    return openOrFail(fileName, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+}
+
+bool readChunk(int fd, std::string& bytes) {
+    std::array<char, CHUNK> chunk;
+    const ssize_t count = ::read(fd, chunk.data(), chunk.size());
+    if (count == -1 && (errno == EAGAIN || errno == EINTR)) return true;
+    if (count == -1) fail();
+    bytes.append(chunk.data(), static_cast<std::size_t>(count));
+    return count > 0;
+}
+
+std::string readFile(const std::string& fileName) {
+    return readAll(Descriptor(openForReading(fileName)));
+}
+
+std::string readFileOrPipe(const std::string& fileName) {
+    return readAll(Descriptor(openOrFail(fileName, O_RDONLY | O_CLOEXEC | O_NOCTTY)));
+}
+
+void writeAll(int fd, const std::string& bytes) {
+    for (std::size_t done = 0; done < bytes.size();) {
+        const ssize_t count = ::write(fd, bytes.data() + done, bytes.size() - done);
+        if (count == -1 && errno != EINTR) fail();
+        if (count > 0) done += static_cast<std::size_t>(count);
+    }
+}

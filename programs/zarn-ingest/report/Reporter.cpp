@@ -1,0 +1,149 @@
+#include "zarn-ingest/report/Reporter.h"
+
+#include <unistd.h>
+
+#include <cstring>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+
+#include "shared/cli/Printable.h"
+#include "zarn-ingest/report/RollingLog.h"
+#include "zarnsys/util/Log.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+const char PROGRAM[] = "zarn-ingest: ";
+constexpr milliseconds PROGRESS_AFTER{1000};  // shorter work needs none
+constexpr milliseconds PROGRESS_EVERY{200};
+
+double inSeconds(std::chrono::steady_clock::duration duration) {
+    return std::chrono::duration<double>(duration).count();
+}
+
+std::string place(const std::string& file, std::size_t line) {
+    return printable(file) + ":" + (line > 0 ? std::to_string(line) + ":" : "") + " ";
+}
+
+std::string minutesAndSeconds(double duration) {
+    const auto whole = static_cast<unsigned long>(duration);
+    std::ostringstream text;
+    text << whole / 60 << ":" << std::setw(2) << std::setfill('0') << whole % 60;
+    return text.str();
+}
+
+}  // namespace
+
+std::string problemText(const std::string& file, std::size_t line, const std::string& text) {
+    return place(file, line) + printable(text);
+}
+
+Reporter::Reporter(Level level) : level_(level) {}
+
+void Reporter::begin(std::size_t total) {
+    const bool seen = level_ != Level::QUIET && !toLog_ && ::isatty(STDERR_FILENO) == 1;
+    total_ = seen ? total : 0;
+    files_ = total;
+    start_ = Clock::now();
+}
+
+void Reporter::done(const std::string& file, const Outcome& outcome, bool checksumRenewed) {
+    if (outcome.converted()) {
+        converted(file, outcome, checksumRenewed);
+    } else {
+        ++failed_;
+        message(Kind::ERROR, problemText(file, outcome.line, outcome.problem));
+    }
+    showProgress();
+}
+
+void Reporter::converted(const std::string& file, const Outcome& outcome, bool checksumRenewed) {
+    ++converted_;
+    const std::size_t before = warnings_;
+    const Losses& losses = outcome.losses;
+    warnOf(file, losses.carriage, "lines that end in CR LF");
+    warnOf(file, losses.cut, "cards cut at 80 characters");
+    warnOf(file, losses.blanked, "characters that became blanks, as a header cannot hold them");
+    warnOf(file, losses.upperCased, "keywords that became upper case");
+    warnOf(file, losses.hidden, "cards left out, hidden behind the END card");
+    if (!checksumRenewed)
+        warnOf(file, losses.oldChecksum, "checksums of another file (--checksum renews them)");
+    for (const Remark& remark : outcome.moon.remarks) warn(file, remark.line, remark.text);
+    if (outcome.moon.state != MoonCards::State::NOT_ASKED) ++moon_[outcome.moon.state];
+    if (warnings_ > before) ++warned_;
+    if (level_ == Level::VERBOSE || toLog_)
+        message(Kind::INFO, printable(file) + ": gave " + printable(outcome.result));
+}
+
+void Reporter::error(const std::string& text) { message(Kind::ERROR, printable(text)); }
+
+void Reporter::info(const std::string& text) {
+    if (level_ != Level::QUIET) message(Kind::INFO, printable(text));
+}
+
+void Reporter::summary(const std::string& done, int signal) {
+    clearProgress();
+    if (level_ == Level::QUIET) return;
+    std::ostringstream text;
+    if (signal != 0) text << "stopped by a signal (" << ::strsignal(signal) << "): ";
+    text << converted_ << " " << done;
+    if (warned_ > 0) text << " (" << warned_ << " with warnings)";
+    text << ", " << failed_ << " failed";
+    if (signal != 0 && files_ > 0) text << ", " << files_ - converted_ - failed_ << " left";
+    text << " in " << std::fixed << std::setprecision(1) << inSeconds(Clock::now() - start_)
+         << " s";
+    if (!moon_.empty()) {
+        text << "; moon: " << moon_[MoonCards::State::GIVEN] << " with values, "
+             << moon_[MoonCards::State::WITHOUT] << " without position or time, "
+             << moon_[MoonCards::State::MALFORMED] << " malformed";
+    }
+    message(Kind::INFO, text.str());
+}
+
+void Reporter::message(Kind kind, const std::string& text) {
+    if (toLog_) RollingLog::keepOpen();
+    if (!toLog_) {
+        clearProgress();
+        std::cerr << PROGRAM + text + "\n";
+    } else if (kind == Kind::ERROR) {
+        logError()("%s", text.c_str());
+    } else {
+        logInfo()("%s", text.c_str());
+    }
+}
+
+void Reporter::warn(const std::string& file, std::size_t line, const std::string& text) {
+    ++warnings_;
+    if (level_ == Level::QUIET) return;
+    message(Kind::INFO, place(file, line) + "warning: " + text);
+}
+
+void Reporter::warnOf(const std::string& file, const Loss& loss, const std::string& text) {
+    if (loss.count == 0) return;
+    warn(file, loss.firstLine,
+         text + ": " + std::to_string(loss.count) + ", the first in this line");
+}
+
+void Reporter::showProgress() {
+    const Clock::time_point now = Clock::now();
+    if (total_ == 0 || now - start_ < PROGRESS_AFTER || now - shown_ < PROGRESS_EVERY) return;
+    shown_ = now;
+    const std::size_t done = converted_ + failed_;
+    const double rate = static_cast<double>(done) / inSeconds(now - start_);
+    std::ostringstream text;
+    text << PROGRAM << done << "/" << total_ << " files, " << std::fixed << std::setprecision(0)
+         << rate << "/s, " << minutesAndSeconds(static_cast<double>(total_ - done) / rate)
+         << " left";
+    clearProgress();
+    progressLength_ = text.str().size();
+    std::cerr << text.str() + "\r";
+}
+
+void Reporter::clearProgress() {
+    if (progressLength_ == 0) return;
+    std::cerr << std::string(progressLength_, ' ') + "\r";
+    progressLength_ = 0;
+}

@@ -1,0 +1,69 @@
+/// What the operator sees: messages, progress and the summary, all on standard error.
+#ifndef ZARN_INGEST_REPORTER_H
+#define ZARN_INGEST_REPORTER_H
+
+#include <chrono>
+#include <cstddef>
+#include <map>
+#include <string>
+
+#include "zarn-ingest/result/Outcome.h"
+
+/// "in/x.hdr:7: text", or without a line "in/x.hdr: text", on one line.
+std::string problemText(const std::string& file, std::size_t line, const std::string& text);
+
+class Reporter {
+public:
+    enum class Level { QUIET, NORMAL, VERBOSE };
+
+    explicit Reporter(Level level);
+
+    /// Sends everything to the log instead, conversions at INFO.
+    void useLog() { toLog_ = true; }
+
+    /// The work begins: `total` files, up to which progress is shown on a terminal, from the first
+    /// second on.
+    void begin(std::size_t total);
+
+    /// One more file is done with, well or badly.
+    ///
+    /// @param checksumRenewed  whether results get checksums of their own
+    void done(const std::string& file, const Outcome& outcome, bool checksumRenewed);
+
+    /// Messages about the run as a whole.
+    void error(const std::string& text);
+    void info(const std::string& text);
+
+    /// @param done    what was done with files, for example "converted"
+    /// @param signal  the signal that ended the run early, or 0
+    void summary(const std::string& done, int signal);
+
+    bool anyFailed() const { return failed_ > 0; }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    enum class Kind { ERROR, INFO };
+
+    void converted(const std::string& file, const Outcome& outcome, bool checksumRenewed);
+    void message(Kind kind, const std::string& text);
+    void warn(const std::string& file, std::size_t line, const std::string& text);
+    void warnOf(const std::string& file, const Loss& loss, const std::string& text);
+    void showProgress();
+    void clearProgress();
+
+    Level level_;
+    bool toLog_ = false;
+    std::size_t total_ = 0;  ///< 0: no progress is shown
+    std::size_t files_ = 0;  ///< to be done; 0: unknown
+    std::size_t converted_ = 0;
+    std::size_t warnings_ = 0;
+    std::size_t warned_ = 0;  ///< files with a warning
+    std::size_t failed_ = 0;
+    std::map<MoonCards::State, std::size_t> moon_;  ///< files converted; empty: without the moon
+    std::size_t progressLength_ = 0;                ///< columns of the progress line on the screen
+    Clock::time_point start_ = Clock::now();
+    Clock::time_point shown_ = start_;
+};
+
+#endif  // ZARN_INGEST_REPORTER_H

@@ -1,0 +1,45 @@
+#include "zarn-ingest/result/Directory.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "zarn-ingest/header/IngestError.h"
+
+namespace {
+
+[[noreturn]] void fail(const std::string& what) {
+    throw WorkStops(what + ": " + std::generic_category().message(errno));
+}
+
+}  // namespace
+
+Directory::Directory(std::string name)
+    : name_(std::move(name)), fd_(::open(name_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    if (fd_.get() == -1) fail("directory " + name_);
+}
+
+std::string Directory::ownPath(const std::string& entry) const {
+    return descriptorPath(fd_.get()) + "/" + entry;
+}
+
+bool Directory::isCurrent() const {
+    struct stat held = {};
+    struct stat named = {};
+    return ::fstat(fd_.get(), &held) == 0 && ::stat(name_.c_str(), &named) == 0 &&
+           held.st_dev == named.st_dev && held.st_ino == named.st_ino;
+}
+
+void Directory::checkCurrent() const {
+    if (isCurrent()) return;
+    static_cast<void>(Directory(name_));  // says what is the matter with the name, if anything
+    throw WorkStops("the directory " + name_ + " was replaced by another one");
+}
+
+void Directory::sync() const {
+    if (::fsync(fd_.get()) != 0) fail("the directory " + name_ + " cannot be made safe on disk");
+}

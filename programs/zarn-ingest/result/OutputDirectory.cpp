@@ -1,0 +1,241 @@
+#include "zarn-ingest/result/OutputDirectory.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/utsname.h>
+#include <unistd.h>
+#include <zarnsys/util/FileIO.h>
+#include <zarnsys/util/ZarnSysEx.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <iterator>
+#include <system_error>
+#include <utility>
+
+#include "shared/files/Durable.h"
+#include "zarn-ingest/header/IngestError.h"
+
+namespace {
+
+const char WORK_PREFIX[] = ".zarn-ingest-";  // the host's name and a dash follow
+const char WORK_RANDOM[] = "XXXXXX";         // filled in by the system
+
+[[noreturn]] void fail(const std::string& what) {
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
+// Errors of a name that no file can get, however sound the directory is.
+constexpr int ERRORS_OF_NAMES[] = {ENAMETOOLONG, EINVAL, EILSEQ};
+constexpr int ERRORS_OF_OCCUPANTS[] = {EEXIST, EISDIR, ENOTEMPTY};
+
+template <std::size_t Size>
+bool contains(const int (&errors)[Size], int error) {
+    return std::find(std::begin(errors), std::end(errors), error) != std::end(errors);
+}
+
+std::string reasonFor(int error) { return std::generic_category().message(error); }
+
+int openWithin(int directory, const std::string& name) {
+    return ::openat(directory, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+}
+
+/// Locks a working directory; false while another run holds it.
+bool lock(const Descriptor& directory) {
+    return directory.get() != -1 && ::flock(directory.get(), LOCK_EX | LOCK_NB) == 0;
+}
+
+bool isRemoved(const Descriptor& directory) {
+    struct stat status = {};
+    return ::fstat(directory.get(), &status) != 0 || status.st_nlink == 0;
+}
+
+/// How the working directories of this host's runs begin. On file systems of a network, locks on
+/// directories may hold on one host alone: none can judge whether the runs of another still live.
+std::string workPrefix() {
+    struct utsname system = {};
+    ::uname(&system);
+    std::string host = system.nodename;
+    for (char& c : host) {
+        if (std::isalnum(static_cast<unsigned char>(c)) == 0 && c != '.' && c != '-') c = '_';
+    }
+    return WORK_PREFIX + host + "-";
+}
+
+bool isOfThisHost(const std::string& name, const std::string& prefix) {
+    return name.size() == prefix.size() + std::strlen(WORK_RANDOM) && name.rfind(prefix, 0) == 0;
+}
+
+/// Creates one level of a directory, or finds that someone else was faster.
+void create(const std::string& name) {
+    try {
+        FileIO(name, true, false).checkCreateDir(name);
+    } catch (ZarnSysEx&) {
+        if (!std::filesystem::is_directory(name)) throw;
+    }
+}
+
+/// Removes the working directories of this host's runs that were killed.
+void removeAbandoned(const Directory& output) {
+    std::error_code ignored;  // what cannot be listed or removed does no harm
+    const std::string prefix = workPrefix();
+    for (const auto& entry : std::filesystem::directory_iterator(output.ownPath(""), ignored)) {
+        const std::string name = entry.path().filename();
+        if (!isOfThisHost(name, prefix)) continue;
+        const Descriptor directory(openWithin(output.fd(), name));
+        if (lock(directory)) std::filesystem::remove_all(entry.path(), ignored);
+    }
+}
+
+/// The directory that would hold a directory.
+std::string parentOf(std::string name) {
+    while (name.size() > 1 && name.back() == '/') name.pop_back();
+    return FileIO(name, true, false).getPath();
+}
+
+/// The same words for every way in which the directory takes no file.
+WorkStops noResult(const Directory& output, const std::string& reason) {
+    return WorkStops("no result can be written in " + output.name() + ": " + reason);
+}
+
+/// Makes a working directory; its name within the output directory.
+std::string makeDirectory(const Directory& output) {
+    const std::string name = workPrefix() + WORK_RANDOM;
+    std::string path = output.ownPath(name);
+    if (::mkdtemp(path.data()) == nullptr) throw noResult(output, reasonFor(errno));
+    return path.substr(path.size() - name.size());
+}
+
+/// Gives up a working directory for the reason in `errno`: no descriptor, or no locks there.
+[[noreturn]] void failRemoving(const Directory& output, const std::string& name) {
+    const int error = errno;
+    ::unlinkat(output.fd(), name.c_str(), AT_REMOVEDIR);
+    errno = error;
+    fail("working directory in " + output.name());
+}
+
+/// Makes a working directory and locks it, again if another run took it for abandoned in between.
+Descriptor makeLocked(const Directory& output, std::string& name) {
+    for (;;) {
+        name = makeDirectory(output);
+        Descriptor directory(openWithin(output.fd(), name));
+        const bool locked = lock(directory);
+        if (!locked && errno != EWOULDBLOCK && errno != ENOENT) failRemoving(output, name);
+        if (locked && !isRemoved(directory)) return directory;
+    }
+}
+
+/// Removes an entry at its end.
+class Removal {
+public:
+    Removal(int directory, std::string name) : directory_(directory), name_(std::move(name)) {}
+    Removal(const Removal&) = delete;
+    Removal& operator=(const Removal&) = delete;
+    ~Removal() { ::unlinkat(directory_, name_.c_str(), 0); }
+
+private:
+    int directory_;
+    std::string name_;
+};
+
+std::string nextName() {
+    static unsigned long number = 0;
+    return std::to_string(++number) + ".fits";
+}
+
+}  // namespace
+
+OutputDirectory::OutputDirectory(const std::string& name, Missing missing) : name_(name) {
+    const bool exists = std::filesystem::exists(std::filesystem::symlink_status(name));
+    if (!exists && missing == Missing::CREATE) create(name);
+    const bool asked = exists || missing == Missing::CREATE;
+    const std::string checked = asked ? name : parentOf(name);
+    std::error_code error;
+    const bool isDirectory = std::filesystem::is_directory(checked, error);
+    if (error) throw std::system_error(error, "output directory " + name);
+    if (!isDirectory) errno = ENOTDIR;
+    if (!isDirectory || ::access(checked.c_str(), W_OK | X_OK) != 0)
+        fail("output directory " + name);
+}
+
+std::string OutputDirectory::path(const std::string& entry) const {
+    return name_.back() == '/' ? name_ + entry : name_ + "/" + entry;
+}
+
+WorkDirectory::WorkDirectory(const OutputDirectory& output)
+    : output_(output.name()), fd_((removeAbandoned(output_), makeLocked(output_, name_))) {}
+
+WorkDirectory::~WorkDirectory() {
+    std::error_code ignored;  // the next run tries again
+    std::filesystem::remove_all(output_.ownPath(name_), ignored);
+}
+
+std::string WorkDirectory::ownPath(const std::string& entry) const {
+    return descriptorPath(fd_.get()) + "/" + entry;
+}
+
+void WorkDirectory::checkRoom(std::size_t size) const {
+    if (isRemoved(fd_)) throw noResult(output_, "the working directory was removed");
+    const std::string name = nextName();
+    const Descriptor file(::openat(fd_.get(), name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                                   S_IRUSR | S_IWUSR));
+    if (file.get() == -1) throw noResult(output_, reasonFor(errno));
+    const Removal removal(fd_.get(), name);
+    try {
+        writeAll(file.get(), std::string(size, ' '));
+    } catch (const std::system_error& error) {
+        throw noResult(output_, error.code().message());
+    }
+    if (::fsync(file.get()) != 0) throw noResult(output_, reasonFor(errno));
+}
+
+WorkFile::WorkFile(const WorkDirectory& directory) : directory_(directory), name_(nextName()) {}
+
+WorkFile::~WorkFile() { ::unlinkat(directory_.fd(), name_.c_str(), 0); }
+
+void WorkFile::open() {
+    file_ = Descriptor(::openat(directory_.fd(), name_.c_str(), O_RDONLY | O_CLOEXEC));
+    if (file_.get() == -1)
+        throw WorkStops("the working directory in " + directory_.output().name() +
+                        " lost a file: " + reasonFor(errno));
+}
+
+void WorkFile::sync() const {
+    if (::fsync(file_.get()) != 0)
+        throw WorkStops("no result can be made safe on disk in " + directory_.output().name() +
+                        ": " + reasonFor(errno));
+}
+
+void WorkFile::putInPlace(const std::string& entry, bool overwrite) const {
+    const Directory& output = directory_.output();
+    output.checkCurrent();
+    const bool moved =
+        overwrite ? ::renameat(directory_.fd(), name_.c_str(), output.fd(), entry.c_str()) == 0
+                  : renameToNew(directory_.fd(), name_, output.fd(), entry);
+    const int error = errno;
+    if (moved) return checkPlaced(entry);
+    if (contains(ERRORS_OF_OCCUPANTS, error))
+        throw IngestError("the result " + entry + " exists already: " + reasonFor(error));
+    if (contains(ERRORS_OF_NAMES, error))
+        throw IngestError("the result cannot be named " + entry + ": " + reasonFor(error));
+    throw WorkStops("no result can be put in its place in " + output.name() + ": " +
+                    reasonFor(error));
+}
+
+/// Makes sure that the file which was opened, and no other, now has the result's path.
+void WorkFile::checkPlaced(const std::string& entry) const {
+    const Directory& output = directory_.output();
+    struct stat opened = {};
+    struct stat placed = {};
+    const bool same = ::fstat(file_.get(), &opened) == 0 &&
+                      ::fstatat(output.fd(), entry.c_str(), &placed, AT_SYMLINK_NOFOLLOW) == 0 &&
+                      opened.st_dev == placed.st_dev && opened.st_ino == placed.st_ino;
+    if (!same) throw WorkStops("someone changes results in " + output.name() + " meanwhile");
+    output.checkCurrent();
+}

@@ -1,0 +1,102 @@
+#include "zarn-ingest/run/Batch.h"
+
+#include <zarnsys/util/FileIO.h>
+
+#include <exception>
+#include <iostream>
+#include <string>
+
+#include "shared/cli/Printable.h"
+#include "zarn-ingest/result/OutputDirectory.h"
+
+namespace {
+
+ConversionOptions conversionOf(const Settings& settings) {
+    ConversionOptions options;
+    options.overwrite = settings.overwrite;
+    options.dryRun = settings.dryRun;
+    options.checksum = settings.checksum;
+    options.durable = settings.resume || !settings.journalDir.empty();
+    options.resume = settings.resume;
+    options.moon = settings.moon;
+    return options;
+}
+
+/// A dry run has the service's pattern, too.
+Settings withPattern(Settings settings) {
+    if (settings.arguments.empty() && settings.dryRun && !settings.pattern.empty())
+        settings.arguments = {settings.pattern};
+    return settings;
+}
+
+std::vector<std::string> namesOf(const std::vector<Input>& inputs) {
+    std::vector<std::string> names;
+    for (const Input& input : inputs) names.push_back(input.name);
+    return names;
+}
+
+}  // namespace
+
+Batch::Batch(const Settings& settings, const StopSignals& signals, Reporter& reporter)
+    : settings_(settings), signals_(signals), reporter_(reporter) {
+    const auto missing =
+        settings.dryRun ? OutputDirectory::Missing::CAN_CREATE : OutputDirectory::Missing::CREATE;
+    if (settings.dryRun && !FileIO(settings.outputDir, true, false).exists())
+        std::cout << "would create the directory " + printable(settings.outputDir) + "\n";
+    const OutputDirectory output(settings.outputDir, missing);
+    converter_ = std::make_unique<Converter>(conversionOf(settings), output);
+    if (!settings.journalDir.empty() && !settings.dryRun) openJournal();
+}
+
+bool Batch::run() {
+    const std::vector<Input> inputs = collectInputs(withPattern(settings_), signals_);
+    begin(inputs);
+    for (std::size_t i = 0; i < inputs.size() && signals_.received() == 0; ++i) {
+        const Input& input = inputs[i];
+        if (!isOurs(input, i)) {
+            converter_->leave(input);
+        } else {
+            const Outcome outcome = converter_->convert(input);
+            if (!tell(input, outcome)) return false;
+            reporter_.done(input.name, outcome, settings_.checksum);
+        }
+    }
+    return true;
+}
+
+/// Whether an input belongs to the shard. What stands for no file belongs to each one: where a list
+/// or a directory cannot be seen, all shards but one would otherwise be empty, and call it success.
+bool Batch::isOurs(const Input& input, std::size_t position) const {
+    return !input.problem.empty() || settings_.shard.holds(position);
+}
+
+void Batch::begin(const std::vector<Input>& inputs) {
+    std::size_t ours = 0;
+    for (std::size_t i = 0; i < inputs.size(); ++i) ours += isOurs(inputs[i], i) ? 1 : 0;
+    if (settings_.shard.isPart())
+        reporter_.info("shard " + shardText(settings_.shard) + ": " + std::to_string(ours) +
+                       " of " + std::to_string(inputs.size()) + " files");
+    converter_->beginBatch(inputs, settings_.lists);
+    if (journal_ && settings_.resume) journal_->recall(namesOf(inputs));
+    reporter_.begin(ours);
+}
+
+void Batch::openJournal() {
+    const std::string& directory = settings_.journalDir;
+    FileIO(directory, true, true).checkCreateDir(directory);
+    locks_ = std::make_unique<DirectoryLocks>(std::vector<std::string>{directory});
+    journal_ = std::make_unique<Journal>(directory);
+}
+
+/// Tells of a file that is done with; false when the journal cannot be written: no file is to go
+/// untold.
+bool Batch::tell(const Input& input, const Outcome& outcome) {
+    if (!journal_ || !outcome.isFinal()) return true;
+    try {
+        journal_->add(input.name, outcome);
+    } catch (const std::exception& error) {
+        reporter_.error(error.what());
+        return false;
+    }
+    return true;
+}

@@ -1,0 +1,44 @@
+/// A batch: files that are named, converted once, and left where they are.
+#ifndef ZARN_INGEST_BATCH_H
+#define ZARN_INGEST_BATCH_H
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include "zarn-ingest/report/Reporter.h"
+#include "zarn-ingest/result/Converter.h"
+#include "zarn-ingest/run/DirectoryLocks.h"
+#include "zarn-ingest/run/Inputs.h"
+#include "zarn-ingest/run/Journal.h"
+#include "zarn-ingest/run/StopSignals.h"
+#include "zarn-ingest/settings/Settings.h"
+
+class Batch {
+public:
+    /// Prepares the directories, unless the run is dry, and locks the journal's for this process.
+    ///
+    /// @throw std::exception  with the reason when the batch could not work in them
+    Batch(const Settings& settings, const StopSignals& signals, Reporter& reporter);
+
+    /// Converts the files of the shard, or says in a dry run what would be done, until all are done
+    /// or a signal comes.
+    ///
+    /// @return  false when it had to end early since the journal could not be written
+    bool run();
+
+private:
+    void openJournal();
+    bool isOurs(const Input& input, std::size_t position) const;
+    void begin(const std::vector<Input>& inputs);
+    bool tell(const Input& input, const Outcome& outcome);
+
+    const Settings& settings_;
+    const StopSignals& signals_;
+    Reporter& reporter_;
+    std::unique_ptr<Converter> converter_;
+    std::unique_ptr<DirectoryLocks> locks_;
+    std::unique_ptr<Journal> journal_;  ///< none where the settings name no directory
+};
+
+#endif  // ZARN_INGEST_BATCH_H

@@ -1,0 +1,58 @@
+#include "zarn-ingest/run/DirectoryLocks.h"
+
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include "zarn-ingest/header/IngestError.h"
+
+namespace {
+
+void lock(const Directory& directory) {
+    if (::flock(directory.fd(), LOCK_EX | LOCK_NB) == 0) return;
+    if (errno == EWOULDBLOCK)
+        throw WorkStops("another zarn-ingest works in the directory " + directory.name());
+    throw WorkStops("directory " + directory.name() +
+                    " cannot be locked: " + std::generic_category().message(errno));
+}
+
+bool sameFile(int left, int right) {
+    struct stat a = {};
+    struct stat b = {};
+    return ::fstat(left, &a) == 0 && ::fstat(right, &b) == 0 && a.st_dev == b.st_dev &&
+           a.st_ino == b.st_ino;
+}
+
+}  // namespace
+
+DirectoryLocks::DirectoryLocks(const std::vector<std::string>& directories) {
+    for (const std::string& directory : directories) add(directory);
+}
+
+void DirectoryLocks::add(const std::string& directory) {
+    Directory opened(directory);
+    const auto isSame = [&opened](const Directory& held) {
+        return sameFile(held.fd(), opened.fd());
+    };
+    if (std::any_of(locked_.begin(), locked_.end(), isSame))
+        throw std::runtime_error("the directory " + directory + " cannot serve two purposes");
+    lock(opened);
+    locked_.push_back(std::move(opened));
+}
+
+std::vector<std::string> DirectoryLocks::renew() {
+    std::vector<std::string> replaced;
+    for (Directory& held : locked_) {
+        if (held.isCurrent()) continue;
+        Directory successor(held.name());
+        lock(successor);
+        held = std::move(successor);
+        replaced.push_back(held.name());
+    }
+    return replaced;
+}

@@ -1,0 +1,82 @@
+#include "zarn-ingest/run/Inputs.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+#include <zarnsys/util/FileIO.h>
+#include <zarnsys/util/ZarnSysEx.h>
+
+#include <cerrno>
+#include <sstream>
+#include <system_error>
+
+#include "shared/files/Pattern.h"
+#include "shared/files/Reading.h"
+
+namespace {
+
+/// Why nothing of this name can be read.
+std::string reasonForNothing(const std::string& argument) {
+    struct stat status = {};
+    if (::stat(argument.c_str(), &status) == -1 && errno != ENOENT)
+        return "cannot be read: " + std::generic_category().message(errno);
+    return "no such file, and no file matches it as a pattern";
+}
+
+void addArgument(const std::string& argument, std::vector<Input>& inputs) {
+    if (FileIO(argument, true, false).exists()) {
+        inputs.push_back({argument, ""});
+        return;
+    }
+    const std::size_t before = inputs.size();
+    const auto [names, unlisted] = matchesOf(argument);
+    for (const std::string& name : names) inputs.push_back({name, ""});
+    for (const auto& [directory, error] : unlisted) {
+        if (error == std::errc::no_such_file_or_directory) continue;  // then nothing matches there
+        inputs.push_back({directory, "the directory cannot be listed: " + error.message()});
+    }
+    if (inputs.size() == before) inputs.push_back({argument, reasonForNothing(argument)});
+}
+
+void addNames(const std::string& list, char separator, std::vector<Input>& inputs) {
+    std::istringstream names(list);
+    for (std::string name; std::getline(names, name, separator);) {
+        if (name.empty()) continue;
+        const bool cut = name.find('\0') != std::string::npos;
+        inputs.push_back({name, cut ? "the name holds a NUL byte: is --null missing?" : ""});
+    }
+}
+
+/// Everything that comes, or what came before a signal.
+std::string readList(int fd, const StopSignals& signals) {
+    std::string list;
+    while (signals.waitFor(fd) && readChunk(fd, list)) {
+    }
+    return list;
+}
+
+/// Adds the names that the list gives, or what kept it from being read.
+template <typename Read>
+void addList(const std::string& listName, char separator, Read read, std::vector<Input>& inputs) {
+    try {
+        addNames(read(), separator, inputs);
+    } catch (const std::system_error& error) {
+        inputs.push_back({listName, "the list cannot be read: " + error.code().message()});
+    }
+}
+
+}  // namespace
+
+std::vector<Input> collectInputs(const Settings& settings, const StopSignals& signals) {
+    const char separator = settings.nulSeparated ? '\0' : '\n';
+    std::vector<Input> inputs;
+    for (const std::string& argument : settings.arguments) addArgument(argument, inputs);
+    for (const std::string& list : settings.lists) {
+        const auto read = [&] { return readList(Descriptor(openForReading(list)).get(), signals); };
+        addList(list, separator, read, inputs);
+    }
+    if (settings.standardInput) {
+        const auto read = [&] { return readList(STDIN_FILENO, signals); };
+        addList("standard input", separator, read, inputs);
+    }
+    return inputs;
+}

@@ -1,0 +1,163 @@
+#include "zarn-ingest/run/Journal.h"
+
+#include <ace/OS_NS_sys_time.h>
+#include <fcntl.h>
+#include <fnmatch.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <zarnsys/util/FileIO.h>
+#include <zarnsys/util/WexoTime.h>
+#include <zarnsys/util/ZarnSysEx.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <iomanip>
+#include <limits>
+#include <sstream>
+#include <stdexcept>
+#include <system_error>
+#include <unordered_set>
+
+#include "shared/cli/Printable.h"
+#include "zarn-ingest/result/Directory.h"
+
+namespace {
+
+const char NAME_BEGIN[] = "/zarn-ingest-";
+const char NAME_END[] = ".journal";
+constexpr std::size_t DATE_LENGTH = 10;  // 2026-11-24, which begins the ISO form
+
+std::string journalOf(const std::string& directory, const std::string& date) {
+    return directory + NAME_BEGIN + date + NAME_END;
+}
+
+/// The journal files there, the oldest first.
+std::vector<std::string> journalsIn(const std::string& directory) {
+    const std::string day = "[0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9]";
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+        const std::string name = directory + "/" + entry.path().filename().string();
+        if (::fnmatch(journalOf("", day).c_str(), name.c_str() + directory.size(), 0) == 0)
+            names.push_back(name);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+/// Cuts off what follows the last whole line.
+void mend(const std::string& fileName) {
+    const std::string text = readFile(fileName);
+    const std::size_t whole = text.rfind('\n') + 1;  // npos + 1 is 0: no whole line
+    if (whole < text.size()) std::filesystem::resize_file(fileName, whole);
+}
+
+std::string recordOf(const std::string& source, const Outcome& outcome) {
+    std::ostringstream record;
+    record << printable(source) << '\t' << printable(outcome.result) << '\t'
+           << (outcome.converted() ? "converted" : "failed") << '\t' << outcome.cards << '\t'
+           << outcome.size << '\t' << identityOf(source);
+    return record.str();
+}
+
+/// The date before which no journal can tell of these sources as they are now. A clock that was set
+/// back by less than the margin meanwhile does no harm.
+std::string earliestDate(const std::vector<std::string>& sources) {
+    constexpr std::time_t MARGIN = 31 * 86400;  // [s]
+    std::time_t earliest = std::numeric_limits<std::time_t>::max();
+    struct stat status = {};
+    for (const std::string& source : sources) {
+        const bool isThere = ::lstat(source.c_str(), &status) == 0;
+        earliest = std::min(earliest, isThere ? status.st_ctim.tv_sec : 0);
+    }
+    return WexoTime::asISOTimeString(ACE_Time_Value(std::max<std::time_t>(0, earliest - MARGIN)))
+        .substr(0, DATE_LENGTH);
+}
+
+/// A line's record, behind its two times; empty: it has none.
+std::string recordIn(const std::string& line) {
+    const std::size_t second = line.find('\t', line.find('\t') + 1);
+    return second == std::string::npos ? "" : line.substr(second + 1);
+}
+
+}  // namespace
+
+std::string identityOf(const std::string& source) {
+    struct stat status = {};
+    if (::lstat(source.c_str(), &status) != 0) return "-";
+    std::ostringstream identity;
+    identity << status.st_ino << '-' << status.st_ctim.tv_sec << '.' << std::setw(9)
+             << std::setfill('0') << status.st_ctim.tv_nsec;
+    return identity.str();
+}
+
+Journal::Journal(const std::string& directory) : directory_(directory) {
+    const std::vector<std::string> journals = journalsIn(directory);
+    if (!journals.empty()) mend(journals.back());
+}
+
+void Journal::recall(const std::vector<std::string>& sources) {
+    if (sources.empty()) return;
+    std::unordered_set<std::string> wanted;
+    for (const std::string& source : sources) wanted.insert(printable(source));
+    const std::string earliest = journalOf(directory_, earliestDate(sources));
+    for (const std::string& name : journalsIn(directory_)) {
+        if (name < earliest) continue;
+        std::ifstream journal(name);
+        for (std::string line; std::getline(journal, line);) {
+            const std::string record = recordIn(line);
+            const std::string source = record.substr(0, record.find('\t'));
+            if (wanted.count(source) > 0) recalled_[source] = record;
+        }
+        if (journal.bad()) throw std::runtime_error("the journal " + name + " cannot be read");
+    }
+}
+
+void Journal::add(const std::string& source, const Outcome& outcome) {
+    const std::string record = recordOf(source, outcome);
+    const auto earlier = recalled_.find(printable(source));
+    if (earlier != recalled_.end() && earlier->second == record) return;
+    std::string problem;
+    try {
+        append(record);
+        return;
+    } catch (ZarnSysEx& error) {
+        problem = error.what();
+    } catch (const std::exception& error) {
+        problem = error.what();
+    }
+    file_ = Descriptor(-1);  // the next line opens the file again and mends it
+    throw std::runtime_error("the journal in " + directory_ + ": " + problem);
+}
+
+void Journal::append(const std::string& record) {
+    const ACE_Time_Value now = ACE_OS::gettimeofday();
+    const std::string iso = WexoTime::asISOTimeString(now);
+    const std::string fileName = journalOf(directory_, iso.substr(0, DATE_LENGTH));
+    const std::string line = iso + '\t' + WexoTime::asUnixTimeString(now) + '\t' + record + '\n';
+    do {
+        if (!isOpen(fileName)) open(fileName);
+        writeAll(file_.get(), line);
+        if (::fsync(file_.get()) != 0)
+            throw std::system_error(errno, std::generic_category(), "not safe on disk");
+    } while (!isOpen(fileName));  // removed meanwhile, and the line with it
+}
+
+/// Whether the name leads to the file that is written to: someone may have removed it.
+bool Journal::isOpen(const std::string& fileName) const {
+    struct stat held = {};
+    struct stat named = {};
+    return ::fstat(file_.get(), &held) == 0 && ::stat(fileName.c_str(), &named) == 0 &&
+           held.st_dev == named.st_dev && held.st_ino == named.st_ino;
+}
+
+void Journal::open(const std::string& fileName) {
+    const Directory folder(directory_);  // one that is gone is not made anew, as FileIO would do
+    FileIO(fileName, false, true).open(fileName, false, true);  // with the archive's bits
+    mend(fileName);
+    file_ = Descriptor(::open(fileName.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
+    if (file_.get() == -1) throw std::system_error(errno, std::generic_category(), fileName);
+    folder.sync();
+}

@@ -1,0 +1,108 @@
+#include "zarn-ingest/run/Moving.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <system_error>
+
+#include "shared/files/Durable.h"
+#include "shared/files/Reading.h"
+
+namespace {
+
+const char NUMBER_BEGIN[] = ".~";
+const char NUMBER_END = '~';
+const char REASON_END[] = ".reason";
+
+[[noreturn]] void fail(const std::string& what) {
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
+[[noreturn]] void failMove(const std::string& file, const std::string& directory) {
+    fail("cannot move " + file + " to " + directory);
+}
+
+std::string baseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+/// A name with a number that tells it from others; 0: without.
+std::string numbered(const std::string& name, unsigned number) {
+    if (number == 0) return name;
+    const std::string suffix = NUMBER_BEGIN + std::to_string(number) + NUMBER_END;
+    return name.substr(0, NAME_MAX - suffix.size()) + suffix;
+}
+
+/// Makes a move safe on disk: first that the file is in its new place.
+void syncMove(const std::string& file, const std::string& directory) {
+    syncToDisk(directory);
+    const std::string::size_type slash = file.rfind('/');
+    syncToDisk(slash == std::string::npos ? "." : file.substr(0, slash + 1));
+}
+
+/// Writes a reason, safe on disk, or completes one torn by a crash; false when something else has
+/// the name.
+bool putReason(const std::string& fileName, const std::string& reason) {
+    constexpr mode_t MODE = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
+    constexpr int FLAGS = O_RDWR | O_CREAT | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    const Descriptor file(::open(fileName.c_str(), FLAGS, MODE));
+    if (file.get() == -1 && (errno == EISDIR || errno == ELOOP || errno == ENXIO)) return false;
+    struct stat status = {};
+    if (::fstat(file.get(), &status) != 0) fail("cannot write " + fileName);
+    if (!S_ISREG(status.st_mode) || status.st_size > static_cast<off_t>(reason.size()))
+        return false;
+    const std::string existing = readFile(fileName);
+    if (reason.compare(0, existing.size(), existing) != 0) return false;
+    writeAll(file.get(), reason.substr(existing.size()));
+    if (::fsync(file.get()) != 0) fail(fileName + " cannot be made safe on disk");
+    return true;
+}
+
+bool isTaken(const std::string& name) {
+    struct stat status = {};
+    return ::lstat(name.c_str(), &status) == 0;
+}
+
+}  // namespace
+
+std::string moveInto(const std::string& file, const std::string& directory) {
+    for (unsigned number = 0;; ++number) {
+        const std::string target = directory + "/" + numbered(baseName(file), number);
+        if (renameToNew(file, target)) {
+            syncMove(file, directory);
+            return target;
+        }
+        if (errno != EEXIST) failMove(file, directory);
+    }
+}
+
+std::string moveWithReason(const std::string& file, const std::string& directory,
+                           const std::string& reason) {
+    for (unsigned number = 0;; ++number) {
+        const std::string name = numbered(baseName(file), number);
+        const std::string target = directory + "/" + name;
+        if (isTaken(target) || !putReason(directory + "/" + reasonName(name), reason)) continue;
+        if (!renameToNew(file, target)) failMove(file, directory);
+        syncMove(file, directory);
+        return target;
+    }
+}
+
+std::string reasonName(const std::string& name) {
+    return name.substr(0, NAME_MAX - std::strlen(REASON_END)) + REASON_END;
+}
+
+bool isReason(const std::string& name) {
+    const std::size_t length = std::strlen(REASON_END);
+    return name.size() > length && name.compare(name.size() - length, length, REASON_END) == 0;
+}
+
+std::string withoutNumber(const std::string& name) {
+    const std::string::size_type begin = name.rfind(NUMBER_BEGIN);
+    if (begin == std::string::npos || name.back() != NUMBER_END) return name;
+    const std::string::size_type digits = begin + 2;
+    const bool numbered = name.find_first_not_of("0123456789", digits) == name.size() - 1;
+    return numbered && digits < name.size() - 1 ? name.substr(0, begin) : name;
+}

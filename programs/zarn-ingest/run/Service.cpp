@@ -1,0 +1,233 @@
+#include "zarn-ingest/run/Service.h"
+
+#include <fnmatch.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <zarnsys/util/FileIO.h>
+#include <zarnsys/util/Utils.h>
+#include <zarnsys/util/ZarnSysEx.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <set>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include "shared/files/Durable.h"
+#include "zarn-ingest/run/Moving.h"
+
+namespace {
+
+const std::string CHANGED = "changed while it was converted; it is looked at again";
+
+using std::chrono::seconds;
+
+ConversionOptions conversionOf(const Settings& settings) {
+    ConversionOptions options;
+    options.overwrite = settings.overwrite;
+    options.checksum = settings.checksum;
+    options.durable = true;
+    options.resume = true;
+    options.moon = settings.moon;
+    return options;
+}
+
+dev_t fileSystemOf(const std::string& directory) {
+    struct stat status = {};
+    if (::stat(directory.c_str(), &status) != 0)
+        throw std::system_error(errno, std::generic_category(), "directory " + directory);
+    return status.st_dev;
+}
+
+/// A move within a file system is one step; between two it could leave half a file.
+void checkSameFileSystem(const std::string& from, const std::string& to) {
+    if (fileSystemOf(from) != fileSystemOf(to))
+        throw std::runtime_error("the directories " + from + " and " + to +
+                                 " must be on one file system");
+}
+
+}  // namespace
+
+Service::Service(const Settings& settings, const StopSignals& signals, Reporter& reporter)
+    : settings_(settings),
+      signals_(signals),
+      reporter_(reporter),
+      troubles_(reporter),
+      arrivals_(settings.pattern, seconds(settings.settleTime)),
+      output_(settings.outputDir, OutputDirectory::Missing::CREATE) {
+    std::vector<std::string> locked = {arrivals_.directory(), settings.outputDir};
+    for (const std::string& target : {settings.doneDir, settings.failedDir}) {
+        if (target.empty()) continue;
+        FileIO(target, true, true).checkCreateDir(target);
+        checkSameFileSystem(arrivals_.directory(), target);
+        if (::access(target.c_str(), W_OK | X_OK) != 0)
+            throw std::system_error(errno, std::generic_category(), "directory " + target);
+        locked.push_back(target);
+    }
+    if (!settings.journalDir.empty()) {
+        FileIO(settings.journalDir, true, true).checkCreateDir(settings.journalDir);
+        locked.push_back(settings.journalDir);
+    }
+    locks_ = std::make_unique<DirectoryLocks>(locked);
+    converter_ = std::make_unique<Converter>(conversionOf(settings), output_);
+    if (!settings.journalDir.empty()) journal_ = std::make_unique<Journal>(settings.journalDir);
+}
+
+bool Service::run() {
+    if (settings_.retryFailed) putBackFailed();
+    if (settings_.watch) {
+        do {
+            look();
+        } while (signals_.sleep(seconds(settings_.pollInterval)));
+        return true;
+    }
+    bool whole = true;
+    if (settings_.settleTime > 0) {
+        whole = look();
+        whole = signals_.sleep(seconds(settings_.settleTime)) && whole;
+    }
+    whole = whole && look();
+    if (arrivals_.unsettled() > 0)
+        reporter_.info(std::to_string(arrivals_.unsettled()) +
+                       " files are left: someone was still writing them");
+    return whole;
+}
+
+/// Puts back what failed and would be taken again, each name once: numbered ones need further runs.
+void Service::putBackFailed() {
+    const std::string pattern = FileIO(settings_.pattern, true, false).getBaseName();
+    std::set<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::directory_iterator(settings_.failedDir))
+        if (!entry.is_directory() && !isReason(entry.path().filename())) files.insert(entry.path());
+    for (const std::filesystem::path& file : files) {
+        const std::string name = withoutNumber(file.filename());
+        if (::fnmatch(pattern.c_str(), name.c_str(), FNM_PERIOD) != 0) continue;
+        const std::string target = arrivals_.directory() + "/" + name;
+        if (renameToNew(file, target)) {
+            ::unlink((file.parent_path() / reasonName(file.filename())).c_str());
+        } else {
+            reporter_.error(problemText(
+                file, 0,
+                "cannot be put back to " + target + ": " + std::generic_category().message(errno)));
+        }
+    }
+    syncToDisk(arrivals_.directory());
+    syncToDisk(settings_.failedDir);
+}
+
+/// Does what has settled; false when something is left to do for another look.
+bool Service::look() {
+    bool whole = false;
+    try {
+        whole = doSettled();
+    } catch (ZarnSysEx& error) {
+        troubles_.meet(error.what());
+    } catch (const std::exception& error) {
+        troubles_.meet(error.what());
+    }
+    const bool trouble = troubles_.any();
+    troubles_.endLook(whole);
+    return whole && !trouble;
+}
+
+bool Service::doSettled() {
+    keepDirectories();
+    const std::vector<Input> batch = nextBatch();
+    converter_->beginBatch(batch, {});
+    for (const Input& input : batch) {
+        if (signals_.received() != 0 || !hasRoom() || !handle(input)) return false;
+    }
+    return true;
+}
+
+/// Makes sure of locks on the directories that the names lead to now, and of a converter there.
+void Service::keepDirectories() {
+    for (const std::string& name : locks_->renew()) {
+        reporter_.error("the directory " + name + " was replaced; this run works in the new one");
+        converter_.reset();
+    }
+    if (!converter_) converter_ = std::make_unique<Converter>(conversionOf(settings_), output_);
+}
+
+/// What has settled, without the sources that could not be moved away: these are moved now, if
+/// possible.
+std::vector<Input> Service::nextBatch() {
+    std::vector<Input> batch;
+    const std::vector<std::string> settled = arrivals_.settled();
+    if (journal_ && !recalled_) journal_->recall(arrivals_.present());
+    recalled_ = true;
+    const std::map<std::string, Stuck> before = std::exchange(stuck_, {});
+    for (const std::string& name : settled) {
+        const auto stuck = before.find(name);
+        if (stuck != before.end() && stuck->second.identity == identityOf(name)) {
+            move(name, stuck->second.outcome);
+        } else {
+            batch.push_back({name, ""});
+        }
+    }
+    return batch;
+}
+
+bool Service::hasRoom() {
+    float total = 0;
+    float available = 0;
+    const char* directory = settings_.outputDir.c_str();
+    const bool known = ZarnSys::getFilesystemInfo(directory, &total, &available) == 0;
+    if (known && available >= static_cast<float>(settings_.leastFree)) return true;
+    troubles_.meet(known
+                       ? "less than " + std::to_string(settings_.leastFree) + " MiB are free in " +
+                             settings_.outputDir + "; no file is converted until there is room"
+                       : "the file system of " + settings_.outputDir + " is lost");
+    return false;
+}
+
+/// Converts a file, tells of it and moves it away; false when no file can be: the next look begins
+/// with it. A file that someone writes again is left for a later look.
+bool Service::handle(const Input& input) {
+    if (!arrivals_.isUnchanged(input.name)) return true;
+    const Outcome outcome = converter_->convert(input);
+    if (outcome.status == Outcome::Status::STOPPED) {
+        troubles_.meet(outcome.problem);
+        converter_.reset();
+        return false;
+    }
+    const bool changed = !arrivals_.isUnchanged(input.name);
+    if (outcome.status == Outcome::Status::WAITS || changed) {
+        troubles_.meet(problemText(input.name, 0, changed ? CHANGED : outcome.problem));
+        return true;
+    }
+    if (!tell(input, outcome)) return false;
+    reporter_.done(input.name, outcome, settings_.checksum);
+    move(input.name, outcome);
+    return true;
+}
+
+bool Service::tell(const Input& input, const Outcome& outcome) {
+    if (!journal_) return true;
+    try {
+        journal_->add(input.name, outcome);
+    } catch (const std::exception& error) {
+        troubles_.meet(error.what());
+        return false;
+    }
+    return true;
+}
+
+/// Moves a source to where it belongs, or notes that it must be tried again.
+void Service::move(const std::string& source, const Outcome& outcome) {
+    const std::string& directory = outcome.converted() ? settings_.doneDir : settings_.failedDir;
+    if (directory.empty()) return;
+    try {
+        if (outcome.converted()) {
+            moveInto(source, directory);
+        } else {
+            moveWithReason(source, directory,
+                           problemText(source, outcome.line, outcome.problem) + "\n");
+        }
+    } catch (const std::exception& error) {
+        troubles_.meet(error.what());
+        stuck_[source] = {identityOf(source), outcome};
+    }
+}

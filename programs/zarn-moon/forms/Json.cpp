@@ -1,0 +1,124 @@
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "shared/sky/Calendar.h"
+#include "zarn-moon/forms/Report.h"
+#include "zarn-moon/forms/Texts.h"
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// A number with as many decimals as it deserves.
+double rounded(double number, int decimals) {
+    const double scale = std::pow(10.0, decimals);
+    return std::round(number * scale) / scale + 0.0;  // no -0
+}
+
+double onCircle(double number, int decimals, double circle) {
+    const double result = rounded(number, decimals);
+    return result < circle ? result : 0.0;
+}
+
+constexpr int ANGLE = 4;       // decimals of degrees,
+constexpr int BRIGHTNESS = 3;  // of magnitudes,
+constexpr int FRACTION = 5;    // and of the rest
+constexpr int DAY = 6;         // [d]
+
+Json orNull(const std::optional<double>& number, int decimals) {
+    return number ? Json(rounded(*number, decimals)) : Json();
+}
+
+Json timeOf(double mjd, bool local) {
+    Json time = {{"utc", minuteOf(mjd) + "Z"}};
+    if (local) time["local"] = localTime(nearestMinute(mjd), "%Y-%m-%dT%H:%M%z");
+    return time;
+}
+
+Json nightOf(const NightLine& line, bool local) {
+    Json events;
+    for (const Event& event : line.events) {
+        const std::string key = keyOf(event.name);
+        events[key] = Json::array();
+        for (const double time : event.times) events[key].push_back(timeOf(time, local));
+    }
+    const Summary& summary = line.summary;
+    return {{"night", dateOf(line.date)},
+            {"word", summary.word},
+            {"astronomical_hours", rounded(summary.astronomicalHours, 2)},
+            {"dark_hours", rounded(summary.darkHours, 2)},
+            {"illumination", rounded(summary.illumination, FRACTION)},
+            {"phase", rounded(summary.moonPhase, FRACTION)},
+            {"events", events}};
+}
+
+Json targetOf(const Report& report, std::size_t i) {
+    const auto& [name, place] = report.settings.targets[i];
+    Json target = {{"name", name},
+                   {"ra_deg", onCircle(place.ra, FRACTION, 360.0)},
+                   {"dec_deg", rounded(place.dec, FRACTION)},
+                   {"equinox", report.settings.equinoxOfDate ? "date" : "J2000"}};
+    if (report.windows.empty()) return target;
+    const Window& window = report.windows[i];
+    const bool none = window.begin == window.end;
+    target["best_window"] = none ? Json()
+                                 : Json{{"begin", timeOf(window.begin, report.settings.local)},
+                                        {"end", timeOf(window.end, report.settings.local)},
+                                        {"moon_up", !window.moonDown}};
+    return target;
+}
+
+Json valuesOf(const TargetValues& values) {
+    return {{"alt_deg", rounded(values.altitude, ANGLE)},
+            {"airmass", orNull(values.airmass, FRACTION)},
+            {"moon_dist_deg", rounded(values.moonDistance, ANGLE)},
+            {"moon_sky_mag", orNull(values.moonSky, BRIGHTNESS)},
+            {"sky_mag", orNull(values.sky, BRIGHTNESS)}};
+}
+
+Json rowOf(const Row& row, bool local) {
+    Json json = {{"utc", secondOf(row.mjd) + "Z"}, {"mjd", rounded(row.mjd, DAY)}};
+    if (local) json["local"] = localTime(row.mjd, "%Y-%m-%dT%H:%M:%S%z");
+    json["lst_h"] = onCircle(row.lst, FRACTION, 24.0);
+    json["sun_alt_deg"] = rounded(row.sunAltitude, ANGLE);
+    json["moon_alt_deg"] = rounded(row.moonAltitude, ANGLE);
+    json["moon_az_deg"] = onCircle(row.moonAzimuth, ANGLE, 360.0);
+    json["illumination"] = rounded(row.illumination, FRACTION);
+    json["phase"] = rounded(row.phase, FRACTION);
+    json["moon_up"] = row.moonUp;
+    json["targets"] = Json::array();
+    for (const TargetValues& values : row.targets) json["targets"].push_back(valuesOf(values));
+    return json;
+}
+
+}  // namespace
+
+std::string jsonOf(const Report& report) {
+    constexpr int INDENT = 1;
+    const Settings& settings = report.settings;
+    const bool local = settings.local;
+    Json json = {{"site",
+                  {{"name", settings.site.name},
+                   {"latitude_deg", settings.site.latitude},
+                   {"longitude_west_deg", settings.site.longitude}}},
+                 {"extinction", settings.extinction},
+                 {"dark_sky_mag", settings.darkSky}};
+    json["nights"] = Json::array();
+    json["phases"] = Json::array();
+    json["targets"] = Json::array();
+    for (const NightLine& line : report.nights) json["nights"].push_back(nightOf(line, local));
+    for (const Phase& phase : report.phases) {
+        Json entry = timeOf(phase.mjd, local);
+        entry["phase"] = phase.name;
+        json["phases"].push_back(entry);
+    }
+    for (std::size_t i = 0; i < settings.targets.size(); ++i)
+        json["targets"].push_back(targetOf(report, i));
+    // Names that are no UTF-8 get replacement characters instead of ending the program.
+    std::string text = json.dump(INDENT, ' ', false, Json::error_handler_t::replace);
+    // The rows may be many: each becomes text by itself, a line of its own.
+    text.replace(text.rfind('\n'), std::string::npos, ",\n \"instants\": [");
+    for (std::size_t i = 0; i < report.rows.size(); ++i)
+        text += (i > 0 ? ",\n  " : "\n  ") + rowOf(report.rows[i], local).dump();
+    return text + (report.rows.empty() ? "]\n}\n" : "\n ]\n}\n");
+}

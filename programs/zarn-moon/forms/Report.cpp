@@ -1,0 +1,53 @@
+#include "zarn-moon/forms/Report.h"
+
+#include "shared/cli/UsageError.h"
+
+namespace {
+
+constexpr std::size_t MOST_VALUES = 1000000;  // instants times targets: some 500 MB at most
+
+void checkSize(std::size_t instants, std::size_t targets) {
+    if (targets > 0 && instants > MOST_VALUES / targets) {
+        throw UsageError("more than " + std::to_string(MOST_VALUES) +
+                         " rows of instants and targets: choose a larger --step");
+    }
+}
+
+NightLine lineOf(const Night& night) { return {night.date, eventsOf(night), summaryOf(night)}; }
+
+void addNight(Report& report) {
+    const Settings& settings = report.settings;
+    const Night night = makeNight(settings.site, settings.date);
+    report.nights.push_back(lineOf(night));
+    report.phases = nextPhases(night.minutes.front());
+    const std::vector<MJD_DATE> instants = instantsOf(night, settings.step);
+    checkSize(instants.size(), settings.targets.size());
+    const std::size_t middle = night.minutes.size() / 2;
+    const std::vector<MoonTarget> places = placesOfDate(settings, night.minutes[middle]);
+    if (settings.minAltitude) {
+        for (const MoonTarget& place : places)
+            report.windows.push_back(bestWindow(night, place, *settings.minAltitude));
+    }
+    report.rows = makeRows(settings, instants, places, report.windows);
+}
+
+}  // namespace
+
+Report makeReport(const Settings& settings) {
+    Report report = {settings, {}, {}, {}, {}};
+    if (settings.mjd) {
+        checkSize(1, settings.targets.size());
+        report.phases = nextPhases(*settings.mjd);
+        report.rows =
+            makeRows(settings, {*settings.mjd}, placesOfDate(settings, *settings.mjd), {});
+    } else if (settings.nights == 0) {
+        addNight(report);
+    } else {
+        for (unsigned i = 0; i < settings.nights; ++i) {
+            const Night night = makeNight(settings.site, settings.date + i);
+            report.nights.push_back(lineOf(night));
+            if (i == 0) report.phases = nextPhases(night.minutes.front());
+        }
+    }
+    return report;
+}

@@ -1,0 +1,223 @@
+#include <algorithm>
+#include <cmath>
+#include <iomanip>
+#include <sstream>
+#include <utility>
+
+#include "shared/cli/Printable.h"
+#include "shared/sky/Calendar.h"
+#include "zarn-moon/forms/Report.h"
+#include "zarn-moon/forms/Texts.h"
+
+namespace {
+
+const std::size_t DATE_LENGTH = std::string("YYYY-MM-DDT").size();
+
+/// "2026-11-25 17:06", with the local time behind it when that is asked for.
+std::string timeText(double mjd, bool local) {
+    std::string text = minuteOf(mjd);
+    text.replace(text.find('T'), 1, " ");
+    return local ? text + " (" + localTime(nearestMinute(mjd), "%H:%M %Z") + ")" : text;
+}
+
+std::string timesText(const std::vector<double>& times, bool local, const std::string& absent) {
+    std::string text;
+    for (const double time : times) text += (text.empty() ? "" : " and ") + timeText(time, local);
+    return text.empty() ? absent : text;
+}
+
+bool isWholeMinutes(const Settings& settings) {
+    return !settings.mjd && settings.step == std::floor(settings.step);
+}
+
+/// The time of day alone.
+std::string clockText(double mjd) { return minuteOf(mjd).substr(DATE_LENGTH); }
+
+std::string hoursAndMinutes(double hours) {
+    constexpr int MINUTES_PER_HOUR = 60;
+    const int minutes = static_cast<int>(hours * MINUTES_PER_HOUR);  // 24:00 is never reached
+    std::ostringstream text;
+    text << std::setfill('0') << std::setw(2) << minutes / MINUTES_PER_HOUR << ':' << std::setw(2)
+         << minutes % MINUTES_PER_HOUR;
+    return text.str();
+}
+
+std::string percent(double fraction) {
+    constexpr double HUNDRED = 100.0;
+    return fixed(HUNDRED * fraction, 0) + " %";
+}
+
+/// Lines of columns that are as wide as their widest cell, aligned to the right.
+class Columns {
+public:
+    void add(std::vector<std::string> cells) {
+        widths_.resize(cells.size());
+        for (std::size_t i = 0; i < cells.size(); ++i)
+            widths_[i] = std::max(widths_[i], cells[i].size());
+        lines_.push_back(std::move(cells));
+    }
+
+    std::string text() const {
+        std::string text;
+        for (const auto& cells : lines_) {
+            std::ostringstream line;
+            for (std::size_t i = 0; i < cells.size(); ++i)
+                line << std::setw(static_cast<int>(widths_[i]) + (i > 0 ? 2 : 0)) << cells[i];
+            const std::string filled = line.str();
+            text += filled.substr(0, filled.find_last_not_of(' ') + 1) + '\n';
+        }
+        return text;
+    }
+
+private:
+    std::vector<std::size_t> widths_;
+    std::vector<std::vector<std::string>> lines_;
+};
+
+/// The cells that name an instant.
+std::vector<std::string> timeCells(double mjd, const Settings& settings) {
+    const bool minutes = isWholeMinutes(settings);
+    const std::string time = minutes ? clockText(mjd) : secondOf(mjd).substr(DATE_LENGTH);
+    std::vector<std::string> cells = {time};
+    if (settings.local) cells.push_back(localTime(mjd, minutes ? "%H:%M" : "%H:%M:%S"));
+    return cells;
+}
+
+std::vector<std::string> titles(const Settings& settings, std::vector<std::string> others) {
+    std::vector<std::string> cells = {"UT"};
+    if (settings.local) cells.emplace_back("local");
+    cells.insert(cells.end(), others.begin(), others.end());
+    return cells;
+}
+
+void append(std::vector<std::string>& cells, const std::vector<std::string>& more) {
+    cells.insert(cells.end(), more.begin(), more.end());
+}
+
+std::string skyTable(const Report& report) {
+    Columns columns;
+    columns.add(titles(report.settings, {"LST", "sun alt", "moon alt", "moon az", "lit", "phase"}));
+    for (const Row& row : report.rows) {
+        std::vector<std::string> cells = timeCells(row.mjd, report.settings);
+        append(cells, {hoursAndMinutes(row.lst), fixed(row.sunAltitude, 1),
+                       fixed(row.moonAltitude, 1), fixedOnCircle(row.moonAzimuth, 1, 360.0),
+                       fixed(row.illumination, 3), fixed(row.phase, 3)});
+        columns.add(cells);
+    }
+    return columns.text();
+}
+
+std::string moonSkyText(const Row& row, const TargetValues& values) {
+    if (values.altitude < 0.0) return "target down";
+    return row.moonUp ? fixedOr(values.moonSky, 2, "none") : "moon down";
+}
+
+std::string skyText(const Row& row, const TargetValues& values) {
+    if (values.altitude < 0.0) return "target down";
+    return fixedOr(values.sky, 2, row.sunAltitude < HORIZON ? "twilight" : "daylight");
+}
+
+std::string windowText(const Window& window, double least) {
+    const std::string what = "best window, at least " + fixed(least, 1) + " degrees high: ";
+    if (window.begin == window.end) return what + "none";
+    return what + clockText(window.begin) + " to " + clockText(window.end) + " UT, moon " +
+           (window.moonDown ? "down" : "up") + " (marked *)";
+}
+
+std::string targetTable(const Report& report, std::size_t target) {
+    const Settings& settings = report.settings;
+    Columns columns;
+    std::vector<std::string> title =
+        titles(settings, {"alt", "airmass", "moon dist", "moon sky", "sky"});
+    if (!report.windows.empty()) title.emplace_back("");
+    columns.add(title);
+    for (const Row& row : report.rows) {
+        const TargetValues& values = row.targets[target];
+        std::vector<std::string> cells = timeCells(row.mjd, settings);
+        append(cells,
+               {fixed(values.altitude, 1), fixedOr(values.airmass, 2, "-"),
+                fixed(values.moonDistance, 1), moonSkyText(row, values), skyText(row, values)});
+        if (!report.windows.empty()) cells.emplace_back(values.best ? "*" : "");
+        columns.add(cells);
+    }
+    return columns.text();
+}
+
+std::string targetTitle(const Settings& settings, const Target& target) {
+    const std::string place =
+        fixedOnCircle(target.place.ra, 4, 360.0) + " " + fixed(target.place.dec, 4);
+    return "Target " + printable(target.name) + ": " + place + " degrees, equinox " +
+           (settings.equinoxOfDate ? "of date" : "J2000");
+}
+
+std::string phasesText(const Report& report) {
+    std::string text = "Next phases:\n";
+    for (const Phase& phase : report.phases) {
+        std::ostringstream line;
+        line << "  " << std::left << std::setw(19) << phase.name
+             << timeText(phase.mjd, report.settings.local) << '\n';
+        text += line.str();
+    }
+    return text;
+}
+
+std::string nightText(const Report& report) {
+    const Settings& settings = report.settings;
+    const auto& [date, events, summary] = report.nights.front();
+    std::ostringstream text;
+    text << "Night of " << dateOf(date) << " at " << settings.site.name << " ("
+         << coordinates(settings.site) << "), times in UT\n\n";
+    for (const Event& event : events) {
+        text << "  " << std::left << std::setw(19) << event.name
+             << timesText(event.times, settings.local, "none in this night") << '\n';
+    }
+    text << "\nA " << summary.word << " night: the moon is " << percent(summary.illumination)
+         << " lit (phase " << fixed(summary.moonPhase, 3) << ");\n"
+         << fixed(summary.darkHours, 1) << " of " << fixed(summary.astronomicalHours, 1)
+         << " hours with the sun below -18 degrees are without moon.\n";
+    return text.str();
+}
+
+std::string instantText(const Report& report) {
+    const Settings& settings = report.settings;
+    return "MJD " + fixed(*settings.mjd, 5) + ", " + timeText(*settings.mjd, settings.local) +
+           " UT at " + settings.site.name + " (" + coordinates(settings.site) + ")\n";
+}
+
+std::string nightsTable(const Report& report) {
+    const bool local = report.settings.local;
+    Columns columns;
+    columns.add({"night", "dark hours", "moonrise", "moonset", "lit", ""});
+    for (const auto& [date, events, summary] : report.nights) {
+        const auto times = [&events = events, local](const std::string& name) {
+            for (const Event& event : events) {
+                if (event.name == name) return timesText(event.times, local, "none");
+            }
+            return std::string();
+        };
+        columns.add({dateOf(date), fixed(summary.darkHours, 1), times("moonrise"), times("moonset"),
+                     percent(summary.illumination), summary.word});
+    }
+    return columns.text();
+}
+
+}  // namespace
+
+std::string tableOf(const Report& report) {
+    const Settings& settings = report.settings;
+    if (settings.nights > 0) {
+        return settings.site.name + " (" + coordinates(settings.site) + "), times in UT\n\n" +
+               nightsTable(report) + "\n" + phasesText(report);
+    }
+    std::string text = settings.mjd ? instantText(report) : nightText(report);
+    text += "\n" + phasesText(report) + "\n";
+    if (report.rows.empty()) return text + "The sun does not set: no table.\n";
+    text += skyTable(report);
+    for (std::size_t i = 0; i < settings.targets.size(); ++i) {
+        text += "\n" + targetTitle(settings, settings.targets[i]) + "\n";
+        if (!report.windows.empty())
+            text += windowText(report.windows[i], *settings.minAltitude) + "\n";
+        text += targetTable(report, i);
+    }
+    return text;
+}

@@ -1,0 +1,48 @@
+#include "zarn-moon/forms/Texts.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <ctime>
+#include <iomanip>
+#include <limits>
+#include <sstream>
+#include <stdexcept>
+
+#include "shared/sky/Calendar.h"
+
+std::string fixed(double number, int decimals) {
+    std::ostringstream stream;
+    stream << std::fixed << std::setprecision(decimals) << number;
+    const std::string text = stream.str();
+    const bool isZero = text.find_first_not_of("-0.") == std::string::npos;
+    return isZero && text[0] == '-' ? text.substr(1) : text;
+}
+
+std::string fixedOr(const std::optional<double>& number, int decimals, const std::string& absent) {
+    return number ? fixed(*number, decimals) : absent;
+}
+
+std::string fixedOnCircle(double number, int decimals, double circle) {
+    const std::string text = fixed(number, decimals);
+    return text == fixed(circle, decimals) ? fixed(0.0, decimals) : text;
+}
+
+std::string keyOf(std::string name) {
+    std::replace(name.begin(), name.end(), ' ', '_');
+    return name;
+}
+
+std::string localTime(double mjd, const char* format) {
+    using Limits = std::numeric_limits<std::time_t>;
+    const double seconds = std::round((mjd - MJD_OF_EPOCH) * SECONDS_PER_DAY);
+    const bool fits = seconds > static_cast<double>(Limits::lowest()) &&
+                      seconds < static_cast<double>(Limits::max());
+    const auto time = static_cast<std::time_t>(fits ? seconds : 0.0);
+    std::tm parts = {};
+    std::array<char, 64> text = {};
+    if (!fits || ::localtime_r(&time, &parts) == nullptr)
+        throw std::runtime_error("this system has no local time for " + minuteOf(mjd));
+    std::strftime(text.data(), text.size(), format, &parts);
+    return text.data();
+}

@@ -1,0 +1,111 @@
+#include "zarn-moon/night/Rows.h"
+
+#include <zarnsys/util/Astronomy.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "shared/sky/Angles.h"
+#include "shared/sky/Calendar.h"
+#include "shared/sky/Precession.h"
+
+namespace {
+
+constexpr double NEGLIGIBLE = 99.0;  // of lunskybright
+
+/// Airmass by Pickering 2002, DIO 12, 3: good down to the horizon, which the secant is not.
+double airmassOf(double altitude) {
+    const double effective = altitude + 244.0 / (165.0 + 47.0 * std::pow(altitude, 1.1));  // [deg]
+    return 1.0 / std::sin(effective / DEG_PER_RAD);
+}
+
+/// The surface brightness of two lights together [mag per square arc second].
+double together(double a, double b) {
+    return -2.5 * std::log10(std::pow(10.0, -0.4 * a) + std::pow(10.0, -0.4 * b));
+}
+
+/// What brightness needs to know of an instant.
+struct Moonlight {
+    double sunDistance;  ///< of the moon [deg]
+    double altitude;     ///< [deg]
+    double range;        ///< [Earth radii]
+    bool up;
+};
+
+TargetValues valuesOf(const Settings& settings, double altitude, double moonDistance,
+                      const Moonlight& moon, bool isDark) {
+    TargetValues values = {altitude, moonDistance, {}, {}, {}, false};
+    if (altitude < 0.0) return values;
+    values.airmass = airmassOf(altitude);
+    const double added = moon.up ? lunskybright(moon.sunDistance, moonDistance, settings.extinction,
+                                                moon.altitude, altitude, moon.range)
+                                 : NEGLIGIBLE;
+    if (added < NEGLIGIBLE) values.moonSky = added;
+    if (isDark) {
+        values.sky = values.moonSky ? together(settings.darkSky, added) : settings.darkSky;
+    }
+    return values;
+}
+
+Row rowOf(const Site& site, const MoonGrid& moon, std::size_t i, double mjd) {
+    return {mjd,
+            moon.lst[i],
+            sunAltitude(mjd, moon.lst[i], site.latitude),
+            moon.moonalt[i],
+            moon.moonaz[i],
+            moon.moonfli[i],
+            moon.moonphase[i],
+            moon.moonalt[i] >= HORIZON,
+            {}};
+}
+
+}  // namespace
+
+std::vector<MoonTarget> placesOfDate(const Settings& settings, double mjd) {
+    std::vector<MoonTarget> places;
+    for (const Target& target : settings.targets) {
+        const Position place =
+            settings.equinoxOfDate ? target.place : precessed(target.place, J2000_EPOCH, mjd);
+        places.push_back({place.ra, place.dec});
+    }
+    return places;
+}
+
+std::vector<MJD_DATE> instantsOf(const Night& night, double stepMinutes) {
+    const double begin = night.minutes.front();
+    const double day = std::floor(begin);
+    const Site& site = night.site;
+    const double minutesBefore = (begin - day) * MINUTES_PER_DAY;
+    std::vector<MJD_DATE> instants;
+    for (auto step = static_cast<int>(std::ceil(minutesBefore / stepMinutes));; ++step) {
+        const double mjd = day + step * stepMinutes / MINUTES_PER_DAY;
+        if (mjd > night.minutes.back()) return instants;
+        const double sidereal = lst(mjd + JD_OF_MJD_0, site.longitude / DEG_PER_HOUR);
+        if (sunAltitude(mjd, sidereal, site.latitude) < HORIZON) instants.push_back(mjd);
+    }
+}
+
+std::vector<Row> makeRows(const Settings& settings, const std::vector<MJD_DATE>& instants,
+                          const std::vector<MoonTarget>& targets,
+                          const std::vector<Window>& windows) {
+    const Site& site = settings.site;
+    const MoonGrid moon = computeMoonGrid(targets, instants, site.longitude, site.latitude);
+    std::vector<Row> rows;
+    for (std::size_t i = 0; i < instants.size(); ++i) {
+        Row row = rowOf(site, moon, i, instants[i]);
+        const Moonlight light = {moon.alphasun[i] * DEG_PER_RAD, row.moonAltitude, moon.objdist[i],
+                                 row.moonUp};
+        const bool isDark = row.sunAltitude < ASTRONOMICAL_TWILIGHT;
+        for (std::size_t t = 0; t < targets.size(); ++t) {
+            const double altitude = altitudeOf(targets[t], row.lst, site.latitude);
+            row.targets.push_back(
+                valuesOf(settings, altitude, moon.moondist[i * targets.size() + t], light, isDark));
+            if (!windows.empty()) {
+                row.targets.back().best =
+                    instants[i] >= windows[t].begin && instants[i] <= windows[t].end;
+            }
+        }
+        rows.push_back(std::move(row));
+    }
+    return rows;
+}

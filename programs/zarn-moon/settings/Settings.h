@@ -1,0 +1,41 @@
+/// What a run of zarn-moon is asked to do.
+#ifndef ZARN_MOON_SETTINGS_H
+#define ZARN_MOON_SETTINGS_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "zarn-moon/settings/Site.h"
+#include "zarn-moon/settings/Targets.h"
+
+/// With more targets the lines of a picture cannot be told apart.
+constexpr std::size_t MOST_DRAWN_TARGETS = 12;
+
+enum class Format { TABLE, CSV, JSON };
+
+struct Settings {
+    Site site = {};
+    std::vector<Target> targets;
+    bool equinoxOfDate = false;  ///< the targets' places are of date, not of J2000
+
+    double date = 0.0;          ///< 0 h of the day that the night begins on [MJD]
+    std::optional<double> mjd;  ///< one instant instead of a night [d]
+    unsigned nights = 0;        ///< one line a night for so many; 0: the table of one
+    double step = 30.0;         ///< of the table [minutes]
+
+    double extinction = 0.172;          ///< at the zenith [mag per airmass]
+    double darkSky = 21.8;              ///< without moon [V mag per square arc second]
+    std::optional<double> minAltitude;  ///< of a target's best window [deg]
+
+    bool local = false;  ///< show times of the process's time zone, too
+    Format format = Format::TABLE;
+    std::string output;  ///< file; empty: standard output
+    std::string plot;    ///< picture's file; empty: none
+    bool help = false;
+    bool version = false;
+    bool bashCompletion = false;
+};
+
+#endif  // ZARN_MOON_SETTINGS_H

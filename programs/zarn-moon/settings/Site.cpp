@@ -1,0 +1,66 @@
+#include "zarn-moon/settings/Site.h"
+
+#include <zarnsys/util/StringUtils.h>
+#include <zarnsys/util/ZarnMoonVal.h>
+
+#include <cctype>
+#include <cmath>
+#include <iomanip>
+#include <sstream>
+#include <stdexcept>
+#include <vector>
+
+#include "shared/cli/Printable.h"
+#include "shared/sky/Angles.h"
+#include "shared/sky/Telescopes.h"
+
+namespace {
+
+/// An angle with a hemisphere's letter behind it.
+double hemisphereAngle(const std::string& text, char positive, char negative, double most) {
+    const int letter = std::toupper(static_cast<unsigned char>(text.back()));
+    if (letter != positive && letter != negative) {
+        throw std::invalid_argument("\"" + printable(text) + "\" does not end in " + positive +
+                                    " or " + negative);
+    }
+    const double angle = parseAngle(text.substr(0, text.size() - 1), most, text);
+    return letter == positive ? angle : -angle;
+}
+
+}  // namespace
+
+Site telescopeSite(const std::string& name) {
+    const Telescope telescope = telescopeOf(name);
+    Site site = {telescopeName(telescope), 0.0, 0.0};
+    getTelescopeCoord(site.latitude, site.longitude, telescope);
+    return site;
+}
+
+Site placeSite(const std::string& text) {
+    constexpr double POLE = 90.0;
+    constexpr double HALF_CIRCLE = 180.0;
+    std::vector<std::string> words;
+    ZarnSys::split(text, " \t", words);
+    if (words.size() != 2) {
+        throw std::invalid_argument("\"" + printable(text) +
+                                    "\" is no latitude and longitude as 42.5N 12.3E");
+    }
+    return {"the place", hemisphereAngle(words[0], 'N', 'S', POLE),
+            hemisphereAngle(words[1], 'W', 'E', HALF_CIRCLE)};
+}
+
+std::string coordinates(const Site& site) {
+    constexpr int DECIMALS = 4;
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(DECIMALS) << std::fabs(site.latitude)
+         << (site.latitude < 0.0 ? "S " : "N ") << std::fabs(site.longitude)
+         << (site.longitude > 0.0 ? "W" : "E");
+    return text.str();
+}
+
+double noonOf(const Site& site, double date) {
+    constexpr double CIRCLE = 360.0;  // [deg]
+    return date + 0.5 + site.longitude / CIRCLE;
+}
+
+double nightOf(const Site& site, double mjd) { return std::floor(mjd - noonOf(site, 0.0)); }
