@@ -3,7 +3,6 @@
 #include <ace/Log_Msg.h>
 #include <ace/Version.h>
 #include <fitsio.h>
-#include <zarnsys/util/ZarnSysEx.h>
 
 #include <csignal>
 #include <cstdlib>
@@ -13,6 +12,7 @@
 
 #include "shared/cli/Printable.h"
 #include "shared/cli/Process.h"
+#include "shared/cli/Reason.h"
 #include "shared/cli/UsageError.h"
 #include "zarn-ingest/report/Reporter.h"
 #include "zarn-ingest/report/RollingLog.h"
@@ -33,13 +33,6 @@ Reporter::Level levelOf(const Settings& settings) {
     return settings.verbose ? Reporter::Level::VERBOSE : Reporter::Level::NORMAL;
 }
 
-/// Whether the files come from the pattern of a properties file alone.
-bool isService(const Settings& settings) {
-    const bool named =
-        !settings.arguments.empty() || !settings.lists.empty() || settings.standardInput;
-    return !named && !settings.dryRun;
-}
-
 int work(const Settings& settings, const StopSignals& signals) {
     Reporter reporter(levelOf(settings));
     std::unique_ptr<RollingLog> log;
@@ -48,8 +41,8 @@ int work(const Settings& settings, const StopSignals& signals) {
         log = std::make_unique<RollingLog>(settings);
         reporter.useLog();
     }
-    const bool whole = isService(settings) ? Service(settings, signals, reporter).run()
-                                           : Batch(settings, signals, reporter).run();
+    const bool whole = settings.isService() ? Service(settings, signals, reporter).run()
+                                            : Batch(settings, signals, reporter).run();
     reporter.summary(settings.dryRun ? "would be converted" : "converted", signals.received());
     // A hang-up is no orderly end of a service: systemd starts it again, with its settings anew.
     if (settings.watch && signals.received() != SIGHUP) return EXIT_SUCCESS;
@@ -84,10 +77,8 @@ int runReporting(CommandLine& commandLine) {
     } catch (const UsageError& error) {
         std::cerr << std::string("zarn-ingest: ") + error.what() + "; see zarn-ingest --help\n";
         return EXIT_WRONG_USAGE;
-    } catch (ZarnSysEx& error) {
-        std::cerr << "zarn-ingest: " + printable(error.what()) + "\n";
     } catch (const std::exception& error) {
-        std::cerr << "zarn-ingest: " + printable(error.what()) + "\n";
+        std::cerr << "zarn-ingest: " + printable(reasonOf(error)) + "\n";
     }
     return EXIT_SOME_FAILED;
 }

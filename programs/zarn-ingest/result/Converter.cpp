@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zarnsys/util/FileIO.h>
-#include <zarnsys/util/ZarnSysEx.h>
 
 #include <array>
 #include <cerrno>
@@ -14,6 +13,7 @@
 #include <system_error>
 
 #include "shared/cli/Printable.h"
+#include "shared/cli/Reason.h"
 #include "shared/files/FileVersion.h"
 #include "shared/files/MemoryFile.h"
 #include "shared/files/Reading.h"
@@ -173,10 +173,8 @@ Outcome Converter::convert(const Input& input) {
         outcome.line = error.line();
     } catch (const InputWaits& error) {
         fails(Status::WAITS, error.what());
-    } catch (ZarnSysEx& error) {
-        fails(Status::STOPPED, error.what());
     } catch (const std::exception& error) {
-        fails(Status::STOPPED, error.what());
+        fails(Status::STOPPED, reasonOf(error));
     }
     return outcome;
 }

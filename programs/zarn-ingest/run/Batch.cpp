@@ -8,19 +8,9 @@
 
 #include "shared/cli/Printable.h"
 #include "zarn-ingest/result/OutputDirectory.h"
+#include "zarn-ingest/run/Conversion.h"
 
 namespace {
-
-ConversionOptions conversionOf(const Settings& settings) {
-    ConversionOptions options;
-    options.overwrite = settings.overwrite;
-    options.dryRun = settings.dryRun;
-    options.checksum = settings.checksum;
-    options.durable = settings.resume || !settings.journalDir.empty();
-    options.resume = settings.resume;
-    options.moon = settings.moon;
-    return options;
-}
 
 /// A dry run has the service's pattern, too.
 Settings withPattern(Settings settings) {

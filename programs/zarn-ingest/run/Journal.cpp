@@ -7,7 +7,6 @@
 #include <unistd.h>
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/WexoTime.h>
-#include <zarnsys/util/ZarnSysEx.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -22,6 +21,7 @@
 #include <unordered_set>
 
 #include "shared/cli/Printable.h"
+#include "shared/cli/Reason.h"
 #include "zarn-ingest/result/Directory.h"
 
 namespace {
@@ -119,17 +119,12 @@ void Journal::add(const std::string& source, const Outcome& outcome) {
     const std::string record = recordOf(source, outcome);
     const auto earlier = recalled_.find(printable(source));
     if (earlier != recalled_.end() && earlier->second == record) return;
-    std::string problem;
     try {
         append(record);
-        return;
-    } catch (ZarnSysEx& error) {
-        problem = error.what();
     } catch (const std::exception& error) {
-        problem = error.what();
+        file_ = Descriptor(-1);  // the next line opens the file again and mends it
+        throw std::runtime_error("the journal in " + directory_ + ": " + reasonOf(error));
     }
-    file_ = Descriptor(-1);  // the next line opens the file again and mends it
-    throw std::runtime_error("the journal in " + directory_ + ": " + problem);
 }
 
 void Journal::append(const std::string& record) {

@@ -5,7 +5,6 @@
 #include <unistd.h>
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/Utils.h>
-#include <zarnsys/util/ZarnSysEx.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -15,7 +14,9 @@
 #include <system_error>
 #include <utility>
 
+#include "shared/cli/Reason.h"
 #include "shared/files/Durable.h"
+#include "zarn-ingest/run/Conversion.h"
 #include "zarn-ingest/run/Moving.h"
 
 namespace {
@@ -23,16 +24,6 @@ namespace {
 const std::string CHANGED = "changed while it was converted; it is looked at again";
 
 using std::chrono::seconds;
-
-ConversionOptions conversionOf(const Settings& settings) {
-    ConversionOptions options;
-    options.overwrite = settings.overwrite;
-    options.checksum = settings.checksum;
-    options.durable = true;
-    options.resume = true;
-    options.moon = settings.moon;
-    return options;
-}
 
 dev_t fileSystemOf(const std::string& directory) {
     struct stat status = {};
@@ -122,10 +113,8 @@ bool Service::look() {
     bool whole = false;
     try {
         whole = doSettled();
-    } catch (ZarnSysEx& error) {
-        troubles_.meet(error.what());
     } catch (const std::exception& error) {
-        troubles_.meet(error.what());
+        troubles_.meet(reasonOf(error));
     }
     const bool trouble = troubles_.any();
     troubles_.endLook(whole);

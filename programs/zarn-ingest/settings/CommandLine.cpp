@@ -116,13 +116,12 @@ auto meaning(const std::string& option, const std::string& value, Read read) {
 
 /// Settings that exclude or lack each other.
 void checkTogether(const Settings& settings) {
-    const bool named = !settings.lists.empty() || settings.standardInput;
-    const bool chosen = named || !settings.arguments.empty();
+    const bool lists = !settings.lists.empty() || settings.standardInput;
     if (settings.quiet && settings.verbose)
         throw UsageError("--quiet and --verbose exclude each other");
-    if (settings.nulSeparated && !named) throw UsageError("--null needs --list or --stdin");
-    if (!chosen && settings.pattern.empty()) throw UsageError("no file to convert");
-    const bool service = !chosen && !settings.dryRun;
+    if (settings.nulSeparated && !lists) throw UsageError("--null needs --list or --stdin");
+    if (!settings.isNamed() && settings.pattern.empty()) throw UsageError("no file to convert");
+    const bool service = settings.isService();
     if (settings.watch && !service)
         throw UsageError("--watch takes its files from the pattern of a properties file alone");
     if (service && matches(settings.pattern, settings.logFile))

@@ -54,6 +54,13 @@ struct Settings {
     std::string logPriorities;  ///< ACE's names joined by '|'; empty: INFO and ERROR
     std::string logFlags;       ///< ACE's names joined by '|'; empty: the file alone
     std::string logProgram = "zarn-ingest";
+
+    /// Whether names give the files: by arguments, lists or standard input.
+    bool isNamed() const { return !arguments.empty() || !lists.empty() || standardInput; }
+
+    /// Whether the run is a service's: its files are those that arrive, and move when they are
+    /// done.
+    bool isService() const { return !isNamed() && !dryRun; }
 };
 
 #endif  // ZARN_INGEST_SETTINGS_H

@@ -1,0 +1,12 @@
+/// The text of an error, whatever threw it.
+#ifndef ZARN_PROGRAMS_REASON_H
+#define ZARN_PROGRAMS_REASON_H
+
+#include <exception>
+#include <string>
+
+/// What an exception says. The library's own keeps its text where `std::exception::what` does not
+/// look.
+std::string reasonOf(const std::exception& error);
+
+#endif  // ZARN_PROGRAMS_REASON_H
