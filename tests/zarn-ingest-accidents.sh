@@ -114,6 +114,23 @@ testOutputDisk() {
     umount fits
 }
 
+# CFITSIO forgets that a write failed, and takes a text that it cannot open for an empty one.
+testFaultsBehindCfitsio() {
+    local i
+    properties; sed -i /journal/d p.ini; arrive a.hdr; run 0 -q -p p.ini
+    for i in $(seq 8 20); do
+        mv done/a.hdr in 2>/dev/null
+        (ulimit -n "$i"; "$program" -p p.ini 2>err.txt)
+        check "judged with $i descriptors" [ "$(grep -c 'exists already' err.txt)" = 0 ]
+    done
+    needsMounts || return
+    seq -f 'K%06.0f = 1' 2500 | cat "$samples/imager.hdr" - | grep -v ^END >in/a.hdr
+    rm fits/a.fits; mount -t tmpfs -o size=100k none fits
+    run 1 -p p.ini; says 'No space left on device'; has in/a.hdr
+    mount -o remount,size=1m fits; run 0 -q -p p.ini; has fits/a.fits; has done/a.hdr
+    umount fits
+}
+
 testIncomingUnlistable() {
     needsTracing || return
     properties; arrive a.hdr
