@@ -149,6 +149,8 @@ testStepsFail() {
     expectResults; properties; arrive a.hdr b.hdr
     failing 1 renameat2:error=EIO:when=2 -p p.ini
     says 'cannot move in/a.hdr to done: Input/output error'; has in/a.hdr; has done/b.hdr
+    failing 1 openat:error=EMFILE:when=2 -P "$(echo journal/*)" -p p.ini
+    says 'Too many open files'; has in/a.hdr
     run 0 -p p.ini; says '1 converted, 0 failed'; nothingLost a b
     arrive c.hdr
     failing 1 fsync:error=EIO:when=2 -p p.ini  # of the output directory, behind the rename
@@ -161,6 +163,15 @@ testStepsFail() {
     failing 1 unlinkat:error=EBUSY -q -p p.ini  # what is left of one file disturbs no other
     check "the header's fault" [ "$(ls failed)" = "$(printf 'd0.hdr\nd0.hdr.reason')" ]
     rm failed/*; sed -i /d0.hdr/d journal/*; nothingLost a b c d e
+    ASAN_OPTIONS=detect_leaks=0 strace -f -o trace -e inject=fsync:error=EIO:when=4 \
+        "$program" -p p.ini --watch 2>err.txt &
+    service=$!
+    arrive f.hdr; waitFor [ -e done/f.hdr ]; says 'not safe on disk: Input/output error'
+    kill "$(pgrep -P $service)"; ended 0 $service
+    nothingLost a b c d e f
+    cp "$samples/broken.hdr" in/g.hdr
+    failing 1 openat:error=ENOSPC -P failed/g.hdr.reason -p p.ini
+    says 'cannot write failed/g.hdr.reason: No space left on device'
 }
 
 # Writes to the notification pipe and to files are counted alike; verification sees the latter.
