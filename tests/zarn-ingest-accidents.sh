@@ -139,8 +139,13 @@ testIncomingUnlistable() {
     says 'the directory in cannot be listed: Input/output error'
     has in/a.hdr
     mkdir -p batch/x batch/y; cp in/a.hdr batch/x
-    failing 1 getdents64:error=EIO -P batch/y -o two 'batch/*/*.hdr'
+    failing 1 getdents64:error=EIO -P batch/y -j j -o two 'batch/*/*.hdr'
     says 'batch/y: the directory cannot be listed: Input/output error'; says '1 converted, 1 failed'
+    check "lines" [ "$(cut -f3 j/*)" = batch/x/a.hdr ]
+    failing 1 newfstatat:error=EACCES -P batch/y/a.hdr -o three 'batch/*/a.hdr'
+    says 'batch/y: the directory cannot be listed: Permission denied'; has three/a.fits
+    failing 1 newfstatat:error=EACCES -P in/a.hdr -p p.ini
+    says 'in/a.hdr cannot be looked at: Permission denied'; has in/a.hdr
 }
 
 # The order result, journal, move holds when one of them fails; the next run tells nothing twice.

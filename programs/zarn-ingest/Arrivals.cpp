@@ -3,6 +3,8 @@
 #include <sys/stat.h>
 #include <zarnsys/util/FileIO.h>
 
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
 #include "IngestError.h"
@@ -12,6 +14,8 @@
 namespace {
 
 constexpr std::int64_t NANOSECONDS = 1000000000;
+
+std::string reasonFor(int error) { return std::generic_category().message(error); }
 
 }  // namespace
 
@@ -28,9 +32,15 @@ std::vector<std::string> Arrivals::settled() {
     const Clock::time_point now = Clock::now();
     std::map<std::string, Seen> seen;
     std::vector<std::string> settled;
+    unseen_.clear();
     for (const std::string& name : names) {
         Seen file = {};
-        if (!look(name, file)) continue;
+        errno = 0;
+        if (!look(name, file)) {
+            if (errno != 0 && errno != ENOENT)
+                unseen_.push_back(name + " cannot be looked at: " + reasonFor(errno));
+            continue;
+        }
         file.since = now;
         const auto before = seen_.find(name);
         if (before != seen_.end() && isSame(before->second, file))

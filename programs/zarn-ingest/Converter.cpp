@@ -186,6 +186,7 @@ Outcome Converter::convert(const Input& input) {
 void Converter::leave(const Input& input) { claims_.emplace(resultName(input.name), &input.name); }
 
 void Converter::convertOrThrow(const Input& input, Outcome& outcome) {
+    if (input.waits) throw InputWaits(input.problem);
     if (!input.problem.empty()) throw IngestError(input.problem);
     const std::string name = resultName(input.name);
     outcome.result = output_.path(name);

@@ -12,6 +12,7 @@
 struct Input {
     std::string name;
     std::string problem;  ///< why the name gives no file; empty: it may
+    bool waits = false;   ///< the problem is the machine's: the name stands for files unseen
 };
 
 /// The inputs in the order of the command line, then of its lists, then of standard input. What a

@@ -151,6 +151,7 @@ void Service::keepDirectories() {
 std::vector<Input> Service::nextBatch() {
     std::vector<Input> batch;
     const std::vector<std::string> settled = arrivals_.settled();
+    for (const std::string& problem : arrivals_.unseen()) troubles_.meet(problem);
     if (journal_ && !recalled_) journal_->recall(arrivals_.present());
     recalled_ = true;
     const std::map<std::string, Stuck> before = std::exchange(stuck_, {});
