@@ -82,12 +82,13 @@ testLocks() {
     mkdir journal; arrive b.hdr; waitFor [ -e done/b.hdr ]
     "$program" -p p.ini -o fits2 2>err2.txt
     check "locked again" grep -q 'another zarn-ingest works in the directory in' err2.txt
+    mv failed old; mv done failed; mv old done; arrive b2.hdr; waitFor [ -e done/b2.hdr ]
     mv in hidden; waitFor said 'directory in: No such file'
     mv hidden in; arrive c.hdr; waitFor [ -e done/c.hdr ]
     rm journal/*.journal; arrive d.hdr; waitFor [ -e done/d.hdr ]; rm -r journal
     arrive e.hdr; sleep 1.2; has in/e.hdr; mkdir journal; waitFor [ -e done/e.hdr ]
     stop HUP 129
-    says '5 converted, 0 failed'
+    says '6 converted, 0 failed'
     check "lines" [ "$(journalFields 3)" = in/e.hdr ]
 }
 
