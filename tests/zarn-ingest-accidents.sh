@@ -67,7 +67,7 @@ testOutputReplaced() {
 testWorkRemovedBeforeTheRename() {
     needsTracing || return
     expectResults; properties; arrive a.hdr
-    (until rm -r fits/.zarn* 2>/dev/null; do :; done) &
+    (until ls fits/.zarn*/1.fits >/dev/null 2>&1; do :; done; rm -r fits/.zarn*) &
     strace -f -o trace -e inject=fchmod:delay_enter=500000 "$program" -q -p p.ini 2>err.txt
     check "status" [ $? = 1 ]
     kill %1 2>/dev/null
