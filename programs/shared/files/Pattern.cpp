@@ -46,6 +46,19 @@ void closeListing(void* opened) {
     ::closedir(listing->stream);
 }
 
+/// Looks at a name, and notes the directory that does not let it be looked at.
+int lookAt(int (*look)(const char*, struct stat*), const char* name, struct stat* status) {
+    const int result = look(name, status);
+    if (result == 0 || errno == ENOENT) return result;
+    const std::string path = name;
+    note(path.substr(0, path.rfind('/')));
+    return result;
+}
+
+int statNoting(const char* name, struct stat* status) { return lookAt(::stat, name, status); }
+
+int lstatNoting(const char* name, struct stat* status) { return lookAt(::lstat, name, status); }
+
 /// The names that `glob` found. Owns their storage.
 class Expansion {
 public:
@@ -53,8 +66,8 @@ public:
         glob_.gl_opendir = openListing;
         glob_.gl_readdir = readListing;
         glob_.gl_closedir = closeListing;
-        glob_.gl_stat = ::stat;
-        glob_.gl_lstat = ::lstat;
+        glob_.gl_stat = statNoting;
+        glob_.gl_lstat = lstatNoting;
         // The result code says nothing that names and notes do not say.
         static_cast<void>(::glob(pattern.c_str(), GLOB_NOSORT | GLOB_ALTDIRFUNC, nullptr, &glob_));
     }

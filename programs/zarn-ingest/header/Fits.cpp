@@ -23,7 +23,7 @@ void check(int status, const std::string& action) {
     fits_read_errmsg(detail.data());
     const std::string reason = detail.front() == '\0' ? "" : std::string("; ") + detail.data();
     const std::string text = action + " (" + statusText(status) + reason + ")";
-    if (status < FIRST_OF_HEADERS) throw FitsFileError(text);
+    if (status < FIRST_OF_HEADERS) throw FitsFileError(text, status);
     throw IngestError(text);
 }
 

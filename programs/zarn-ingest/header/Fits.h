@@ -13,7 +13,13 @@ std::string statusText(int status);
 /// A file that CFITSIO cannot create, write, read or hold in memory, whatever its header.
 class FitsFileError : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    FitsFileError(const std::string& text, int status)
+        : std::runtime_error(text), status_(status) {}
+
+    int status() const { return status_; }
+
+private:
+    int status_;
 };
 
 /// Makes sure that a call of CFITSIO succeeded.

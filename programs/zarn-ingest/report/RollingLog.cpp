@@ -121,7 +121,10 @@ RollingLog::~RollingLog() {
     static Ending ending;  // a notification that comes too late must still find it
     ACE_Time_Value deadline;
     do {
-        ACE_Reactor::instance()->notify(&ending);  // a signal can undo it: hence again and again
+        // A signal can undo it: hence again and again. One that stayed in the queue without having
+        // woken the reactor would keep all later ones from doing so.
+        ACE_Reactor::instance()->purge_pending_notifications(&ending);
+        ACE_Reactor::instance()->notify(&ending);
         deadline = ACE_OS::gettimeofday() + PATIENCE;
     } while (ACE_Thread_Manager::instance()->wait(&deadline) == -1);
 }

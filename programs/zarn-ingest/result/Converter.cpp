@@ -48,11 +48,22 @@ private:
     u_long mask_;
 };
 
+/// Makes sure that the conversion saw the text, whose first card is SIMPLE: it takes a text that it
+/// cannot open for an empty one.
+void checkHasText(FitsFile* file) {
+    int status = 0;
+    std::array<char, FLEN_CARD> card = {};
+    fits_read_record(file, 1, card.data(), &status);
+    if (status != 0 || std::string(card.data()).rfind("SIMPLE", 0) != 0)
+        throw FitsFileError("its text cannot be read again", FILE_NOT_OPENED);
+}
+
 /// Makes the FITS file of a header text.
 void makeFile(const MemoryFile& text, const WorkFile& target, bool checksum) {
     const QuietLibrary quiet;
     FitsHandle file;
     check(ZarnSysFits::hdr2fits(file.receive(), text.path(), target.path()), "cannot be converted");
+    checkHasText(file.get());
     int status = 0;
     if (checksum) check(fits_write_chksum(file.get(), &status), "no checksum can be written");
     check(file.close(), "the result cannot be completed");
@@ -63,8 +74,9 @@ bool readCard(FitsFile* file, int number, std::string& card) {
     int count = 0;
     int status = 0;
     std::array<char, FLEN_CARD> found = {};
-    fits_get_hdrspace(file, &count, nullptr, &status);
-    if (number > count || fits_read_record(file, number, found.data(), &status) != 0) return false;
+    check(fits_get_hdrspace(file, &count, nullptr, &status), "the result cannot be read");
+    if (number > count) return false;
+    check(fits_read_record(file, number, found.data(), &status), "the result cannot be read");
     card = found.data();
     return true;
 }
@@ -111,6 +123,9 @@ void verifyFile(const std::string& fitsPath, const HeaderText& text, bool checks
         throw IngestError("the checksum of the result does not fit");
     check(file.close(), "the result cannot be closed");
 }
+
+/// Whether an error tells that a name leads to nothing that can be opened.
+bool isNoFile(int error) { return error == ENOENT || error == ELOOP || error == ENXIO; }
 
 bool canRead(int fd) {
     char byte = 0;
@@ -182,6 +197,7 @@ Outcome Converter::convert(const Input& input) {
 void Converter::leave(const Input& input) { claims_.emplace(resultName(input.name), &input.name); }
 
 void Converter::convertOrThrow(const Input& input, Outcome& outcome) {
+    if (input.waits) throw InputWaits(input.problem);
     if (!input.problem.empty()) throw IngestError(input.problem);
     const std::string name = resultName(input.name);
     outcome.result = output_.path(name);
@@ -230,11 +246,16 @@ bool Converter::isFree(const std::string& result) const {
 bool Converter::isKept(const HeaderText& text, const std::string& result) const {
     const Descriptor existing(::open(result.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status = {};
-    if (existing.get() == -1 && errno == EACCES) failExisting(result, "read");
-    if (::fstat(existing.get(), &status) != 0 || !S_ISREG(status.st_mode)) return false;
+    if (existing.get() == -1 && isNoFile(errno)) return false;
+    if (existing.get() == -1 || ::fstat(existing.get(), &status) != 0) failExisting(result, "read");
+    if (!S_ISREG(status.st_mode)) return false;
     if (!canRead(existing.get())) failExisting(result, "read");
     try {
         verifyFile(descriptorPath(existing.get()), text, options_.checksum);
+    } catch (const FitsFileError& error) {
+        const bool isTooShort = error.status() == READ_ERROR || error.status() == END_OF_FILE;
+        if (!isTooShort) throw InputWaits(error.what());
+        return false;
     } catch (const std::runtime_error&) {
         return false;
     }
@@ -255,13 +276,21 @@ void Converter::checkReplaceable(const std::string& result) const {
         throw IngestError("the result " + result + " would replace a source of this run");
 }
 
-/// CFITSIO does not say why a file cannot be made: a trial of the same size does.
+/// CFITSIO does not say why a file cannot be made, and forgets some failed writes, so that the
+/// result differs from its text: a trial of the same size tells what the machine is to blame for. A
+/// header is at fault when it fails twice.
 void Converter::writeOrExplain(const Source& source, const std::string& name) const {
-    try {
-        write(source, name);
-    } catch (const FitsFileError& error) {
-        work_->checkRoom(source.text.cards().size() * CARD_LENGTH + FITS_BLOCK);
-        throw InputWaits(error.what());
+    const std::size_t size = source.text.cards().size() * CARD_LENGTH + FITS_BLOCK;
+    for (bool again = false;; again = true) {
+        try {
+            return write(source, name);
+        } catch (const FitsFileError& error) {
+            work_->checkRoom(size);
+            throw InputWaits(error.what());
+        } catch (const IngestError&) {
+            if (again) throw;
+            work_->checkRoom(size);
+        }
     }
 }
 

@@ -8,6 +8,7 @@
 struct Input {
     std::string name;
     std::string problem;  ///< why the name gives no file; empty: it may
+    bool waits = false;   ///< the problem is the machine's: the name stands for files unseen
 };
 
 #endif  // ZARN_INGEST_INPUT_H

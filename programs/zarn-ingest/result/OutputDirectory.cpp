@@ -51,9 +51,10 @@ bool lock(const Descriptor& directory) {
     return directory.get() != -1 && ::flock(directory.get(), LOCK_EX | LOCK_NB) == 0;
 }
 
+/// Whether a directory is known to be removed: where the system cannot say, its use will tell.
 bool isRemoved(const Descriptor& directory) {
     struct stat status = {};
-    return ::fstat(directory.get(), &status) != 0 || status.st_nlink == 0;
+    return ::fstat(directory.get(), &status) == 0 && status.st_nlink == 0;
 }
 
 /// How the working directories of this host's runs begin. On file systems of a network, locks on

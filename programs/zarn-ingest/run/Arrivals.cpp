@@ -2,6 +2,8 @@
 
 #include <zarnsys/util/FileIO.h>
 
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
 #include "shared/cli/UsageError.h"
@@ -21,8 +23,13 @@ std::vector<std::string> Arrivals::settled() {
     const Clock::time_point now = Clock::now();
     std::map<std::string, Seen> seen;
     std::vector<std::string> settled;
+    unseen_.clear();
     for (const std::string& name : names) {
+        errno = 0;
         const std::optional<FileVersion> version = versionOf(name);
+        if (!version && errno != 0 && errno != ENOENT)
+            unseen_.push_back(name +
+                              " cannot be looked at: " + std::generic_category().message(errno));
         if (!version) continue;
         const auto before = seen_.find(name);
         const bool isSame = before != seen_.end() && before->second.version == *version;

@@ -22,6 +22,9 @@ public:
     /// @throw WorkStops  when the directory cannot be listed: it may be anything but empty
     std::vector<std::string> settled();
 
+    /// What keeps names of the last look from being looked at, for the operator.
+    const std::vector<std::string>& unseen() const { return unseen_; }
+
     /// All that were there at the last look, in alphabetical order.
     std::vector<std::string> present() const;
 
@@ -44,6 +47,7 @@ private:
     std::chrono::seconds settle_;
     std::map<std::string, Seen> seen_;  ///< by name, of the last look
     std::size_t unsettled_ = 0;
+    std::vector<std::string> unseen_;
 };
 
 #endif  // ZARN_INGEST_ARRIVALS_H

@@ -47,8 +47,14 @@ void DirectoryLocks::add(const std::string& directory) {
 
 std::vector<std::string> DirectoryLocks::renew() {
     std::vector<std::string> replaced;
+    for (const Directory& held : locked_) {  // another one of the names may lead there now
+        if (!held.isCurrent()) ::flock(held.fd(), LOCK_UN);
+    }
     for (Directory& held : locked_) {
-        if (held.isCurrent()) continue;
+        if (held.isCurrent()) {
+            lock(held);  // again, if its name led elsewhere for a while
+            continue;
+        }
         Directory successor(held.name());
         lock(successor);
         held = std::move(successor);

@@ -32,7 +32,7 @@ void addArgument(const std::string& argument, std::vector<Input>& inputs) {
     for (const std::string& name : names) inputs.push_back({name, ""});
     for (const auto& [directory, error] : unlisted) {
         if (error == std::errc::no_such_file_or_directory) continue;  // then nothing matches there
-        inputs.push_back({directory, "the directory cannot be listed: " + error.message()});
+        inputs.push_back({directory, "the directory cannot be listed: " + error.message(), true});
     }
     if (inputs.size() == before) inputs.push_back({argument, reasonForNothing(argument)});
 }
@@ -60,7 +60,7 @@ void addList(const std::string& listName, char separator, Read read, std::vector
     try {
         addNames(read(), separator, inputs);
     } catch (const std::system_error& error) {
-        inputs.push_back({listName, "the list cannot be read: " + error.code().message()});
+        inputs.push_back({listName, "the list cannot be read: " + error.code().message(), true});
     }
 }
 

@@ -30,6 +30,10 @@ const char NAME_BEGIN[] = "/zarn-ingest-";
 const char NAME_END[] = ".journal";
 constexpr std::size_t DATE_LENGTH = 10;  // 2026-11-24, which begins the ISO form
 
+[[noreturn]] void fail(const std::string& what) {
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
 std::string journalOf(const std::string& directory, const std::string& date) {
     return directory + NAME_BEGIN + date + NAME_END;
 }
@@ -62,6 +66,11 @@ std::string recordOf(const std::string& source, const Outcome& outcome) {
     return record.str();
 }
 
+/// Whether an error tells that a name leads to no file.
+bool leadsNowhere(int error) {
+    return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
+}
+
 /// The date before which no journal can tell of these sources as they are now. A clock that was set
 /// back by less than the margin meanwhile does no harm.
 std::string earliestDate(const std::vector<std::string>& sources) {
@@ -86,7 +95,10 @@ std::string recordIn(const std::string& line) {
 
 std::string identityOf(const std::string& source) {
     struct stat status = {};
-    if (::lstat(source.c_str(), &status) != 0) return "-";
+    if (::lstat(source.c_str(), &status) != 0) {
+        if (!leadsNowhere(errno)) fail(source);
+        return "-";
+    }
     std::ostringstream identity;
     identity << status.st_ino << '-' << status.st_ctim.tv_sec << '.' << std::setw(9)
              << std::setfill('0') << status.st_ctim.tv_nsec;
@@ -106,6 +118,7 @@ void Journal::recall(const std::vector<std::string>& sources) {
     for (const std::string& name : journalsIn(directory_)) {
         if (name < earliest) continue;
         std::ifstream journal(name);
+        if (!journal) fail("the journal " + name);
         for (std::string line; std::getline(journal, line);) {
             const std::string record = recordIn(line);
             const std::string source = record.substr(0, record.find('\t'));
@@ -134,18 +147,32 @@ void Journal::append(const std::string& record) {
     const std::string line = iso + '\t' + WexoTime::asUnixTimeString(now) + '\t' + record + '\n';
     do {
         if (!isOpen(fileName)) open(fileName);
+    } while (!put(line, fileName));
+}
+
+/// Writes a line, safe on disk, or takes it back: it will be written again. False when the file was
+/// removed meanwhile, and the line with it.
+bool Journal::put(const std::string& line, const std::string& fileName) {
+    struct stat before = {};
+    if (::fstat(file_.get(), &before) != 0) fail(fileName);
+    try {
         writeAll(file_.get(), line);
-        if (::fsync(file_.get()) != 0)
-            throw std::system_error(errno, std::generic_category(), "not safe on disk");
-    } while (!isOpen(fileName));  // removed meanwhile, and the line with it
+        if (::fsync(file_.get()) != 0) fail("not safe on disk");
+        return isOpen(fileName);
+    } catch (const std::system_error&) {
+        static_cast<void>(!::ftruncate(file_.get(), before.st_size));
+        throw;
+    }
 }
 
 /// Whether the name leads to the file that is written to: someone may have removed it.
 bool Journal::isOpen(const std::string& fileName) const {
     struct stat held = {};
     struct stat named = {};
-    return ::fstat(file_.get(), &held) == 0 && ::stat(fileName.c_str(), &named) == 0 &&
-           held.st_dev == named.st_dev && held.st_ino == named.st_ino;
+    if (file_.get() == -1) return false;
+    if (::fstat(file_.get(), &held) != 0) fail(fileName);
+    if (::stat(fileName.c_str(), &named) != 0 && errno != ENOENT) fail(fileName);
+    return held.st_dev == named.st_dev && held.st_ino == named.st_ino;
 }
 
 void Journal::open(const std::string& fileName) {
@@ -153,6 +180,6 @@ void Journal::open(const std::string& fileName) {
     FileIO(fileName, false, true).open(fileName, false, true);  // with the archive's bits
     mend(fileName);
     file_ = Descriptor(::open(fileName.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
-    if (file_.get() == -1) throw std::system_error(errno, std::generic_category(), fileName);
+    if (file_.get() == -1) fail(fileName);
     folder.sync();
 }

@@ -16,6 +16,8 @@
 #include "zarn-ingest/result/Outcome.h"
 
 /// What stays with a file while it is neither changed nor renamed; "-": there is no file.
+///
+/// @throw std::system_error  when the system cannot say
 std::string identityOf(const std::string& source);
 
 class Journal {
@@ -40,6 +42,7 @@ public:
 
 private:
     void append(const std::string& record);
+    bool put(const std::string& line, const std::string& fileName);
     bool isOpen(const std::string& fileName) const;
     void open(const std::string& fileName);
 

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstring>
@@ -50,7 +51,7 @@ bool putReason(const std::string& fileName, const std::string& reason) {
     const Descriptor file(::open(fileName.c_str(), FLAGS, MODE));
     if (file.get() == -1 && (errno == EISDIR || errno == ELOOP || errno == ENXIO)) return false;
     struct stat status = {};
-    if (::fstat(file.get(), &status) != 0) fail("cannot write " + fileName);
+    if (file.get() == -1 || ::fstat(file.get(), &status) != 0) fail("cannot write " + fileName);
     if (!S_ISREG(status.st_mode) || status.st_size > static_cast<off_t>(reason.size()))
         return false;
     const std::string existing = readFile(fileName);
@@ -91,7 +92,8 @@ std::string moveWithReason(const std::string& file, const std::string& directory
 }
 
 std::string reasonName(const std::string& name) {
-    return name.substr(0, NAME_MAX - std::strlen(REASON_END)) + REASON_END;
+    const std::size_t most = NAME_MAX - std::strlen(REASON_END);
+    return name.substr(name.size() - std::min(name.size(), most)) + REASON_END;
 }
 
 bool isReason(const std::string& name) {

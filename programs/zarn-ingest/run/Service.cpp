@@ -80,10 +80,10 @@ bool Service::run() {
         whole = signals_.sleep(seconds(settings_.settleTime)) && whole;
     }
     whole = whole && look();
-    if (arrivals_.unsettled() > 0)
-        reporter_.info(std::to_string(arrivals_.unsettled()) +
-                       " files are left: someone was still writing them");
-    return whole;
+    const std::size_t left = arrivals_.unsettled() + left_;
+    if (left > 0)
+        reporter_.info(std::to_string(left) + " files are left: someone was still writing them");
+    return whole && left_ == 0;
 }
 
 /// Puts back what failed and would be taken again, each name once: numbered ones need further runs.
@@ -111,6 +111,7 @@ void Service::putBackFailed() {
 /// Does what has settled; false when something is left to do for another look.
 bool Service::look() {
     bool whole = false;
+    left_ = 0;
     try {
         whole = doSettled();
     } catch (const std::exception& error) {
@@ -145,6 +146,7 @@ void Service::keepDirectories() {
 std::vector<Input> Service::nextBatch() {
     std::vector<Input> batch;
     const std::vector<std::string> settled = arrivals_.settled();
+    for (const std::string& problem : arrivals_.unseen()) troubles_.meet(problem);
     if (journal_ && !recalled_) journal_->recall(arrivals_.present());
     recalled_ = true;
     const std::map<std::string, Stuck> before = std::exchange(stuck_, {});
@@ -175,7 +177,10 @@ bool Service::hasRoom() {
 /// Converts a file, tells of it and moves it away; false when no file can be: the next look begins
 /// with it. A file that someone writes again is left for a later look.
 bool Service::handle(const Input& input) {
-    if (!arrivals_.isUnchanged(input.name)) return true;
+    if (!arrivals_.isUnchanged(input.name)) {
+        ++left_;
+        return true;
+    }
     const Outcome outcome = converter_->convert(input);
     if (outcome.status == Outcome::Status::STOPPED) {
         troubles_.meet(outcome.problem);

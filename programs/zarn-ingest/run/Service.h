@@ -10,6 +10,7 @@
 #ifndef ZARN_INGEST_SERVICE_H
 #define ZARN_INGEST_SERVICE_H
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <string>
@@ -62,6 +63,7 @@ private:
     std::unique_ptr<DirectoryLocks> locks_;
     std::unique_ptr<Converter> converter_;  ///< none after its directory made trouble
     std::unique_ptr<Journal> journal_;      ///< none where the settings name no directory
+    std::size_t left_ = 0;                  ///< by the last look: files that changed meanwhile
     bool recalled_ = false;                 ///< what earlier runs told of what was there
     std::map<std::string, Stuck> stuck_;    ///< by source
 };
