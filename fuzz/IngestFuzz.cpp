@@ -1,5 +1,5 @@
-/// Whatever a header text file holds: it is refused for a fault of its own, or gives one FITS file no
-/// larger than its header, and nothing else is left.
+/// Whatever a header text file holds: it is refused for a fault of its own, or gives one FITS file
+/// no larger than its header, and nothing else is left.
 
 #include <ace/Log_Msg.h>
 

@@ -19,8 +19,8 @@ struct FileVersion {
     }
 };
 
-/// A regular file's version, through links; of a link that dangles its own; none of anything else, or
-/// with `errno` set when the name cannot be looked at.
+/// A regular file's version, through links; of a link that dangles its own; none of anything else,
+/// or with `errno` set when the name cannot be looked at.
 std::optional<FileVersion> versionOf(const std::string& name);
 
 #endif  // ZARN_PROGRAMS_FILEVERSION_H
