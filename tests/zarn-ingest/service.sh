@@ -125,7 +125,7 @@ testOrder() {
             "$program" -q "$@" 2>err.txt
         sed -nE "s|$PWD/?||g; s|[0-9]+ +||; s|\.zarn-ingest-[^>]*-[A-Za-z0-9]{6}|WORK|
             s|zarn-ingest-[0-9-]{10}|DATE|; s|.*(/memfd:\|err.txt).*||
-            s|^fsync\([0-9]+<(.*)>\) += 0$|sync \1|p; s|^write\([0-9]+<([a-z].*)>, .* = [0-9]+$|write \1|p
+            s|^fsync\([0-9]+<(.*)>\) += 0$|sync \1|p; s|^write\([0-9]+<([a-z].*/.*)>, .* = [0-9]+$|write \1|p
             s|^renameat2?\(([0-9]+<([^>]*)>)?[^\"]*\"([^\"]*)\", ([0-9]+<([^>]*)>)?[^\"]*\"([^\"]*)\".* = 0$|rename \2 \3 \5 \6|p" trace.txt |
             uniq | diff - expected
     }

@@ -21,6 +21,7 @@ Settings withPattern(Settings settings) {
 
 std::vector<std::string> namesOf(const std::vector<Input>& inputs) {
     std::vector<std::string> names;
+    names.reserve(inputs.size());
     for (const Input& input : inputs) names.push_back(input.name);
     return names;
 }

@@ -74,7 +74,8 @@ bool leadsNowhere(int error) {
 /// The date before which no journal can tell of these sources as they are now. A clock that was set
 /// back by less than the margin meanwhile does no harm.
 std::string earliestDate(const std::vector<std::string>& sources) {
-    constexpr std::time_t MARGIN = 31 * 86400;  // [s]
+    constexpr std::time_t DAY = 86400;  // [s]
+    constexpr std::time_t MARGIN = 31 * DAY;
     std::time_t earliest = std::numeric_limits<std::time_t>::max();
     struct stat status = {};
     for (const std::string& source : sources) {

@@ -56,7 +56,11 @@ bool putReason(const std::string& fileName, const std::string& reason) {
         return false;
     const std::string existing = readFile(fileName);
     if (reason.compare(0, existing.size(), existing) != 0) return false;
-    writeAll(file.get(), reason.substr(existing.size()));
+    try {
+        writeAll(file.get(), reason.substr(existing.size()));
+    } catch (const std::system_error& error) {
+        throw std::system_error(error.code(), "cannot write " + fileName);
+    }
     if (::fsync(file.get()) != 0) fail(fileName + " cannot be made safe on disk");
     return true;
 }
@@ -70,7 +74,7 @@ bool isTaken(const std::string& name) {
 
 std::string moveInto(const std::string& file, const std::string& directory) {
     for (unsigned number = 0;; ++number) {
-        const std::string target = directory + "/" + numbered(baseName(file), number);
+        std::string target = directory + "/" + numbered(baseName(file), number);
         if (renameToNew(file, target)) {
             syncMove(file, directory);
             return target;
@@ -81,10 +85,11 @@ std::string moveInto(const std::string& file, const std::string& directory) {
 
 std::string moveWithReason(const std::string& file, const std::string& directory,
                            const std::string& reason) {
+    const std::string folder = directory + "/";
     for (unsigned number = 0;; ++number) {
         const std::string name = numbered(baseName(file), number);
-        const std::string target = directory + "/" + name;
-        if (isTaken(target) || !putReason(directory + "/" + reasonName(name), reason)) continue;
+        std::string target = folder + name;
+        if (isTaken(target) || !putReason(folder + reasonName(name), reason)) continue;
         if (!renameToNew(file, target)) failMove(file, directory);
         syncMove(file, directory);
         return target;
