@@ -41,8 +41,12 @@ int work(const Settings& settings, const StopSignals& signals) {
         log = std::make_unique<RollingLog>(settings);
         reporter.useLog();
     }
-    const bool whole = settings.isService() ? Service(settings, signals, reporter).run()
-                                            : Batch(settings, signals, reporter).run();
+    bool whole = true;
+    if (!settings.isService()) {
+        whole = Batch(settings, signals, reporter).run();
+    } else if (Service::awaitIncoming(settings, signals, reporter)) {
+        whole = Service(settings, signals, reporter).run();
+    }
     reporter.summary(settings.dryRun ? "would be converted" : "converted", signals.received());
     // A hang-up is no orderly end of a service: systemd starts it again, with its settings anew.
     if (settings.watch && signals.received() != SIGHUP) return EXIT_SUCCESS;

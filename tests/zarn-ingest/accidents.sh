@@ -73,7 +73,9 @@ testWorkRemovedBeforeTheRename() {
 }
 
 testLocks() {
-    properties; start; arrive a.hdr; waitFor [ -e done/a.hdr ]
+    properties; rmdir in; start; waitFor said 'directory in: No such file'; sleep 1.2
+    mkdir in; waitFor said 'over: directory in'; : >err.txt
+    arrive a.hdr; waitFor [ -e done/a.hdr ]
     mv done old; mkdir done; waitFor said 'the directory done was replaced'
     mv journal gone; waitFor said 'directory journal: No such file'
     mkdir journal; arrive b.hdr; waitFor [ -e done/b.hdr ]

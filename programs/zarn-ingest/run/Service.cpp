@@ -66,6 +66,19 @@ Service::Service(const Settings& settings, const StopSignals& signals, Reporter&
     if (!settings.journalDir.empty()) journal_ = std::make_unique<Journal>(settings.journalDir);
 }
 
+bool Service::awaitIncoming(const Settings& settings, const StopSignals& signals,
+                            Reporter& reporter) {
+    FileIO directory(FileIO(settings.pattern, true, false).getPath(), true, false);
+    Troubles troubles(reporter);
+    while (settings.watch && !directory.exists()) {
+        troubles.meet("directory " + directory.getCompleteName() + ": No such file or directory");
+        troubles.endLook(false);
+        if (!signals.sleep(seconds(settings.pollInterval))) return false;
+    }
+    troubles.endLook(true);
+    return true;
+}
+
 bool Service::run() {
     if (settings_.retryFailed) putBackFailed();
     if (settings_.watch) {

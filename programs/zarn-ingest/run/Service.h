@@ -27,6 +27,13 @@
 
 class Service {
 public:
+    /// Waits, if the service watches, for the directory that files arrive in: it may start before
+    /// the file system is there.
+    ///
+    /// @return  false when a signal came first
+    static bool awaitIncoming(const Settings& settings, const StopSignals& signals,
+                              Reporter& reporter);
+
     /// Prepares the directories and locks them for this process.
     ///
     /// @throw std::exception  with the reason when the service could not work in them
