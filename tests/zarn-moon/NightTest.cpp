@@ -4,9 +4,10 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <iterator>
+#include <sstream>
 
 #include "shared/cli/UsageError.h"
+#include "tests/support/Transcript.h"
 #include "zarn-moon/forms/Report.h"
 
 namespace {
@@ -62,46 +63,33 @@ TEST(NightTest, EventsAreWhereTheLineBetweenTwoMinutesCrosses) {
         nightOfPaths([](int minute) { return std::abs(minute - 720) / 16.0 - 30.0; },
                      [](int minute) { return 20.0 - std::abs(minute - 700) / 16.0; },
                      [](int minute) { return std::fmod(minute / 4.0 + 100, 360); });
-    const struct {
-        const char* name;
-        double minute;
-    } expected[] = {{"sunset", 720 - 16 * 29.167},        {"civil dusk", 720 - 16 * 24},
-                    {"nautical dusk", 720 - 16 * 18},     {"astronomical dusk", 720 - 16 * 12},
-                    {"astronomical dawn", 720 + 16 * 12}, {"nautical dawn", 720 + 16 * 18},
-                    {"civil dawn", 720 + 16 * 24},        {"sunrise", 720 + 16 * 29.167},
-                    {"moonrise", 700 - 16 * 20.833},      {"moon transit", 320.0},
-                    {"moonset", 700 + 16 * 20.833}};
-    const std::vector<Event> events = eventsOf(night);
-    ASSERT_EQ(events.size(), std::size(expected));
-    for (std::size_t i = 0; i < events.size(); ++i) {
-        EXPECT_EQ(events[i].name, expected[i].name);
-        ASSERT_EQ(events[i].times.size(), 1U) << events[i].name;
-        EXPECT_NEAR(sinceNoon(events[i].times[0]), expected[i].minute, 1e-6) << events[i].name;
-    }
+    expectTranscript(TEST_DATA "/events.txt", [&night](const std::string& /*all*/) {
+        std::string events;
+        for (const auto& [name, times] : eventsOf(night)) {
+            events += name;
+            for (const double mjd : times) events += " " + std::to_string(sinceNoon(mjd));
+            events += "\n";
+        }
+        return events;
+    });
 }
 
 TEST(NightTest, WordsHaveTheirLimits) {
-    const struct {
-        int dark, moonlit;  // [minutes]
-        double lit;
-        const char* word;
-    } cases[] = {
-        {600, 600, 0.2499, "dark"},   {600, 600, 0.25, "grey"},  {600, 600, 0.65, "grey"},
-        {600, 600, 0.6501, "bright"}, {600, 59, 1.0, "dark"},    {600, 61, 1.0, "grey"},
-        {600, 300, 1.0, "grey"},      {600, 301, 1.0, "bright"}, {0, 0, 0.0, "bright"},
-        {1, 0, 1.0, "dark"},
-    };
-    for (const auto& [dark, moonlit, lit, word] : cases) {
+    expectTranscript(TEST_DATA "/words.txt", [](const std::string& command) {
+        int dark = 0;  // [minutes], as the next
+        int moonlit = 0;
+        double lit = 0.0;
+        std::istringstream(command) >> dark >> moonlit >> lit;
         Night night = nightWith(dark, moonlit);
         night.moon.moonfli[720] = lit;
         night.moon.moonphase[720] = 0.125;
         const Summary summary = summaryOf(night);
-        EXPECT_EQ(summary.word, word) << dark << " " << moonlit << " " << lit;
         EXPECT_EQ(summary.astronomicalHours, dark / 60.0);
         EXPECT_EQ(summary.darkHours, (dark - moonlit) / 60.0);
         EXPECT_EQ(summary.illumination, lit);
         EXPECT_EQ(summary.moonPhase, 0.125);
-    }
+        return summary.word + "\n";
+    });
 }
 
 TEST(NightTest, TheBestWindowIsWithoutMoonIfThatLastsAnHour) {
