@@ -123,16 +123,16 @@ testOrder() {
     trace() {
         strace -f -y -o trace.txt -e trace=fsync,renameat,renameat2,write \
             "$program" -q "$@" 2>err.txt
-        sed -nE "s|$PWD/?||g; s|[0-9]+ +||; s|\.zarn-ingest-[^>]*-[A-Za-z0-9]{6}|WORK|
+        sed -nE "s|$PWD/?||g; s|[0-9]+ +||; s|\.zarn-ingest-[^>]*-[A-Za-z0-9]{6}|OWN|
             s|zarn-ingest-[0-9-]{10}|DATE|; s|.*(/memfd:\|err.txt).*||
             s|^fsync\([0-9]+<(.*)>\) += 0$|sync \1|p; s|^write\([0-9]+<([a-z].*/.*)>, .* = [0-9]+$|write \1|p
             s|^renameat2?\(([0-9]+<([^>]*)>)?[^\"]*\"([^\"]*)\", ([0-9]+<([^>]*)>)?[^\"]*\"([^\"]*)\".* = 0$|rename \2 \3 \5 \6|p" trace.txt |
             uniq | diff - expected
     }
     cat >expected <<'STEPS'
-write fits/WORK/1.fits
-sync fits/WORK/1.fits
-rename fits/WORK 1.fits fits a.fits
+write fits/OWN/1.fits
+sync fits/OWN/1.fits
+rename fits/OWN 1.fits fits a.fits
 sync fits
 sync journal
 write journal/DATE.journal
@@ -152,7 +152,7 @@ STEPS
     sed -i '/rename  /,$d' expected
     rm -r fits journal/*; mkdir fits
     check "a batch" trace -j journal -o fits done/a.hdr
-    sed -i '/journal/d; /write/d; /rename/d; s|WORK/1|a|' expected; printf '%s\n' 'sync journal' 'write journal/DATE.journal' 'sync journal/DATE.journal' >>expected
+    sed -i '/journal/d; /write/d; /rename/d; s|OWN/1|a|' expected; printf '%s\n' 'sync journal' 'write journal/DATE.journal' 'sync journal/DATE.journal' >>expected
     rm journal/*
     check "one that was done already" trace -r -j journal -o fits done/a.hdr
 }
