@@ -4,17 +4,21 @@
 #include <sys/resource.h>
 #include <sys/syscall.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
 #include <cstring>
 #include <filesystem>
+#include <iomanip>
 #include <new>
+#include <optional>
 
 #include "tests/support/Child.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Memory.h"
 #include "tests/support/TempDir.h"
+#include "tests/support/Transcript.h"
 #include "zarnsys/util/FileIO.h"
 #include "zarnsys/util/ZarnSysEx.h"
 
@@ -53,57 +57,69 @@ class FileIOTest : public ::testing::Test {
 protected:
     TempDir dir_;
     LogCapture log_;
+    std::optional<FileIO> file_;
 
-    /// Expects that `action` throws `message` and the text of `error`, and logs the same.
-    template <typename Action>
-    void expectFailure(const std::string& message, int error, Action action) {
-        log_.take();
-        const std::string text = message + ". Error: " + std::strerror(error);
-        try {
-            action();
-            ADD_FAILURE() << "nothing thrown instead of: " << text;
-        } catch (ZarnSysEx& exception) {
-            EXPECT_EQ(ZarnSysEx(exception).what(), text);
-            EXPECT_NE(static_cast<std::exception&>(exception).what(), text);
-        }
-        EXPECT_EQ(log_.take().back(), "128 ERROR [ ] " + text + "\n");
-        EXPECT_EQ(log_.error(), error);
-        EXPECT_NE(log_.file().find("FileIO.cpp"), std::string::npos);
-    }
-
-    static std::string load(FileIO& file) {
+    /// Does what a line says, to the file or by the shell, and tells the log and what came of it.
+    /// Marks stand for the characters that no line has: ^ for NUL, ~ for the end of a line.
+    std::string answer(std::string line) {
+        std::replace(line.begin(), line.end(), '^', '\0');
+        std::replace(line.begin(), line.end(), '~', '\n');
+        std::istringstream words(line);
+        std::string action;
+        Lines in;
+        words >> action;
+        for (std::string word; words >> std::quoted(word);) in.push_back(word);
+        const bool reads = in.size() > 1 && in[1].find('r') != std::string::npos;
+        const bool writes = in.size() > 1 && in[1].find('w') != std::string::npos;
         std::stringstream text;
-        file.load(text);
-        return text.str();
+        try {
+            if (action == "file") file_.emplace(in.at(0), reads, writes);
+            if (action == "join") file_.emplace(in, true, false);
+            if (action == "open") file_->open(in.at(0), reads, writes);
+            if (action == "close") file_->close();
+            if (action == "name") file_->setFileName(in.at(0));
+            if (action == "extension") file_->setExtension(in.at(0));
+            if (action == "directory") file_->checkCreateDir(in.at(0));
+            if (action == "load") {
+                text << "kept|";
+                file_->load(text);
+            }
+            if (action == "write") file_->write(in.at(0));
+            if (action == "rename") file_->rename(in.at(0));
+            if (action == "remove") file_->remove(in.at(0) == "force");
+            if (action == "exists") text << file_->exists();
+            if (action == "path-exists") text << file_->pathExists();
+            if (action == "is-file") text << file_->isFile();
+            if (action == "names")
+                text << file_->getCompleteName() << " | " << file_->getPath() << " | "
+                     << file_->getBaseName() << " | " << file_->getExtension() << " |";
+            if (action == "sh") {
+                EXPECT_EQ(std::system(("exec > .said;" + line.substr(2)).c_str()), 0) << line;
+                text << dir_.get(".said");
+            }
+        } catch (ZarnSysEx& exception) {
+            text << "thrown with " << log_.error() << ": " << ZarnSysEx(exception).what();
+            EXPECT_NE(static_cast<std::exception&>(exception).what(), exception.what());
+            EXPECT_NE(log_.file().find("FileIO.cpp"), std::string::npos);
+        }
+        const std::string said = text.str();
+        return log_.takeText() + said + (said.empty() || said.back() == '\n' ? "" : "\n");
     }
+    /// The same for a failure: the line logged and what was thrown.
+    static std::string failure(const std::string& message, int error) {
+        const std::string text = message + ". Error: " + std::strerror(error) + "\n";
+        return "128 ERROR [ ] " + text + "thrown with " + std::to_string(error) + ": " + text;
+    }
+
+    void SetUp() override { ASSERT_EQ(::chdir((dir_ / "").c_str()), 0); }
 };
 
-TEST_F(FileIOTest, NamesAreBuiltTakenApartAndGivenExtensions) {
-    const struct {
-        Lines list;
-        std::string name, path, base, extension, added, result;
-    } cases[] = {
-        {{"/", "data", "f1.fits"}, "/data/f1.fits", "/data", "f1.fits", "fits", "fits", ""},
-        {{"data", "/f1"}, "data//f1", "data/", "f1", "", "", ""},
-        {{"", "a"}, "a", ".", "a", "", "x", "a.x"},
-        {{"a", ""}, "a/", "a", "", "", "x", "a/.x"},
-        {{"/f1.tar.gz"}, "/f1.tar.gz", "/", "f1.tar.gz", "gz", "", "/f1.tar.gz."},
-        {{"/d/set.2", "me"}, "/d/set.2/me", "/d/set.2", "me", "2/me", "x", "/d/set.2/me.x"},
-        {{}, "", ".", "", "", "", ""},
-        {{"name."}, "name.", ".", "name.", "", "", ""},
-    };
-    for (const auto& [list, name, path, base, extension, added, result] : cases) {
-        FileIO file(list, true, false);
-        EXPECT_EQ(log_.take(), Lines{"4 DEBUG [ ] Built fileName: " + name + "\n"});
-        EXPECT_EQ(file.getCompleteName(), name);
-        EXPECT_EQ(file.getPath(), path);
-        EXPECT_EQ(file.getBaseName(), base);
-        EXPECT_EQ(file.getExtension(), extension);
-        EXPECT_EQ(file.setExtension(added).getCompleteName(), result.empty() ? name : result);
-        std::string line = "4 DEBUG [ ] Adding extension - setting internal filename to: ";
-        line.append(name).append(".").append(added).append("\n");
-        EXPECT_EQ(log_.takeText(), result.empty() ? "" : line);
-    }
+TEST_F(FileIOTest, NamesAndFilesAnswerAsTheTranscriptHasIt) {
+    ASSERT_EQ(::mknod("socket", S_IFSOCK | 0600, 0), 0);
+    const mode_t mask = ::umask(077);
+    expectTranscript(TEST_DATA "/files.txt",
+                     [this](const std::string& line) { return answer(line); });
+    ::umask(mask);
 }
 
 TEST_F(FileIOTest, ItsOwnNameIsAnArgumentLikeAnyOther) {
@@ -119,122 +135,25 @@ TEST_F(FileIOTest, ItsOwnNameIsAnArgumentLikeAnyOther) {
     file.clear();
     for (const std::string* cache : caches) EXPECT_EQ(*cache, "");
     file.setFileName(dir_ / "f").write("text");
-    file.rename(file.getCompleteName()).open(file.getCompleteName(), true, false);
-    EXPECT_EQ(load(file), "text");
-}
-
-TEST_F(FileIOTest, WritesFromTheStartInOneCallAndKeepsTheRest) {
-    dir_.put("f", "hello world");
-    ::chmod((dir_ / "f").c_str(), 0600);
-    FileIO file(dir_ / "f", true, true);
-    log_.take();
-    file.write("ab").write(std::string("c\0d", 3));
-    const std::string line = "4 DEBUG [ ] Writing into file: " + (dir_ / "f") + ". Buffer length: ";
-    EXPECT_EQ(log_.take(), (Lines{line + "2\n", line + "1\n"}));
-    EXPECT_EQ(dir_.get("f"), "abclo world");
-    EXPECT_EQ(dir_.mode("f"), 0664);
-    EXPECT_EQ(load(file), "lo world") << "reading shares the offset";
-    file.setFileName(dir_ / "g").write("");
-    EXPECT_EQ(dir_.mode("g"), 0664);
-}
-
-TEST_F(FileIOTest, LoadsChunksUpToTheirNulBytes) {
-    const std::string chunk(1024, 'x');
-    dir_.put("two", chunk + chunk);
-    dir_.put("nul", std::string("a\0b", 3) + std::string(1021, 'y') + "c");
-    FileIO file(dir_ / "two", true, true);
-    std::stringstream text("kept ", std::ios::in | std::ios::out | std::ios::ate);
-    log_.take();
-    file.load(text).load(text);
-    EXPECT_EQ(log_.take(), Lines(2, "4 DEBUG [ ] Loading file: " + (dir_ / "two") + "\n"));
-    EXPECT_EQ(text.str(), "kept " + chunk + chunk);
-    EXPECT_EQ(load(file.setFileName(dir_ / "nul")), "ac");
-    EXPECT_EQ(load(file.setFileName(dir_ / "sub/new")), "");
-    EXPECT_EQ(dir_.mode("sub/new"), 0664);
-    EXPECT_EQ(dir_.mode("sub"), 0755);
-}
-
-TEST_F(FileIOTest, FailuresNameActionNameAndReason) {
-    FileIO file(dir_ / "old/g", true, true);
-    file.open(dir_ / "f", true, true).write("text");
-    EXPECT_EQ(dir_.mode("old"), -1) << "the directory of a name not opened";
-    expectFailure("Error creating path: " + (dir_ / "a/b"), ENOENT,
-                  [&] { file.open(dir_ / "a/b/f", true, true); });
-    EXPECT_EQ(load(file), "text") << "no file was left open: the old name is opened again";
-    const std::string folder = dir_ / "";
-    expectFailure("Error opening file: " + folder, EISDIR, [&] { file.open(folder, true, true); });
-    EXPECT_EQ(file.getCompleteName(), dir_ / "f");
     std::stringstream text;
-    expectFailure("Error reading from file: " + (dir_ / "f"), EBADF, [&] { file.load(text); });
-    expectFailure("Error writing to file: " + (dir_ / "f"), EBADF, [&] { file.write("x"); });
-    EXPECT_EQ(load(file.close()), "text");
-    expectFailure("Error renaming file from: " + (dir_ / "f") + " to: " + (dir_ / "no/g"), ENOENT,
-                  [&] { file.rename(dir_ / "no/g"); });
-    EXPECT_EQ(load(file), "text");
-    FileIO reader(dir_ / "f", true, false);
-    expectFailure("Error writing to file: " + (dir_ / "f"), EBADF, [&] { reader.write("x"); });
-    FileIO neither(dir_ / "f", false, false);
-    expectFailure("Error reading from file: " + (dir_ / "f"), EBADF, [&] { neither.load(text); });
-    expectFailure("Error executing stats() on path: ", ENOENT, [&] { file.clear().isFile(); });
+    file.rename(file.getCompleteName()).open(file.getCompleteName(), true, false).load(text);
+    EXPECT_EQ(text.str(), "text");
 }
 
 TEST_F(FileIOTest, APartialWriteIsAFailure) {
     EXPECT_EQ(inChild([&] {
                   ::signal(SIGXFSZ, SIG_IGN);
+                  answer("file f rw");
                   errno = EDOM;  // earlier, and not the reason
                   const rlimit limit = {3, 3};
                   ::setrlimit(RLIMIT_FSIZE, &limit);
-                  expectFailure("Error writing to file: " + (dir_ / "f"), 0,
-                                [&] { FileIO(dir_ / "f", true, true).write("abcdef"); });
+                  EXPECT_EQ(answer("write abcdef"),
+                            "4 DEBUG [ ] Writing into file: f. Buffer length: 6\n" +
+                                failure("Error writing to file: f", 0));
                   return HasFailure() ? 1 : 0;
               }),
               0);
     EXPECT_EQ(dir_.get("f"), "abc");
-}
-
-TEST_F(FileIOTest, RenamesTestsAndRemoves) {
-    dir_.put("g", "replaced");
-    FileIO file(dir_ / "f", true, true);
-    file.write("abc").rename(dir_ / "g").write("d");
-    EXPECT_EQ(dir_.get("g"), "dbc");
-    EXPECT_TRUE(file.exists() && file.isFile() && file.pathExists());
-    log_.take();
-    EXPECT_EQ(file.remove(false).getCompleteName(), "");
-    EXPECT_EQ(log_.take(), Lines{"4 DEBUG [ ] Removing file: " + (dir_ / "g") + "\n"});
-    EXPECT_FALSE(file.setFileName(dir_ / "g").exists());
-    file.setFileName(dir_ / "link");
-    ASSERT_EQ(::symlink("nowhere", file.getCompleteName().c_str()), 0);
-    EXPECT_FALSE(file.exists()) << "a dangling link";
-    ASSERT_EQ(::mknod((dir_ / "socket").c_str(), S_IFSOCK | 0600, 0), 0);
-    ASSERT_EQ(::mkfifo((dir_ / "fifo").c_str(), 0600), 0);
-    EXPECT_TRUE(file.setFileName(dir_ / "socket").isFile());
-    EXPECT_FALSE(file.setFileName(dir_ / "fifo").isFile());
-    EXPECT_FALSE(file.setFileName(dir_ / "").isFile());
-    EXPECT_FALSE(file.setFileName(dir_ / "no/f").pathExists());
-    EXPECT_NO_THROW(file.remove(true));
-    file.checkCreateDir(dir_ / "empty").setFileName(dir_ / "empty").remove(false);
-    EXPECT_EQ(dir_.mode("empty"), -1);
-}
-
-TEST_F(FileIOTest, NewDirectoriesGetTheirBitsWhateverTheirName) {
-    const mode_t mask = ::umask(077);
-    FileIO file(dir_ / "by-default/f", true, true);
-    file.checkCreateDir("").checkCreateDir(dir_ / "by-default");
-    EXPECT_EQ(dir_.mode("by-default"), 0755);
-    const std::string names[] = {"a,b+c:@%=d", "two words",  "$(touch x)", "a;touch x",
-                                 "`touch x`",  "it's \"q\"", "new\nline",  "*"};
-    ASSERT_EQ(::chdir((dir_ / "").c_str()), 0);
-    ASSERT_EQ(::chmod(".", 02755), 0);  // directories in this one inherit its group, and this bit
-    for (const std::string& name : names) {
-        file.checkCreateDir(dir_ / name);
-        EXPECT_EQ(dir_.mode(name), 02755) << name;
-    }
-    file.checkCreateDir("-R");
-    EXPECT_EQ(dir_.mode("-R"), 02755);
-    EXPECT_EQ(dir_.mode("x"), -1) << "part of a name was run";
-    dir_.put("file", "");
-    EXPECT_NO_THROW(file.checkCreateDir(dir_ / "file"));
-    ::umask(mask);
 }
 
 TEST_F(FileIOTest, AsksTheSystemForNoMoreThanItNeeds) {
@@ -275,11 +194,15 @@ TEST_F(FileIOTest, AnotherUsersFileOpensWithItsOwnBits) {
                   if (::mkdirat(AT_FDCWD, (dir_ / "closed").c_str(), 0) != 0) return 2;
                   if (::chdir((dir_ / "closed").c_str()) != 0) return 2;
                   becomeOrdinaryUser();
-                  FileIO file(dir_ / "f", true, false);
-                  if (load(file) != "text" || dir_.mode("f") != 0604) return 1;
-                  expectFailure("Error creating path: " + (dir_ / "d"), EACCES,
-                                [&] { file.checkCreateDir(dir_ / "d"); });
-                  file.setFileName("plain").checkCreateDir("");  // in a place he cannot search
+                  file_.emplace(dir_ / "f", true, false);
+                  log_.take();
+                  EXPECT_EQ(answer("load"),
+                            "4 DEBUG [ ] Loading file: " + (dir_ / "f") + "\nkept|text\n");
+                  EXPECT_EQ(dir_.mode("f"), 0604);
+                  EXPECT_EQ(answer("directory " + (dir_ / "d")),
+                            failure("Error creating path: " + (dir_ / "d"), EACCES));
+                  answer("name plain");
+                  EXPECT_EQ(answer("directory \"\""), "") << "in a place he cannot search";
                   return HasFailure() ? 1 : 0;
               }),
               0);
