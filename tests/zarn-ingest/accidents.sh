@@ -77,6 +77,7 @@ testLocks() {
     mkdir in; waitFor said 'over: directory in'; : >err.txt
     arrive a.hdr; waitFor [ -e done/a.hdr ]
     mv done old; mkdir done; waitFor said 'the directory done was replaced'
+    check "the new one is not locked" [ "$(flock -n done echo free)" = '' ]
     mv journal gone; waitFor said 'directory journal: No such file'
     mkdir journal; arrive b.hdr; waitFor [ -e done/b.hdr ]
     "$program" -p p.ini -o fits2 2>err2.txt
