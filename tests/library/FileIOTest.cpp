@@ -69,34 +69,11 @@ protected:
         Lines in;
         words >> action;
         for (std::string word; words >> std::quoted(word);) in.push_back(word);
-        const bool reads = in.size() > 1 && in[1].find('r') != std::string::npos;
-        const bool writes = in.size() > 1 && in[1].find('w') != std::string::npos;
         std::stringstream text;
         try {
-            if (action == "file") file_.emplace(in.at(0), reads, writes);
-            if (action == "join") file_.emplace(in, true, false);
-            if (action == "open") file_->open(in.at(0), reads, writes);
-            if (action == "close") file_->close();
-            if (action == "name") file_->setFileName(in.at(0));
-            if (action == "extension") file_->setExtension(in.at(0));
-            if (action == "directory") file_->checkCreateDir(in.at(0));
-            if (action == "load") {
-                text << "kept|";
-                file_->load(text);
-            }
-            if (action == "write") file_->write(in.at(0));
-            if (action == "rename") file_->rename(in.at(0));
-            if (action == "remove") file_->remove(in.at(0) == "force");
-            if (action == "exists") text << file_->exists();
-            if (action == "path-exists") text << file_->pathExists();
-            if (action == "is-file") text << file_->isFile();
-            if (action == "names")
-                text << file_->getCompleteName() << " | " << file_->getPath() << " | "
-                     << file_->getBaseName() << " | " << file_->getExtension() << " |";
-            if (action == "sh") {
-                EXPECT_EQ(std::system(("exec > .said;" + line.substr(2)).c_str()), 0) << line;
-                text << dir_.get(".said");
-            }
+            act(action, in);
+            ask(action, text);
+            if (action == "sh") text << shellSays(line.substr(2));
         } catch (ZarnSysEx& exception) {
             text << "thrown with " << log_.error() << ": " << ZarnSysEx(exception).what();
             EXPECT_NE(static_cast<std::exception&>(exception).what(), exception.what());
@@ -104,6 +81,37 @@ protected:
         }
         const std::string said = text.str();
         return log_.takeText() + said + (said.empty() || said.back() == '\n' ? "" : "\n");
+    }
+    void act(const std::string& action, const Lines& in) {
+        const bool reads = in.size() > 1 && in[1].find('r') != std::string::npos;
+        const bool writes = in.size() > 1 && in[1].find('w') != std::string::npos;
+        if (action == "file") file_.emplace(in.at(0), reads, writes);
+        if (action == "join") file_.emplace(in, true, false);
+        if (action == "open") file_->open(in.at(0), reads, writes);
+        if (action == "close") file_->close();
+        if (action == "name") file_->setFileName(in.at(0));
+        if (action == "extension") file_->setExtension(in.at(0));
+        if (action == "directory") file_->checkCreateDir(in.at(0));
+        if (action == "write") file_->write(in.at(0));
+        if (action == "rename") file_->rename(in.at(0));
+        if (action == "remove") file_->remove(in.at(0) == "force");
+    }
+    void ask(const std::string& action, std::stringstream& text) {
+        if (action == "load") {
+            text << "kept|";
+            file_->load(text);
+        }
+        if (action == "exists") text << file_->exists();
+        if (action == "path-exists") text << file_->pathExists();
+        if (action == "is-file") text << file_->isFile();
+        if (action == "names")
+            text << file_->getCompleteName() << " | " << file_->getPath() << " | "
+                 << file_->getBaseName() << " | " << file_->getExtension() << " |";
+    }
+    std::string shellSays(const std::string& command) const {
+        // NOLINTNEXTLINE(cert-env33-c): the transcript's commands are this test's own
+        EXPECT_EQ(std::system(("exec > .said;" + command).c_str()), 0) << command;
+        return dir_.get(".said");
     }
     /// The same for a failure: the line logged and what was thrown.
     static std::string failure(const std::string& message, int error) {

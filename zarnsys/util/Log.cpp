@@ -34,13 +34,14 @@ void shorten(std::string& message, std::size_t length) {
 
 /// A message as `printf` would write it, short enough for one line.
 std::string formatted(const char* format, va_list arguments) {
-    va_list again;
-    va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, again);
-    va_end(again);
-    std::string message(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
-    std::vsnprintf(message.data(), message.size() + 1, format, arguments);
-    if (message.size() > LONGEST_MESSAGE) shorten(message, LONGEST_MESSAGE);
+    std::string message(LONGEST_MESSAGE + 1, '\0');  // one more shows where a character ends
+    const int length = std::vsnprintf(message.data(), message.size() + 1, format, arguments);
+    const std::size_t whole = length > 0 ? static_cast<std::size_t>(length) : 0;
+    if (whole > LONGEST_MESSAGE) {
+        shorten(message, LONGEST_MESSAGE);
+    } else {
+        message.resize(whole);
+    }
     return message;
 }
 
