@@ -2,6 +2,7 @@
 
 #include <ace/Log_Msg.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
@@ -25,24 +26,12 @@ const char* levelWord(ACE_Log_Priority priority) {
     }
 }
 
-/// `message` up to a length, and never up to the middle of a UTF-8 sequence.
-void shorten(std::string& message, std::size_t length) {
+/// Shortens a message to what a line holds, never up to the middle of a UTF-8 sequence.
+void shorten(std::string& message) {
     const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; };
+    std::size_t length = LONGEST_MESSAGE;
     while (length > 0 && continues(message[length])) --length;
     message.resize(length);
-}
-
-/// A message as `printf` would write it, short enough for one line.
-std::string formatted(const char* format, va_list arguments) {
-    std::string message(LONGEST_MESSAGE + 1, '\0');  // one more shows where a character ends
-    const int length = std::vsnprintf(message.data(), message.size() + 1, format, arguments);
-    const std::size_t whole = length > 0 ? static_cast<std::size_t>(length) : 0;
-    if (whole > LONGEST_MESSAGE) {
-        shorten(message, LONGEST_MESSAGE);
-    } else {
-        message.resize(whole);
-    }
-    return message;
 }
 
 }  // namespace
@@ -51,10 +40,14 @@ LogLine::LogLine(ACE_Log_Priority priority, const char* file, int line)
     : priority_(priority), file_(file), line_(line), error_(ACE_Log_Msg::last_error_adapter()) {}
 
 void LogLine::operator()(const char* format, ...) const {
+    std::string message(LONGEST_MESSAGE + 1, '\0');  // one more shows where a character ends
     va_list arguments;
     va_start(arguments, format);
-    const std::string message = formatted(format, arguments);
+    const int length = std::vsnprintf(message.data(), message.size() + 1, format, arguments);
     va_end(arguments);
+    const std::size_t whole = length > 0 ? static_cast<std::size_t>(length) : 0;
+    message.resize(std::min(whole, message.size()));
+    if (whole > LONGEST_MESSAGE) shorten(message);
     const std::string lineFormat = std::string("%D ") + levelWord(priority_) + " [ %t ] %s\n";
     ACE_Log_Msg* log = ACE_Log_Msg::instance();
     log->conditional_set(file_, line_, 0, error_);
