@@ -43,6 +43,7 @@ void LogLine::operator()(const char* format, ...) const {
     std::string message(LONGEST_MESSAGE + 1, '\0');  // one more shows where a character ends
     va_list arguments;
     va_start(arguments, format);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): clang 14 does not see va_start
     const int length = std::vsnprintf(message.data(), message.size() + 1, format, arguments);
     va_end(arguments);
     const std::size_t whole = length > 0 ? static_cast<std::size_t>(length) : 0;
