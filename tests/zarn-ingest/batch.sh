@@ -73,7 +73,7 @@ testJournal() {
     mkfifo names
     "$program" -q -j journal -o out --stdin <names 2>err2.txt &
     exec 9>names
-    waitFor begun out
+    waitFor grep -q ":$(stat -c %i journal) " /proc/locks
     run 1 -j journal -o out in/2.hdr
     says 'another zarn-ingest works in the directory journal'
     echo in/2.hdr >&9; exec 9>&-
