@@ -125,12 +125,19 @@ std::string wholeValueOf(const std::string& card) {
 }
 
 /// The first card of a keyword, as readers take it, or none.
-const Card* cardOf(const HeaderText& header, const std::string& keyword) {
-    const std::vector<Card>& cards = header.cards();
-    const auto found = std::find_if(cards.begin(), cards.end(), [&keyword](const Card& card) {
+const Card* cardOf(const Header& header, const std::string& keyword) {
+    const auto found = std::find_if(header.begin(), header.end(), [&keyword](const Card& card) {
         return card.keyword == keyword;
     });
-    return found == cards.end() ? nullptr : &*found;
+    return found == header.end() ? nullptr : &*found;
+}
+
+/// The same, in the first of a text's headers that has it.
+const Card* cardOf(const HeaderText& text, const std::string& keyword) {
+    for (const Header& header : text.headers()) {
+        if (const Card* const card = cardOf(header, keyword)) return card;
+    }
+    return nullptr;
 }
 
 /// The keyword, unless it is missing, without value, or blank.
@@ -216,7 +223,7 @@ MoonCards moonCards(const HeaderText& header, Telescope telescope) {
         result.state = moon ? MoonCards::State::GIVEN : MoonCards::State::WITHOUT;
         if (!moon) return result;
         for (const Value& value : VALUES) {
-            const Card* const own = cardOf(header, value.keyword);
+            const Card* const own = cardOf(header.headers().front(), value.keyword);
             if (own == nullptr) {
                 result.lines.push_back(cardLine(value, *moon, telescope));
             } else {

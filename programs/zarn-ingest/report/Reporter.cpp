@@ -63,14 +63,19 @@ void Reporter::done(const std::string& file, const Outcome& outcome, bool checks
 void Reporter::converted(const std::string& file, const Outcome& outcome, bool checksumRenewed) {
     ++converted_;
     const std::size_t before = warnings_;
-    const Losses& losses = outcome.losses;
-    warnOf(file, losses.carriage, "lines that end in CR LF");
-    warnOf(file, losses.cut, "cards cut at 80 characters");
-    warnOf(file, losses.blanked, "characters that became blanks, as a header cannot hold them");
-    warnOf(file, losses.upperCased, "keywords that became upper case");
-    warnOf(file, losses.hidden, "cards left out, hidden behind the END card");
+    for (const auto& [repair, tally] : outcome.repairs) {
+        const RepairKind& kind = kindOf(repair);
+        noteOf(file, tally,
+               std::string("repaired (") + kind.word + "): " + kind.found + " were " + kind.done);
+    }
+    for (const auto& [word, tally] : byWord(outcome.repairs)) ++repairs_[word];
+    if (!outcome.repairs.empty()) ++repaired_;
+    const Notes& notes = outcome.notes;
+    warnOf(file, notes.carriages, "lines that end in CR LF or CR");
+    warnOf(file, notes.upperCased, "keywords that became upper case");
+    warnOf(file, notes.left, "further headers left out by --primary-only");
     if (!checksumRenewed)
-        warnOf(file, losses.oldChecksum, "checksums of another file (--checksum renews them)");
+        warnOf(file, notes.oldChecksums, "checksums of another file (--checksum renews them)");
     for (const Remark& remark : outcome.moon.remarks) warn(file, remark.line, remark.text);
     if (outcome.moon.state != MoonCards::State::NOT_ASKED) ++moon_[outcome.moon.state];
     if (warnings_ > before) ++warned_;
@@ -90,6 +95,7 @@ void Reporter::summary(const std::string& done, int signal) {
     std::ostringstream text;
     if (signal != 0) text << "stopped by a signal (" << ::strsignal(signal) << "): ";
     text << converted_ << " " << done;
+    if (repaired_ > 0) text << " (" << repairsText() << ")";
     if (warned_ > 0) text << " (" << warned_ << " with warnings)";
     text << ", " << failed_ << " failed";
     if (signal != 0 && files_ > 0) text << ", " << files_ - converted_ - failed_ << " left";
@@ -115,16 +121,35 @@ void Reporter::message(Kind kind, const std::string& text) {
     }
 }
 
-void Reporter::warn(const std::string& file, std::size_t line, const std::string& text) {
-    ++warnings_;
-    if (level_ == Level::QUIET) return;
-    message(Kind::INFO, place(file, line) + "warning: " + text);
+void Reporter::note(const std::string& file, std::size_t line, const std::string& text) {
+    if (level_ != Level::QUIET) message(Kind::INFO, place(file, line) + text);
 }
 
-void Reporter::warnOf(const std::string& file, const Loss& loss, const std::string& text) {
-    if (loss.count == 0) return;
-    warn(file, loss.firstLine,
-         text + ": " + std::to_string(loss.count) + ", the first in this line");
+void Reporter::noteOf(const std::string& file, const Tally& tally, const std::string& text) {
+    note(file, tally.firstLine,
+         text + ": " + std::to_string(tally.count) + ", the first in this line");
+}
+
+void Reporter::warn(const std::string& file, std::size_t line, const std::string& text) {
+    ++warnings_;
+    note(file, line, "warning: " + text);
+}
+
+void Reporter::warnOf(const std::string& file, const Tally& tally, const std::string& text) {
+    if (tally.count == 0) return;
+    ++warnings_;
+    noteOf(file, tally, "warning: " + text);
+}
+
+/// "3 repaired: axes 2, long 1"
+std::string Reporter::repairsText() const {
+    std::string text = std::to_string(repaired_) + " repaired";
+    const char* divider = ": ";
+    for (const auto& [word, files] : repairs_) {
+        text.append(divider).append(word).append(" ").append(std::to_string(files));
+        divider = ", ";
+    }
+    return text;
 }
 
 void Reporter::showProgress() {

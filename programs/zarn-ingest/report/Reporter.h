@@ -47,8 +47,11 @@ private:
 
     void converted(const std::string& file, const Outcome& outcome, bool checksumRenewed);
     void message(Kind kind, const std::string& text);
+    void note(const std::string& file, std::size_t line, const std::string& text);
+    void noteOf(const std::string& file, const Tally& tally, const std::string& text);
     void warn(const std::string& file, std::size_t line, const std::string& text);
-    void warnOf(const std::string& file, const Loss& loss, const std::string& text);
+    void warnOf(const std::string& file, const Tally& tally, const std::string& text);
+    std::string repairsText() const;
     void showProgress();
     void clearProgress();
 
@@ -59,6 +62,8 @@ private:
     std::size_t converted_ = 0;
     std::size_t warnings_ = 0;
     std::size_t warned_ = 0;  ///< files with a warning
+    std::size_t repaired_ = 0;                    ///< files
+    std::map<std::string, std::size_t> repairs_;  ///< files by the words of their repairs
     std::size_t failed_ = 0;
     std::map<MoonCards::State, std::size_t> moon_;  ///< files converted; empty: without the moon
     std::size_t progressLength_ = 0;                ///< columns of the progress line on the screen

@@ -1,12 +1,10 @@
 #include "zarn-ingest/result/Converter.h"
 
-#include <ace/Log_Msg.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zarnsys/util/FileIO.h>
 
-#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <iostream>
@@ -15,114 +13,12 @@
 #include "shared/cli/Printable.h"
 #include "shared/cli/Reason.h"
 #include "shared/files/FileVersion.h"
-#include "shared/files/MemoryFile.h"
 #include "shared/files/Reading.h"
 #include "zarn-ingest/header/Fits.h"
 #include "zarn-ingest/header/IngestError.h"
+#include "zarn-ingest/result/FitsResult.h"
 
 namespace {
-
-constexpr std::size_t CARD_LENGTH = 80;   // [bytes]
-constexpr std::size_t FITS_BLOCK = 2880;  // the unit of a file's size [bytes]
-constexpr int VERIFIED = 1;               // CFITSIO's word for a checksum that fits
-const char NO_AXES[] = "NAXIS   =                    0 / # of axes in frame";
-
-bool isAxis(const std::string& keyword) {
-    return keyword == "NAXIS" || keyword == "NAXIS1" || keyword == "NAXIS2";
-}
-
-/// Keeps the library's own error lines back: they name files of this process alone, and each look
-/// of the service would bring them again.
-class QuietLibrary {
-public:
-    QuietLibrary() : mask_(log().priority_mask(ACE_Log_Msg::PROCESS)) {
-        log().priority_mask(mask_ & ~static_cast<u_long>(LM_ERROR), ACE_Log_Msg::PROCESS);
-    }
-    QuietLibrary(const QuietLibrary&) = delete;
-    QuietLibrary& operator=(const QuietLibrary&) = delete;
-    ~QuietLibrary() { log().priority_mask(mask_, ACE_Log_Msg::PROCESS); }
-
-private:
-    static ACE_Log_Msg& log() { return *ACE_Log_Msg::instance(); }
-
-    u_long mask_;
-};
-
-/// Makes sure that the conversion saw the text, whose first card is SIMPLE: it takes a text that it
-/// cannot open for an empty one.
-void checkHasText(FitsFile* file) {
-    int status = 0;
-    std::array<char, FLEN_CARD> card = {};
-    fits_read_record(file, 1, card.data(), &status);
-    if (status != 0 || std::string(card.data()).rfind("SIMPLE", 0) != 0)
-        throw FitsFileError("its text cannot be read again", FILE_NOT_OPENED);
-}
-
-/// Makes the FITS file of a header text.
-void makeFile(const MemoryFile& text, const WorkFile& target, bool checksum) {
-    const QuietLibrary quiet;
-    FitsHandle file;
-    check(ZarnSysFits::hdr2fits(file.receive(), text.path(), target.path()), "cannot be converted");
-    checkHasText(file.get());
-    int status = 0;
-    if (checksum) check(fits_write_chksum(file.get(), &status), "no checksum can be written");
-    check(file.close(), "the result cannot be completed");
-}
-
-/// Reads a card without trailing blanks; false beyond the last one, END not counted.
-bool readCard(FitsFile* file, int number, std::string& card) {
-    int count = 0;
-    int status = 0;
-    std::array<char, FLEN_CARD> found = {};
-    check(fits_get_hdrspace(file, &count, nullptr, &status), "the result cannot be read");
-    if (number > count) return false;
-    check(fits_read_record(file, number, found.data(), &status), "the result cannot be read");
-    card = found.data();
-    return true;
-}
-
-/// Makes sure that a file holds the text's cards, with the conversion's NAXIS, no axes, renewed
-/// checksums at the end, and nothing else.
-void compareCards(FitsFile* file, const HeaderText& text, bool checksum) {
-    int number = 0;
-    bool naxis = false;
-    std::string found;
-    for (const Card& card : text.cards()) {
-        const bool isNaxis = card.keyword == "NAXIS";
-        if (isAxis(card.keyword) && !isNaxis) continue;
-        if (checksum && isChecksum(card.keyword)) continue;
-        naxis = naxis || isNaxis;
-        const bool isThere = readCard(file, ++number, found);
-        if (!isThere && card.text.empty()) break;  // blank cards at the end do not count
-        if (!isThere || found != (isNaxis ? NO_AXES : card.text))
-            throw IngestError("the result differs from this card: \"" + card.text + "\"",
-                              card.number);
-    }
-    while (readCard(file, ++number, found)) {
-        const bool added = (!naxis && found == NO_AXES) ||
-                           (checksum && isChecksum(found.substr(0, found.find_first_of(" ="))));
-        if (!added) throw IngestError("the result has another card: \"" + found + "\"");
-    }
-    int hdus = 0;
-    int status = 0;
-    check(fits_get_num_hdus(file, &hdus, &status), "the result cannot be read");
-    if (hdus != 1) throw IngestError("the result holds more than a header");
-}
-
-/// Opens a file as any reader would and makes sure that it came from this text.
-void verifyFile(const std::string& fitsPath, const HeaderText& text, bool checksum) {
-    FitsHandle file;
-    check(ZarnSysFits::openFitsFile(file.get(), fitsPath, READONLY), "the result cannot be opened");
-    compareCards(file.get(), text, checksum);
-    int status = 0;
-    int dataFits = VERIFIED;
-    int headerFits = VERIFIED;
-    if (checksum) fits_verify_chksum(file.get(), &dataFits, &headerFits, &status);
-    check(status, "the checksum cannot be verified");
-    if (dataFits != VERIFIED || headerFits != VERIFIED)
-        throw IngestError("the checksum of the result does not fit");
-    check(file.close(), "the result cannot be closed");
-}
 
 /// Whether an error tells that a name leads to nothing that can be opened.
 bool isNoFile(int error) { return error == ENOENT || error == ELOOP || error == ENXIO; }
@@ -149,8 +45,10 @@ std::string resultName(const std::string& input) {
 
 /// An input's text, and the version of the file that it was read from.
 struct Converter::Source {
-    explicit Source(const std::string& fileName)
-        : name(fileName), version(versionOf(fileName)), text(HeaderText::read(fileName)) {}
+    Source(const std::string& fileName, const ReadingOptions& options)
+        : name(fileName),
+          version(versionOf(fileName)),
+          text(HeaderText::read(fileName, options)) {}
 
     bool isUnchanged() const { return versionOf(name) == version; }
 
@@ -202,12 +100,15 @@ void Converter::convertOrThrow(const Input& input, Outcome& outcome) {
     const std::string name = resultName(input.name);
     outcome.result = output_.path(name);
     claim(input, name);
-    Source source(input.name);
+    Source source(input.name, options_.reading);
     HeaderText& text = source.text;
-    outcome.cards = text.cards().size();
+    outcome.cards = text.cardCount();
+    outcome.hdus = text.headers().size();
+    outcome.repairs = text.repairs();
+    outcome.notes = text.notes();
+    if (options_.checksum) text.dropChecksums();
     if (options_.moon) outcome.moon = moonCards(text, *options_.moon);
     text.append(outcome.moon.lines);
-    outcome.losses = text.losses();
     const bool isThere = !isFree(outcome.result);
     const bool isDone = isThere && options_.resume && isKept(text, outcome.result);
     if (isThere && !isDone) checkReplaceable(outcome.result);
@@ -251,7 +152,7 @@ bool Converter::isKept(const HeaderText& text, const std::string& result) const 
     if (!S_ISREG(status.st_mode)) return false;
     if (!canRead(existing.get())) failExisting(result, "read");
     try {
-        verifyFile(descriptorPath(existing.get()), text, options_.checksum);
+        verifyFitsFile(text, descriptorPath(existing.get()), options_.checksum);
     } catch (const FitsFileError& error) {
         const bool isTooShort = error.status() == READ_ERROR || error.status() == END_OF_FILE;
         if (!isTooShort) throw InputWaits(error.what());
@@ -280,7 +181,7 @@ void Converter::checkReplaceable(const std::string& result) const {
 /// result differs from its text: a trial of the same size tells what the machine is to blame for. A
 /// header is at fault when it fails twice.
 void Converter::writeOrExplain(const Source& source, const std::string& name) const {
-    const std::size_t size = source.text.cards().size() * CARD_LENGTH + FITS_BLOCK;
+    const std::size_t size = source.text.fileSize();
     for (bool again = false;; again = true) {
         try {
             return write(source, name);
@@ -296,11 +197,10 @@ void Converter::writeOrExplain(const Source& source, const std::string& name) co
 
 void Converter::write(const Source& source, const std::string& name) const {
     fits_clear_errmsg();
-    const MemoryFile text(source.text.text(!options_.checksum));
     WorkFile target(*work_);
-    makeFile(text, target, options_.checksum);
+    makeFitsFile(source.text, target.path(), options_.checksum);
     target.open();
-    verifyFile(target.openedPath(), source.text, options_.checksum);
+    verifyFitsFile(source.text, target.openedPath(), options_.checksum);
     // Opening it gives the result the archive's permission bits.
     FileIO(target.openedPath(), true, false).open(target.openedPath(), true, false);
     if (options_.durable) target.sync();

@@ -25,6 +25,7 @@ struct ConversionOptions {
     bool durable = false;    ///< results are safe on disk before `convert` returns
     bool resume = false;     ///< one that exists already from the same text, as after a crash,
                              ///< counts as converted
+    ReadingOptions reading;
     std::optional<Telescope> moon;  ///< add the moon's values for it
 };
 

@@ -20,10 +20,12 @@ struct Outcome {
     Status status = Status::FAILED;
     std::string result;       ///< path; of a failed file: where it would have been
     std::size_t cards = 0;    ///< in the text as it came, without END and what the program adds
+    std::size_t hdus = 0;     ///< headers of the result
     std::uintmax_t size = 0;  ///< of the result [bytes]
     std::string problem;      ///< why it was not converted; empty: it was
     std::size_t line = 0;     ///< to which the problem belongs, counted from 1; 0: to the whole
-    Losses losses;            ///< of the converted text
+    Repairs repairs;          ///< that the text needed
+    Notes notes;              ///< what the text had that needed none
     MoonCards moon;           ///< of the converted text
 
     bool converted() const { return status == Status::CONVERTED; }

@@ -14,6 +14,7 @@ inline ConversionOptions conversionOf(const Settings& settings) {
     options.checksum = settings.checksum;
     options.resume = settings.resume || service;
     options.durable = options.resume || !settings.journalDir.empty();
+    options.reading = {settings.strict, settings.primaryOnly};
     options.moon = settings.moon;
     return options;
 }

@@ -25,13 +25,16 @@ const std::vector<OptionRow> OPTIONS = {
     {"null", '0', "", "Names in lists and on standard input end in NUL (short: -0)", ""},
     {"output-dir", 'o', "DIR", "Directory of the results, created when missing (one level)",
      ". (the current directory)"},
+    {"primary-only", NONE, "", "Convert the first header of each text alone", ""},
     {"properties", 'p', "FILE", "Take settings from a properties file; options win", ""},
     {"quiet", 'q', "", "Report errors only, without warnings and summary", ""},
+    {"report", NONE, "FILE", "Append a JSON line for each input to FILE", ""},
     {"resume", 'r', "", "Count results that are there already from the same text as converted", ""},
     {"retry-failed", NONE, "", "Put the files that failed back to where new ones arrive", ""},
     {"shard", 's', "I/N", "Convert the I-th of N shares of the files, I from 1 to N; see below",
      ""},
     {"stdin", NONE, "", "Convert the files named on standard input", ""},
+    {"strict", NONE, "", "Refuse headers that need a repair", ""},
     {"verbose", 'v', "", "Report each file, and the library's own log lines below ERROR", ""},
     {"version", 'V', "", "Show the versions of the program and its libraries", ""},
     {"watch", 'w', "", "Look for new files again and again, until Ctrl-C or SIGTERM", ""},
@@ -47,7 +50,9 @@ const struct {
     {"force", &Settings::overwrite},
     {"help", &Settings::help},
     {"null", &Settings::nulSeparated},
+    {"primary-only", &Settings::primaryOnly},
     {"quiet", &Settings::quiet},
+    {"strict", &Settings::strict},
     {"stdin", &Settings::standardInput},
     {"resume", &Settings::resume},
     {"retry-failed", &Settings::retryFailed},
@@ -152,6 +157,7 @@ void CommandLine::applyOptions(Settings& settings) const {
     settings.arguments = argumentVect_;
     if (given("list")) settings.lists = values("list");
     if (given("output-dir")) settings.outputDir = nameOption("output-dir");
+    if (given("report")) settings.report = nameOption("report");
     if (given("journal")) settings.journalDir = nameOption("journal");
     if (given("moon")) settings.moon = meaning("moon", value("moon"), telescopeOf);
     if (given("shard")) settings.shard = meaning("shard", value("shard"), shardOf);

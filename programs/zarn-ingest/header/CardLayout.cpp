@@ -1,0 +1,250 @@
+#include "zarn-ingest/header/CardLayout.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "zarn-ingest/header/Columns.h"
+
+namespace {
+
+using Kind = HeaderLine::Kind;
+
+constexpr std::size_t VALUE_WIDTH = 20;   // of the fixed format: columns 11 to 30
+constexpr std::size_t LEAST_COMMENT = 8;  // shorter beginnings of a comment wait for the next card
+const char CONTINUES[] = "CONTINUE  ";
+const char DIVIDER[] = " / ";
+
+std::string prefixOf(const HeaderLine& line) {
+    return line.isHierarch ? "HIERARCH " + line.keyword + " = "
+                           : padded(line.keyword, KEYWORD_LENGTH) + "= ";
+}
+
+std::string withComment(const std::string& card, const std::string& comment) {
+    return comment.empty() ? card : card + DIVIDER + comment;
+}
+
+/// How many characters of a text fit from a place on, quotes doubled.
+std::size_t fitting(const std::string& text, std::size_t begin, std::size_t room) {
+    std::size_t end = begin;
+    for (std::size_t used = 0; end < text.size(); ++end) {
+        used += text[end] == '\'' ? 2 : 1;
+        if (used > room) break;
+    }
+    return end - begin;
+}
+
+/// A text over several cards: all but the last end in '&'. Its comment goes on behind it.
+std::vector<std::string> continuedCards(std::string prefix, const std::string& text,
+                                        const std::string& comment) {
+    constexpr std::size_t QUOTES_AND_SIGN = 3;
+    constexpr std::size_t DIVIDER_LENGTH = sizeof DIVIDER - 1;
+    std::vector<std::string> cards;
+    std::size_t at = 0;    // in the text
+    std::size_t said = 0;  // of the comment
+    for (;;) {
+        const std::size_t length =
+            fitting(text, at, CARD_LENGTH - prefix.size() - QUOTES_AND_SIGN);
+        std::string card = prefix + "'" + withDoubledQuotes(text.substr(at, length));
+        at += length;
+        const std::size_t used = card.size() + QUOTES_AND_SIGN + DIVIDER_LENGTH;
+        const std::size_t room = used < CARD_LENGTH ? CARD_LENGTH - used : 0;
+        const bool ends = at == text.size() && comment.size() - said <= room;
+        card += ends ? "'" : "&'";
+        if (at == text.size() && (ends || room > LEAST_COMMENT)) {
+            card = withComment(card, comment.substr(said, room));
+            said += std::min(room, comment.size() - said);
+        }
+        cards.push_back(withoutTrailing(card));
+        if (ends) return cards;
+        prefix = CONTINUES;
+    }
+}
+
+std::vector<std::string> textCards(const std::string& prefix, const CardValue& value) {
+    const std::string card = prefix + quoted(value.text);
+    const std::size_t column = KEYWORD_LENGTH + 2 + VALUE_WIDTH;
+    for (const std::string& tried : {withComment(padded(card, column), value.comment),
+                                     withComment(card, value.comment)}) {
+        if (tried.size() <= CARD_LENGTH) return {withoutTrailing(tried)};
+    }
+    return continuedCards(prefix, value.text, value.comment);
+}
+
+/// One card whose comment may be cut; none where not even the value fits.
+std::vector<std::string> numberCard(const HeaderLine& line, Repairs& repairs) {
+    const std::string prefix = prefixOf(line);
+    const CardValue& value = line.value;
+    const std::size_t indent = line.isHierarch || value.text.size() > VALUE_WIDTH
+                                   ? 0
+                                   : VALUE_WIDTH - value.text.size();
+    const std::string card = prefix + std::string(indent, ' ') + value.text;
+    if (card.size() > CARD_LENGTH) return {};
+    const std::string full = withComment(card, value.comment);
+    if (full.size() > CARD_LENGTH) repairs[Repair::NUMBER_COMMENTS].add(line.number);
+    return {withoutTrailing(full.substr(0, CARD_LENGTH))};
+}
+
+std::vector<std::string> commentaryCards(const std::string& keyword, const std::string& text) {
+    constexpr std::size_t ROOM = CARD_LENGTH - KEYWORD_LENGTH;
+    std::vector<std::string> cards;
+    std::size_t at = 0;
+    do {
+        cards.push_back(
+            withoutTrailing(padded(keyword, KEYWORD_LENGTH) + text.substr(at, ROOM)));
+        at += ROOM;
+    } while (at < text.size());
+    return cards;
+}
+
+LogicalCard logicalCard(const HeaderLine& line, std::vector<std::string> cards) {
+    LogicalCard card;
+    card.keyword = line.keyword;
+    card.value = line.value;
+    card.cards = std::move(cards);
+    card.number = line.number;
+    card.isHierarch = line.isHierarch;
+    return card;
+}
+
+/// A line that is a card of the standard already, with its keyword in upper case.
+std::string asWritten(const HeaderLine& line) {
+    const std::size_t equals = line.text.find('=');
+    return upper(line.text.substr(0, equals)) + line.text.substr(equals);
+}
+
+/// Goes through the lines of one header.
+class Layout {
+public:
+    Layout(const std::vector<HeaderLine>& lines, Repairs& repairs, Tally& upperCase)
+        : lines_(lines), repairs_(repairs), upperCase_(upperCase) {}
+
+    std::vector<LogicalCard> cards() {
+        while (at_ < lines_.size()) take(lines_[at_++]);
+        return std::move(cards_);
+    }
+
+private:
+    void take(const HeaderLine& line) {
+        if (!line.isUpperCase && (line.kind == Kind::VALUE || line.kind == Kind::COMMENTARY))
+            upperCase_.add(line.number);
+        if (line.kind == Kind::VALUE) {
+            takeValue(line);
+        } else if (line.kind == Kind::COMMENTARY || line.kind == Kind::BLANK) {
+            takeCommentary(line);
+        } else {
+            takeOther(line);
+        }
+    }
+
+    void takeValue(const HeaderLine& line) {
+        const std::vector<const HeaderLine*> parts = partsOf(line);
+        const bool exact = std::all_of(parts.begin(), parts.end(), [](const HeaderLine* part) {
+            return part->value.isLegal && part->isInColumns && part->text.size() <= CARD_LENGTH;
+        });
+        if (exact && chains(parts) && (!line.isHierarch || line.hasHierarch)) {
+            std::vector<std::string> cards = {asWritten(line)};
+            for (std::size_t i = 1; i < parts.size(); ++i) cards.push_back(parts[i]->text);
+            cards_.push_back(logicalCard(line, std::move(cards)));
+        } else {
+            writeAnew(line, parts);
+        }
+    }
+
+    /// The line, and those that continue its text.
+    std::vector<const HeaderLine*> partsOf(const HeaderLine& line) {
+        std::vector<const HeaderLine*> parts = {&line};
+        if (line.value.kind != CardValue::Kind::TEXT) return parts;
+        while (at_ < lines_.size() && lines_[at_].kind == Kind::CONTINUE)
+            parts.push_back(&lines_[at_++]);
+        return parts;
+    }
+
+    /// Whether each text that goes on says so, and the cards stand as the standard wants them.
+    static bool chains(const std::vector<const HeaderLine*>& parts) {
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            const std::string& text = parts[i]->value.text;
+            if (i + 1 < parts.size() && (text.empty() || text.back() != '&')) return false;
+            if (i > 0 && upper(parts[i]->text.substr(0, sizeof CONTINUES - 1)) != CONTINUES)
+                return false;
+        }
+        return true;
+    }
+
+    void writeAnew(HeaderLine line, const std::vector<const HeaderLine*>& parts) {
+        joinParts(line.value, parts);
+        noteValue(line, parts);
+        if (line.value.kind == CardValue::Kind::UNKNOWN) line.value.kind = CardValue::Kind::TEXT;
+        const bool fits = prefixOf(line).size() + LEAST_COMMENT < CARD_LENGTH;
+        const bool isText = line.value.kind == CardValue::Kind::TEXT;
+        std::vector<std::string> cards;
+        if (fits && isText) cards = textCards(prefixOf(line), line.value);
+        if (fits && !isText) cards = numberCard(line, repairs_);
+        if (cards.empty()) return takeOther(line);
+        if (line.isHierarch && !line.hasHierarch) repairs_[Repair::OTHER_KEYWORDS].add(line.number);
+        cards_.push_back(logicalCard(line, std::move(cards)));
+        cards_.back().isContinuedAnew = cards_.back().cards.size() > 1;
+    }
+
+    static void joinParts(CardValue& value, const std::vector<const HeaderLine*>& parts) {
+        for (std::size_t i = 1; i < parts.size(); ++i) {
+            if (!value.text.empty() && value.text.back() == '&') value.text.pop_back();
+            const CardValue& more = parts[i]->value;
+            value.text += more.text;
+            value.isClosed = value.isClosed && more.isClosed;
+            if (!value.comment.empty() && !more.comment.empty()) value.comment += ' ';
+            value.comment += more.comment;
+        }
+    }
+
+    /// Counts why a value is written anew.
+    void noteValue(const HeaderLine& line, const std::vector<const HeaderLine*>& parts) {
+        const CardValue& value = line.value;
+        if (!value.isClosed) repairs_[Repair::OPEN_QUOTES].add(line.number);
+        if (!value.isLegal && value.isClosed) repairs_[Repair::BARE_VALUES].add(line.number);
+        if (!line.isInColumns && !line.isHierarch) repairs_[Repair::EQUALS_SIGNS].add(line.number);
+        const bool isLong = line.text.size() > CARD_LENGTH || parts.size() > 1;
+        if (isLong) repairs_[Repair::LONG_VALUES].add(line.number);
+    }
+
+    void takeCommentary(const HeaderLine& line) {
+        LogicalCard card = logicalCard(line, commentaryCards(line.keyword, line.commentary));
+        if (card.cards.size() > 1) repairs_[Repair::LONG_COMMENTARY].add(line.number);
+        cards_.push_back(std::move(card));
+    }
+
+    void takeOther(const HeaderLine& line) {
+        repairs_[Repair::NO_CARDS].add(line.number);
+        cards_.push_back(commentOf(line.text, line.number));
+    }
+
+    const std::vector<HeaderLine>& lines_;
+    Repairs& repairs_;
+    Tally& upperCase_;
+    std::vector<LogicalCard> cards_;
+    std::size_t at_ = 0;
+};
+
+}  // namespace
+
+std::vector<LogicalCard> cardsOf(const std::vector<HeaderLine>& lines, Repairs& repairs,
+                                 Tally& upperCase) {
+    return Layout(lines, repairs, upperCase).cards();
+}
+
+LogicalCard commentOf(const std::string& text, std::size_t number) {
+    LogicalCard card;
+    card.keyword = "COMMENT";
+    card.cards = commentaryCards(card.keyword, text);
+    card.number = number;
+    return card;
+}
+
+std::string fixedCard(const std::string& keyword, const std::string& value,
+                      const std::string& comment) {
+    const bool isText = value.front() == '\'';
+    const std::size_t indent = value.size() < VALUE_WIDTH ? VALUE_WIDTH - value.size() : 0;
+    const std::string blanks(indent, ' ');
+    const std::string field = isText ? value + blanks : blanks + value;
+    return withoutTrailing(
+        withComment(padded(keyword, KEYWORD_LENGTH) + "= " + field, comment).substr(0, CARD_LENGTH));
+}

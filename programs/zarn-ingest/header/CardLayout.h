@@ -1,0 +1,36 @@
+/// From lines to the cards that hold them.
+#ifndef ZARN_INGEST_CARDLAYOUT_H
+#define ZARN_INGEST_CARDLAYOUT_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "zarn-ingest/header/HeaderLine.h"
+#include "zarn-ingest/header/Repairs.h"
+
+/// A keyword with all that belongs to it: one card, or several where a text goes on.
+struct LogicalCard {
+    std::string keyword;             ///< in upper case; HIERARCH names without that word
+    CardValue value;                 ///< none for commentary
+    std::vector<std::string> cards;  ///< without blanks at their ends, 80 characters at most
+    std::size_t number = 0;          ///< of its line, counted from 1; 0: of none
+    bool isHierarch = false;
+    bool isContinuedAnew = false;    ///< a text goes on in CONTINUE cards that the line did not have
+};
+
+/// Turns lines into cards, byte for byte where they stand as the standard wants them.
+///
+/// @param lines      of one header
+/// @param upperCase  counts keywords that were written otherwise
+std::vector<LogicalCard> cardsOf(const std::vector<HeaderLine>& lines, Repairs& repairs,
+                                 Tally& upperCase);
+
+/// A COMMENT card, or several.
+LogicalCard commentOf(const std::string& text, std::size_t number);
+
+/// A card in the fixed format: what is no text ends in column 30.
+std::string fixedCard(const std::string& keyword, const std::string& value,
+                      const std::string& comment);
+
+#endif  // ZARN_INGEST_CARDLAYOUT_H

@@ -1,0 +1,111 @@
+#include "zarn-ingest/header/CardValue.h"
+
+#include <cstddef>
+
+#include "zarn-ingest/header/Columns.h"
+
+namespace {
+
+constexpr std::size_t SHORTEST_TEXT = 8;  // of the fixed format, blanks included [characters]
+constexpr char QUOTE = '\'';
+
+std::size_t digitsFrom(const std::string& text, std::size_t at) {
+    const std::size_t end = text.find_first_not_of("0123456789", at);
+    return (end == std::string::npos ? text.size() : end) - at;
+}
+
+/// Where the number ends that begins at a place; that place itself: there is none.
+std::size_t endOfNumber(const std::string& text, std::size_t begin) {
+    std::size_t at = begin;
+    const auto stands = [&text, &at](const char* characters) {
+        return at < text.size() && std::string(characters).find(text[at]) != std::string::npos;
+    };
+    if (stands("+-")) ++at;
+    const std::size_t whole = digitsFrom(text, at);
+    at += whole;
+    std::size_t fraction = 0;
+    if (stands(".")) at += 1 + (fraction = digitsFrom(text, at + 1));
+    if (whole + fraction == 0) return begin;
+    if (!stands("EDed")) return at;
+    const std::size_t mantissa = at++;
+    if (stands("+-")) ++at;
+    const std::size_t exponent = digitsFrom(text, at);
+    return exponent > 0 ? at + exponent : mantissa;
+}
+
+bool isNumber(const std::string& text) {
+    return !text.empty() && endOfNumber(text, 0) == text.size();
+}
+
+bool isComplex(const std::string& text) {
+    const std::size_t comma = text.find(',');
+    if (comma == std::string::npos || text.front() != '(' || text.back() != ')') return false;
+    return isNumber(trimmed(text.substr(1, comma - 1))) &&
+           isNumber(trimmed(text.substr(comma + 1, text.size() - comma - 2)));
+}
+
+/// The text from behind its opening quote, and where the field goes on.
+std::size_t readText(const std::string& field, std::size_t at, CardValue& value) {
+    for (; at < field.size(); ++at) {
+        if (field[at] == QUOTE) {
+            if (at + 1 >= field.size() || field[at + 1] != QUOTE) return at + 1;
+            ++at;
+        }
+        value.text += field[at];
+    }
+    value.isClosed = value.isLegal = false;
+    return at;
+}
+
+/// A comment, and whether a slash divides it from the value.
+void readComment(const std::string& rest, CardValue& value) {
+    const std::string comment = trimmed(rest);
+    const bool divided = comment.empty() || comment.front() == '/';
+    value.comment = divided ? trimmed(comment.substr(comment.empty() ? 0 : 1)) : comment;
+    value.isLegal = value.isLegal && divided;
+}
+
+CardValue quotedText(const std::string& field, std::size_t quote) {
+    CardValue value;
+    value.kind = CardValue::Kind::TEXT;
+    const std::size_t end = readText(field, quote + 1, value);
+    value.text = withoutTrailing(value.text);
+    readComment(field.substr(end), value);
+    return value;
+}
+
+CardValue::Kind kindOf(const std::string& text) {
+    if (text.empty()) return CardValue::Kind::NONE;
+    if (text == "T" || text == "F") return CardValue::Kind::LOGICAL;
+    if (isNumber(text) || isComplex(text)) return CardValue::Kind::NUMBER;
+    return CardValue::Kind::UNKNOWN;
+}
+
+}  // namespace
+
+CardValue valueIn(const std::string& field) {
+    const std::size_t begin = field.find_first_not_of(' ');
+    if (begin != std::string::npos && field[begin] == QUOTE) return quotedText(field, begin);
+    CardValue value;
+    const std::size_t slash = field.find('/');
+    value.text = trimmed(field.substr(0, slash));
+    value.kind = kindOf(value.text);
+    if (slash != std::string::npos) value.comment = trimmed(field.substr(slash + 1));
+    if (value.kind == CardValue::Kind::UNKNOWN) value.isLegal = false;
+    // The standard writes exponents in upper case.
+    if (value.kind == CardValue::Kind::NUMBER && upper(value.text) != value.text) {
+        value.text = upper(value.text);
+        value.isLegal = false;
+    }
+    return value;
+}
+
+std::string withDoubledQuotes(const std::string& text) {
+    std::string result;
+    for (const char c : text) result.append(c == QUOTE ? 2 : 1, c);
+    return result;
+}
+
+std::string quoted(const std::string& text) {
+    return QUOTE + padded(withDoubledQuotes(text), SHORTEST_TEXT) + QUOTE;
+}

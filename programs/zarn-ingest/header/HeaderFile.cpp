@@ -1,0 +1,85 @@
+#include "zarn-ingest/header/HeaderFile.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <iterator>
+#include <system_error>
+
+#include "shared/files/Reading.h"
+#include "zarn-ingest/header/Columns.h"
+#include "zarn-ingest/header/IngestError.h"
+
+namespace {
+
+constexpr std::uintmax_t MAX_BYTES = 16U << 20U;  // far above any header; keeps memory bounded
+constexpr std::size_t FITS_BLOCK = 2880;          // the unit of a FITS file's size [bytes]
+
+// One character in so many, and a file is no text: control characters; these and non-ASCII ones.
+constexpr std::size_t CONTROL_SHARE = 20;
+constexpr std::size_t UNPRINTABLE_SHARE = 3;
+
+bool isPrintable(char c) { return c >= ' ' && c <= '~'; }
+
+bool isBinary(const std::string& bytes) {
+    std::size_t control = 0;
+    std::size_t unprintable = 0;
+    for (const char c : bytes) {
+        if (isPrintable(c) || std::isspace(static_cast<unsigned char>(c)) != 0) continue;
+        ++unprintable;
+        if (std::iscntrl(static_cast<unsigned char>(c)) != 0) ++control;
+    }
+    return bytes.find('\0') != std::string::npos || control > bytes.size() / CONTROL_SHARE ||
+           unprintable > bytes.size() / UNPRINTABLE_SHARE;
+}
+
+/// Whether the bytes are a file of FITS blocks, rather than a header text whose cards stand in a row.
+bool isFits(const std::string& bytes) {
+    const bool begins = bytes.rfind("SIMPLE  =", 0) == 0 || bytes.rfind("XTENSION=", 0) == 0;
+    const bool hasLines = bytes.find_first_of("\r\n") < 2 * CARD_LENGTH;
+    return begins && !hasLines && (bytes.size() % FITS_BLOCK == 0 || isBinary(bytes));
+}
+
+// Errors of a name that leads to no file; any other may pass.
+constexpr std::errc NO_FILE[] = {std::errc::no_such_file_or_directory, std::errc::not_a_directory,
+                                 std::errc::filename_too_long,
+                                 std::errc::too_many_symbolic_link_levels};
+
+[[noreturn]] void failReading(const std::error_code& error) {
+    const std::string problem = "cannot be read: " + error.message();
+    const auto matches = [&error](std::errc condition) { return error == condition; };
+    if (std::any_of(std::begin(NO_FILE), std::end(NO_FILE), matches)) throw IngestError(problem);
+    throw InputWaits(problem);
+}
+
+void refuseOtherThanFile(const std::string& fileName) {
+    std::error_code error;
+    const auto status = std::filesystem::status(fileName, error);
+    if (status.type() == std::filesystem::file_type::not_found)
+        error = std::make_error_code(std::errc::no_such_file_or_directory);
+    if (error) failReading(error);
+    if (std::filesystem::is_directory(status)) throw IngestError("is a directory");
+    if (!std::filesystem::is_regular_file(status)) throw IngestError("is not a regular file");
+    if (std::filesystem::file_size(fileName, error) > MAX_BYTES && !error)
+        throw IngestError("is larger than " + std::to_string(MAX_BYTES >> 20U) +
+                          " MiB, not a header text file");
+}
+
+}  // namespace
+
+std::string readHeaderFile(const std::string& fileName) {
+    refuseOtherThanFile(fileName);
+    try {
+        return readFile(fileName);
+    } catch (const std::system_error& error) {
+        failReading(error.code());
+    }
+}
+
+void refuseOtherThanText(const std::string& bytes) {
+    if (bytes.empty()) throw IngestError("is empty");
+    if (isFits(bytes)) throw IngestError("is a FITS file, not a header text file");
+    if (isBinary(bytes)) throw IngestError("is a binary file, not a header text file");
+}

@@ -1,0 +1,24 @@
+/// From the bytes of a header text to its lines.
+#ifndef ZARN_INGEST_LINES_H
+#define ZARN_INGEST_LINES_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "zarn-ingest/header/HeaderLine.h"
+#include "zarn-ingest/header/Repairs.h"
+
+struct Lines {
+    std::vector<HeaderLine> lines;
+    Tally carriages;  ///< lines that end in CR LF, or in CR
+    Repairs repairs;
+};
+
+/// Cuts a text at its line ends (LF, CR LF or CR), and a line of several cards every 80 columns,
+/// and reads each.
+///
+/// @throw IngestError  for more lines than any header has
+Lines linesOf(const std::string& bytes);
+
+#endif  // ZARN_INGEST_LINES_H

@@ -1,0 +1,126 @@
+#include "zarn-ingest/header/Sections.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+
+#include "zarn-ingest/header/Columns.h"
+
+namespace {
+
+using Kind = HeaderLine::Kind;
+
+// What dump programs call a header, and what they draw around its name.
+constexpr const char* NAMES_OF_HEADERS[] = {"HDU", "EXTENSION", "XTENSION", "HEADER"};
+constexpr const char* RULERS[] = {"---", "===", "***", "###", "# "};
+
+template <typename Words>
+bool containsAny(const std::string& text, const Words& words) {
+    return std::any_of(std::begin(words), std::end(words), [&text](const char* word) {
+        return text.find(word) != std::string::npos;
+    });
+}
+
+/// "--- HDU 1 ---", "# HDU 2 in file.fits:", "===> extension 3 <==="
+bool dividesHeaders(const HeaderLine& line) {
+    const std::string text = upper(line.text);
+    return line.kind == Kind::OTHER && containsAny(text, RULERS) &&
+           containsAny(text, NAMES_OF_HEADERS) &&
+           text.find_first_of("0123456789") != std::string::npos;
+}
+
+bool isKeyword(const HeaderLine& line, const char* keyword) {
+    return line.kind == Kind::VALUE && !line.isHierarch && line.keyword == keyword;
+}
+
+/// The card behind each line, or none.
+std::vector<const HeaderLine*> nextCards(const std::vector<HeaderLine>& lines) {
+    std::vector<const HeaderLine*> next(lines.size());
+    const HeaderLine* card = nullptr;
+    for (std::size_t i = lines.size(); i-- > 0;) {
+        next[i] = card;
+        if (lines[i].kind != Kind::BLANK && lines[i].kind != Kind::OTHER) card = &lines[i];
+    }
+    return next;
+}
+
+/// Goes through a text and collects its sections.
+class Divider {
+public:
+    Divider(const std::vector<HeaderLine>& lines, Repairs& repairs)
+        : lines_(lines), repairs_(repairs), next_(nextCards(lines)) {}
+
+    std::vector<Section> sections() {
+        for (at_ = 0; at_ < lines_.size(); ++at_) take(lines_[at_]);
+        close();
+        if (!section_.titles.empty()) appendLeftOver();
+        if (sections_.empty()) sections_.emplace_back();
+        return std::move(sections_);
+    }
+
+private:
+    void take(const HeaderLine& line) {
+        const bool begins = beginsHeader(line);
+        if (begins) close();
+        if (line.kind == Kind::END) {
+            close();
+        } else if (line.kind == Kind::BLANK && section_.lines.empty()) {
+            if (sections_.empty()) repairs_[Repair::BLANK_START].add(line.number);
+        } else if (line.kind == Kind::OTHER && (begins || isTitle())) {
+            section_.titles.push_back(line);
+        } else {
+            section_.lines.push_back(line);
+            hasStructure_ = hasStructure_ || isKeyword(line, "SIMPLE") ||
+                            isKeyword(line, "XTENSION") || isKeyword(line, "BITPIX");
+            hasValue_ = hasValue_ || line.kind == Kind::VALUE;
+        }
+    }
+
+    /// Whether a line can only stand before a card of another header.
+    bool beginsHeader(const HeaderLine& line) const {
+        if (section_.lines.empty()) return false;
+        if (isKeyword(line, "XTENSION")) return hasValue_ && nextCardIs("BITPIX");
+        if (isKeyword(line, "SIMPLE")) return hasStructure_ && nextCardIs("BITPIX");
+        if (line.kind != Kind::OTHER) return false;
+        return hasValue_ && (dividesHeaders(line) || nextCardIs("XTENSION") ||
+                             (hasStructure_ && nextCardIs("SIMPLE")));
+    }
+
+    /// A line that is no card and stands before the first card of its header.
+    bool isTitle() const { return section_.lines.empty(); }
+
+    bool nextCardIs(const char* keyword) const {
+        return next_[at_] != nullptr && isKeyword(*next_[at_], keyword);
+    }
+
+    void close() {
+        while (!section_.lines.empty() && section_.lines.back().kind == Kind::BLANK)
+            section_.lines.pop_back();
+        if (section_.lines.empty()) return;  // the titles are the next one's
+        sections_.push_back(std::move(section_));
+        section_ = Section();
+        hasStructure_ = hasValue_ = false;
+    }
+
+    /// Titles that no header follows.
+    void appendLeftOver() {
+        if (sections_.empty()) sections_.emplace_back();
+        std::vector<HeaderLine>& last = sections_.back().lines;
+        last.insert(last.end(), section_.titles.begin(), section_.titles.end());
+    }
+
+    const std::vector<HeaderLine>& lines_;
+    Repairs& repairs_;
+    std::vector<const HeaderLine*> next_;  ///< the card behind each line
+    std::vector<Section> sections_;
+    Section section_;
+    std::size_t at_ = 0;
+    bool hasStructure_ = false;  ///< the section has a card that only a header's beginning has
+    bool hasValue_ = false;
+};
+
+}  // namespace
+
+std::vector<Section> sectionsOf(const std::vector<HeaderLine>& lines, Repairs& repairs) {
+    return Divider(lines, repairs).sections();
+}

@@ -1,0 +1,346 @@
+#include "zarn-ingest/header/Structure.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "zarn-ingest/header/Columns.h"
+#include "zarn-ingest/header/TableColumns.h"
+
+namespace {
+
+constexpr const char* BITPIX_VALUES[] = {"8", "16", "32", "64", "-32", "-64"};
+constexpr const char* TABLES[] = {"BINTABLE", "A3DTABLE"};
+
+// CFITSIO takes HIERARCH cards of these names for the keywords themselves.
+constexpr const char* STRUCTURE[] = {"SIMPLE", "XTENSION", "BITPIX",   "NAXIS",   "EXTEND", "GROUPS",
+                                     "PCOUNT", "GCOUNT",   "CHECKSUM", "DATASUM", "TFIELDS",
+                                     "THEAP",  "END"};
+
+template <typename Words>
+bool contains(const Words& words, const std::string& word) {
+    return std::find(std::begin(words), std::end(words), word) != std::end(words);
+}
+
+std::string withoutPlus(const std::string& number) {
+    return number.rfind('+', 0) == 0 ? number.substr(1) : number;
+}
+
+/// The number in NAXIS1, NAXIS2 and so on, at least 1; 0 for another keyword.
+int axisOf(const std::string& keyword) {
+    constexpr std::size_t NAME = 5;
+    const bool hasLength = keyword.size() > NAME && keyword.size() <= KEYWORD_LENGTH;
+    if (keyword.rfind("NAXIS", 0) != 0 || !hasLength) return 0;
+    if (keyword.find_first_not_of("0123456789", NAME) != std::string::npos) return 0;
+    return std::max(1, std::stoi(keyword.substr(NAME)));
+}
+
+bool isZero(const std::string& number) {
+    return !number.empty() && withoutPlus(number).find_first_not_of('0') == std::string::npos;
+}
+
+bool isOne(const std::string& number) {
+    const std::string digits = withoutPlus(number);
+    return !digits.empty() && digits.find_first_not_of('0') == digits.size() - 1 &&
+           digits.back() == '1';
+}
+
+/// The cards of one header, from which those that describe the file are taken out.
+class Structure {
+public:
+    Structure(std::vector<LogicalCard> cards, Position position, Repairs& repairs)
+        : cards_(std::move(cards)), position_(position), repairs_(repairs) {}
+
+    std::vector<LogicalCard> structured(const std::vector<LogicalCard>& titles) {
+        demoteHierarch();
+        findTable();
+        if (position_ == Position::LATER) {
+            beginExtension();
+        } else {
+            beginPrimary();
+        }
+        leaveData();
+        begin_.insert(begin_.end(), titles.begin(), titles.end());
+        begin_.insert(begin_.end(), std::make_move_iterator(cards_.begin()),
+                      std::make_move_iterator(cards_.end()));
+        return std::move(begin_);
+    }
+
+private:
+    using Cards = std::vector<LogicalCard>;
+    using Form = std::string (*)(const std::string&);  ///< the legal value that a text stands for
+
+    void demoteHierarch() {
+        for (LogicalCard& card : cards_) {
+            if (!card.isHierarch) continue;
+            if (!contains(STRUCTURE, card.keyword) && axisOf(card.keyword) == 0) continue;
+            repairs_[Repair::NO_CARDS].add(card.number);
+            card = commentOf(card.cards.front(), card.number);
+        }
+    }
+
+    /// Whether the header is a table's that readers can open.
+    void findTable() {
+        if (position_ != Position::LATER) return;
+        const LogicalCard* const card = find("XTENSION");
+        if (card == nullptr) return;
+        const std::string name = upper(card->value.text);
+        if (name != "TABLE" && !contains(TABLES, name)) return;
+        tableName_ = name == "TABLE" ? name : "BINTABLE";
+        table_ = columnsOf(cards_, name == "TABLE" ? TableKind::ASCII : TableKind::BINARY);
+        if (!table_) repairs_[Repair::BROKEN_TABLES].add(card->number);
+    }
+
+    void beginPrimary() {
+        require("SIMPLE", [](const std::string& text) -> std::string {
+            return text == "F" || text == "f" ? "F" : "T";
+        }, "file conforms to the FITS standard");
+        beginImage();
+        if (position_ == Position::FIRST) promiseExtensions();
+        demoteAll("XTENSION");
+    }
+
+    /// EXTEND may stand anywhere.
+    void promiseExtensions() {
+        const auto found = position("EXTEND");
+        if (found == cards_.end()) return place("EXTEND", "T", "extensions follow", true);
+        if (found->value.text == "T" && isWellFormed(*found)) return;
+        repairs_[Repair::ARRANGED].add(found->number);
+        found->cards = {fixed(*found, "T", "")};
+    }
+
+    void beginImage() {
+        require("BITPIX", [](const std::string& text) -> std::string {
+            const std::string number = withoutPlus(text);
+            return contains(BITPIX_VALUES, number) ? number : "8";
+        }, "bits per data value");
+        requireAs("NAXIS", "0", "# of axes in frame");
+    }
+
+    void beginExtension() {
+        takeFormer("SIMPLE");
+        if (table_) return beginTable();
+        const LogicalCard* const card = find("XTENSION");
+        const std::string name = card == nullptr ? "IMAGE" : upper(card->value.text);
+        if (card != nullptr && name != "IMAGE") keepAsComment("XTENSION");
+        requireAs("XTENSION", quoted("IMAGE"), "image extension");
+        beginImage();
+        requireAs("PCOUNT", "0", "no heap");
+        requireAs("GCOUNT", "1", "one group");
+    }
+
+    void beginTable() {
+        requireAs("XTENSION", quoted(tableName_), "table extension");
+        requireAs("BITPIX", "8", "bytes");
+        requireAs("NAXIS", "2", "rows and columns");
+        requireAs("NAXIS1", std::to_string(table_->width), "bytes in a row");
+        requireAs("NAXIS2", "0", "no rows");
+        requireAs("PCOUNT", "0", "no heap");
+        requireAs("GCOUNT", "1", "one group");
+        requireAs("TFIELDS", std::to_string(table_->number), "columns");
+        defuseCompression();
+    }
+
+    /// A reader would make an image of the size that ZIMAGE and its like promise.
+    void defuseCompression() {
+        for (LogicalCard& card : cards_) {
+            if (card.keyword != "ZIMAGE" || card.isHierarch) continue;
+            repairs_[Repair::COMPRESSED].add(card.number);
+            card.cards = {withoutTrailing("HIERARCH WAS ZIMAGE = " + card.value.text)};
+            card.keyword = "WAS ZIMAGE";
+            card.isHierarch = true;
+        }
+    }
+
+    /// Puts a card next, in the fixed format and with the value that `form` makes of its own.
+    void require(const std::string& keyword, Form form, const std::string& comment) {
+        const LogicalCard* const found = find(keyword);
+        const std::string own = found == nullptr ? "" : found->value.text;
+        place(keyword, form(own), comment, form(own) == own);
+    }
+
+    /// Puts a card next that describes no data, whatever it said.
+    void requireAs(const std::string& keyword, const std::string& value,
+                   const std::string& comment) {
+        place(keyword, value, comment, true);
+    }
+
+    /// @param keeps  the card's own value is legal, or no matter
+    void place(const std::string& keyword, const std::string& value, const std::string& comment,
+               bool keeps) {
+        const auto found = position(keyword);
+        LogicalCard card;
+        card.keyword = keyword;
+        if (found == cards_.end()) {
+            if (!isImplied(keyword)) repairs_[Repair::SUPPLIED].add(firstLine());
+            card.cards = {fixedCard(keyword, value, comment)};
+        } else {
+            card.number = found->number;
+            card.cards = {fixed(*found, value, comment)};
+            const bool arranged = found != cards_.begin() || !keeps || !isWellFormed(*found);
+            if (arranged) repairs_[Repair::ARRANGED].add(found->number);
+            cards_.erase(found);
+            leaveRepeated(keyword);
+        }
+        card.value = valueIn(value);
+        begin_.push_back(std::move(card));
+        passAxes();
+    }
+
+    /// The card as it stands where it says this already, else in the fixed format with its own
+    /// comment. The comment on NAXIS is the conversion's.
+    std::string fixed(const LogicalCard& card, const std::string& value,
+                      const std::string& comment) const {
+        const bool isConversions = card.keyword == "NAXIS" && value == "0";
+        if (isConversions) return fixedCard(card.keyword, value, comment);
+        const std::string written = fixedCard(card.keyword, value, card.value.comment);
+        const std::size_t column = written.find(" /");
+        const bool says = card.cards.front().substr(0, column) == written.substr(0, column);
+        return says && card.cards.size() == 1 ? card.cards.front() : written;
+    }
+
+    /// Whether a card of the beginning stands in the fixed format.
+    static bool isWellFormed(const LogicalCard& card) {
+        const CardValue& value = card.value;
+        if (card.keyword == "XTENSION") return value.kind == CardValue::Kind::TEXT;
+        if (value.kind != CardValue::Kind::NUMBER && value.kind != CardValue::Kind::LOGICAL)
+            return false;
+        const std::string expected = fixedCard(card.keyword, value.text, "");
+        return card.cards.front().rfind(expected, 0) == 0;
+    }
+
+    void leaveRepeated(const std::string& keyword) {
+        leaveFrom(cards_.begin(), cards_.end(), [this, &keyword](const LogicalCard& card) {
+            const bool again = isKeyword(card, keyword);
+            if (again) repairs_[Repair::REPEATED].add(card.number);
+            return again;
+        });
+    }
+
+    /// Leaves out cards of a range, in the order of which the condition sees them.
+    template <typename Condition>
+    void leaveFrom(Cards::iterator begin, Cards::iterator end, Condition isLeft) {
+        cards_.erase(std::remove_if(begin, end, isLeft), end);
+    }
+
+    /// Leaves out the axes that stand next: those beyond the second are told of.
+    void passAxes() {
+        const auto end = std::find_if_not(cards_.begin(), cards_.end(), [this](const auto& card) {
+            return isAxis(card) && !isWanted(card.keyword);
+        });
+        std::for_each(cards_.begin(), end, [this](const auto& card) { leaveAxis(card); });
+        cards_.erase(cards_.begin(), end);
+    }
+
+    static bool isAxis(const LogicalCard& card) {
+        return !card.isHierarch && axisOf(card.keyword) > 0;
+    }
+
+    bool isWanted(const std::string& axis) const {
+        return table_ && (axis == "NAXIS1" || axis == "NAXIS2") && !isPlaced(axis);
+    }
+
+    bool isPlaced(const std::string& keyword) const {
+        return std::any_of(begin_.begin(), begin_.end(),
+                           [&keyword](const auto& card) { return card.keyword == keyword; });
+    }
+
+    void leaveAxis(const LogicalCard& card) {
+        constexpr int LAST_OF_CONVERSION = 2;  // these the conversion leaves out in any header
+        if (axisOf(card.keyword) > LAST_OF_CONVERSION || !seenAxes_.insert(card.keyword).second)
+            repairs_[Repair::AXES].add(card.number);
+    }
+
+    /// Leaves out what would describe data.
+    void leaveData() {
+        leaveFrom(cards_.begin(), cards_.end(), [this](const LogicalCard& card) {
+            if (isAxis(card)) {
+                leaveAxis(card);
+                return true;
+            }
+            const bool isLeft = describesData(card);
+            if (isLeft) repairs_[Repair::AXES].add(card.number);
+            return isLeft;
+        });
+    }
+
+    bool describesData(const LogicalCard& card) {
+        if (card.isHierarch) return false;
+        const std::string& text = card.value.text;
+        if (card.keyword == "GROUPS") return text != "F" || !seenAxes_.insert(card.keyword).second;
+        if (card.keyword == "PCOUNT") return !isZero(text) || !seenAxes_.insert(card.keyword).second;
+        if (card.keyword == "GCOUNT") return !isOne(text) || !seenAxes_.insert(card.keyword).second;
+        return card.keyword == "THEAP" && table_.has_value();
+    }
+
+    /// A further primary header becomes an extension: that is no fault of its cards.
+    void takeFormer(const std::string& keyword) {
+        const auto found = position(keyword);
+        if (found == cards_.end()) return;
+        isFormerPrimary_ = true;
+        cards_.erase(found);
+        leaveRepeated(keyword);
+    }
+
+    /// Cards that a former primary header, or an image without data, need not have had.
+    bool isImplied(const std::string& keyword) const {
+        return (isFormerPrimary_ && (keyword == "XTENSION" || keyword == "PCOUNT" ||
+                                     keyword == "GCOUNT")) ||
+               (keyword == "NAXIS1" || keyword == "NAXIS2");
+    }
+
+    void keepAsComment(const std::string& keyword) {
+        const auto found = position(keyword);
+        cards_.push_back(commentOf(found->cards.front(), found->number));
+    }
+
+    void demoteAll(const std::string& keyword) {
+        for (LogicalCard& card : cards_) {
+            if (!isKeyword(card, keyword)) continue;
+            repairs_[Repair::ARRANGED].add(card.number);
+            card = commentOf(card.cards.front(), card.number);
+        }
+    }
+
+    static bool isKeyword(const LogicalCard& card, const std::string& keyword) {
+        return card.keyword == keyword && !card.isHierarch;
+    }
+
+    Cards::iterator position(const std::string& keyword) {
+        return std::find_if(cards_.begin(), cards_.end(), [&keyword](const LogicalCard& card) {
+            return isKeyword(card, keyword);
+        });
+    }
+
+    const LogicalCard* find(const std::string& keyword) {
+        const auto found = position(keyword);
+        return found == cards_.end() ? nullptr : &*found;
+    }
+
+    std::size_t firstLine() const { return cards_.empty() ? 1 : cards_.front().number; }
+
+    Cards cards_;  ///< those not yet placed
+    Cards begin_;  ///< those placed
+    Position position_;
+    Repairs& repairs_;
+    std::string tableName_;
+    std::optional<TableColumns> table_;
+    std::set<std::string> seenAxes_;  ///< and other counts of data
+    bool isFormerPrimary_ = false;
+};
+
+}  // namespace
+
+bool isChecksum(const std::string& keyword) {
+    return keyword == "CHECKSUM" || keyword == "DATASUM";
+}
+
+std::vector<LogicalCard> structured(std::vector<LogicalCard> cards,
+                                    const std::vector<LogicalCard>& titles, Position position,
+                                    Repairs& repairs) {
+    return Structure(std::move(cards), position, repairs).structured(titles);
+}

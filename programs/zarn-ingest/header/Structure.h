@@ -1,0 +1,30 @@
+/// The cards that a header begins with, and those that would describe data.
+#ifndef ZARN_INGEST_STRUCTURE_H
+#define ZARN_INGEST_STRUCTURE_H
+
+#include <vector>
+
+#include "zarn-ingest/header/CardLayout.h"
+#include "zarn-ingest/header/Repairs.h"
+
+/// Where a header stands in its file.
+enum class Position {
+    ALONE,  ///< primary, and the only one
+    FIRST,  ///< primary, extensions follow
+    LATER,  ///< extension
+};
+
+/// Whether the keyword is one of the two that CFITSIO's checksums stand under.
+bool isChecksum(const std::string& keyword);
+
+/// Puts the cards that describe the file in order and makes them describe no data: an image without
+/// axes, or a table with its columns and no rows.
+///
+/// @param cards   of one header, in the order of its text
+/// @param titles  follow the cards that every header begins with
+/// @return        all of them, in the order of the file
+std::vector<LogicalCard> structured(std::vector<LogicalCard> cards,
+                                    const std::vector<LogicalCard>& titles, Position position,
+                                    Repairs& repairs);
+
+#endif  // ZARN_INGEST_STRUCTURE_H

@@ -1,0 +1,21 @@
+/// The columns that a table's header describes.
+#ifndef ZARN_INGEST_TABLECOLUMNS_H
+#define ZARN_INGEST_TABLECOLUMNS_H
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "zarn-ingest/header/CardLayout.h"
+
+enum class TableKind { ASCII, BINARY };
+
+struct TableColumns {
+    std::size_t number = 0;  ///< of columns
+    std::size_t width = 0;   ///< of a row [bytes]
+};
+
+/// What TFORMn and TBCOLn say; none where a reader could not open the table.
+std::optional<TableColumns> columnsOf(const std::vector<LogicalCard>& cards, TableKind kind);
+
+#endif  // ZARN_INGEST_TABLECOLUMNS_H

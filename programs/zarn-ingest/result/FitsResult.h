@@ -1,0 +1,23 @@
+/// The FITS file of a header text: made, and read again.
+#ifndef ZARN_INGEST_FITSRESULT_H
+#define ZARN_INGEST_FITSRESULT_H
+
+#include <string>
+
+#include "zarn-ingest/header/HeaderText.h"
+
+/// Makes a file of one HDU per header, none of which has data.
+///
+/// @param checksum  add DATASUM and CHECKSUM to each HDU
+/// @throw FitsFileError  when CFITSIO cannot create or write the file
+/// @throw IngestError    when it refuses a header
+void makeFitsFile(const HeaderText& text, const std::string& path, bool checksum);
+
+/// Opens a file as any reader would and makes sure of every HDU: its cards are those of the text,
+/// in their order and without others but renewed checksums, and it holds nothing else.
+///
+/// @throw FitsFileError  when CFITSIO cannot open or read the file
+/// @throw IngestError    when the file differs
+void verifyFitsFile(const HeaderText& text, const std::string& path, bool checksum);
+
+#endif  // ZARN_INGEST_FITSRESULT_H
