@@ -41,6 +41,7 @@ int work(const Settings& settings, const StopSignals& signals) {
         log = std::make_unique<RollingLog>(settings);
         reporter.useLog();
     }
+    if (!settings.report.empty() && !settings.dryRun) reporter.useReport(settings.report);
     bool whole = true;
     if (!settings.isService()) {
         whole = Batch(settings, signals, reporter).run();

@@ -24,7 +24,7 @@ void check(int status, const std::string& action) {
     const std::string reason = detail.front() == '\0' ? "" : std::string("; ") + detail.data();
     const std::string text = action + " (" + statusText(status) + reason + ")";
     if (status < FIRST_OF_HEADERS) throw FitsFileError(text, status);
-    throw IngestError(text);
+    throw IngestError(text, 0, status);
 }
 
 std::string valueOf(std::string card) {

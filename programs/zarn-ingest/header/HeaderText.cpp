@@ -137,6 +137,7 @@ void HeaderText::dropChecksums() {
     const auto isOld = [](const Card& card) { return isChecksum(card.keyword); };
     for (Header& header : headers_)
         header.erase(std::remove_if(header.begin(), header.end(), isOld), header.end());
+    notes_.oldChecksums = Tally();
 }
 
 std::size_t HeaderText::fileSize() const {

@@ -60,7 +60,7 @@ public:
     /// Adds cards to the primary header, of no line.
     void append(const std::vector<std::string>& lines);
 
-    /// Leaves out CHECKSUM and DATASUM, to make room for new ones.
+    /// Leaves out CHECKSUM and DATASUM, and the note on them, to make room for new ones.
     void dropChecksums();
 
     /// Bytes that a file of these headers has at most.

@@ -12,15 +12,18 @@
 /// The header, or the name that it came under, gives no result: trying again would not help.
 class IngestError : public std::runtime_error {
 public:
-    /// @param text  the reason, for the operator
-    /// @param line  line of the header text, counted from 1; 0: the file as a whole
-    explicit IngestError(const std::string& text, std::size_t line = 0)
-        : std::runtime_error(text), line_(line) {}
+    /// @param text    the reason, for the operator
+    /// @param line    line of the header text, counted from 1; 0: the file as a whole
+    /// @param status  CFITSIO's, or 0
+    explicit IngestError(const std::string& text, std::size_t line = 0, int status = 0)
+        : std::runtime_error(text), line_(line), status_(status) {}
 
     std::size_t line() const { return line_; }
+    int status() const { return status_; }
 
 private:
     std::size_t line_;
+    int status_;
 };
 
 /// This input cannot be converted at present; others perhaps can.

@@ -4,17 +4,11 @@
 
 #include <zarnsys/util/ZarnMoonVal.h>
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
 #include "zarn-ingest/header/HeaderText.h"
-
-/// Something about one line that the operator should know.
-struct Remark {
-    std::size_t line;  ///< counted from 1
-    std::string text;
-};
+#include "zarn-ingest/header/Remark.h"
 
 struct MoonCards {
     enum class State {
@@ -29,8 +23,9 @@ struct MoonCards {
     std::vector<Remark> remarks;
 };
 
-/// The cards for a header: the same ones each time. A keyword that the header has is left out, with
-/// a remark; a position or time that is malformed gives a remark and no card.
-MoonCards moonCards(const HeaderText& header, Telescope telescope);
+/// The cards for a text's primary header: the same ones each time. Position and time are taken from
+/// the first of the text's headers that has them. A keyword that the primary header has is left
+/// out, with a remark; a position or time that is malformed gives a remark and no card.
+MoonCards moonCards(const HeaderText& text, Telescope telescope);
 
 #endif  // ZARN_INGEST_MOONCARDS_H

@@ -8,6 +8,8 @@
 #include <sstream>
 
 #include "shared/cli/Printable.h"
+#include "shared/cli/Reason.h"
+#include "zarn-ingest/report/Remarks.h"
 #include "zarn-ingest/report/RollingLog.h"
 #include "zarnsys/util/Log.h"
 
@@ -50,37 +52,47 @@ void Reporter::begin(std::size_t total) {
     start_ = Clock::now();
 }
 
-void Reporter::done(const std::string& file, const Outcome& outcome, bool checksumRenewed) {
+void Reporter::done(const std::string& file, const Outcome& outcome) {
     if (outcome.converted()) {
-        converted(file, outcome, checksumRenewed);
+        converted(file, outcome);
     } else {
         ++failed_;
         message(Kind::ERROR, problemText(file, outcome.line, outcome.problem));
     }
+    addToReport(file, outcome);
     showProgress();
 }
 
-void Reporter::converted(const std::string& file, const Outcome& outcome, bool checksumRenewed) {
+void Reporter::converted(const std::string& file, const Outcome& outcome) {
     ++converted_;
-    const std::size_t before = warnings_;
-    for (const auto& [repair, tally] : outcome.repairs) {
-        const RepairKind& kind = kindOf(repair);
-        noteOf(file, tally,
-               std::string("repaired (") + kind.word + "): " + kind.found + " were " + kind.done);
+    bool warned = false;
+    for (const auto& [line, text, isWarning] : remarksOf(outcome)) {
+        warned = warned || isWarning;
+        if (level_ != Level::QUIET)
+            message(Kind::INFO, place(file, line) + (isWarning ? "warning: " : "") + text);
     }
-    for (const auto& [word, tally] : byWord(outcome.repairs)) ++repairs_[word];
+    if (warned) ++warned_;
     if (!outcome.repairs.empty()) ++repaired_;
-    const Notes& notes = outcome.notes;
-    warnOf(file, notes.carriages, "lines that end in CR LF or CR");
-    warnOf(file, notes.upperCased, "keywords that became upper case");
-    warnOf(file, notes.left, "further headers left out by --primary-only");
-    if (!checksumRenewed)
-        warnOf(file, notes.oldChecksums, "checksums of another file (--checksum renews them)");
-    for (const Remark& remark : outcome.moon.remarks) warn(file, remark.line, remark.text);
+    for (const auto& [word, tally] : byWord(outcome.repairs)) ++repairs_[word];
     if (outcome.moon.state != MoonCards::State::NOT_ASKED) ++moon_[outcome.moon.state];
-    if (warnings_ > before) ++warned_;
     if (level_ == Level::VERBOSE || toLog_)
         message(Kind::INFO, printable(file) + ": gave " + printable(outcome.result));
+}
+
+/// A report that cannot be written is told of once, and the run has not done all it was asked to.
+void Reporter::addToReport(const std::string& file, const Outcome& outcome) {
+    if (report_ == nullptr) return;
+    try {
+        report_->add(file, outcome);
+    } catch (const std::exception& reason) {
+        error("the report " + report_->name() + ": " + reasonOf(reason));
+        reportFailed_ = true;
+        report_.reset();
+    }
+}
+
+void Reporter::useReport(const std::string& fileName) {
+    report_ = std::make_unique<ReportFile>(fileName);
 }
 
 void Reporter::error(const std::string& text) { message(Kind::ERROR, printable(text)); }
@@ -95,8 +107,7 @@ void Reporter::summary(const std::string& done, int signal) {
     std::ostringstream text;
     if (signal != 0) text << "stopped by a signal (" << ::strsignal(signal) << "): ";
     text << converted_ << " " << done;
-    if (repaired_ > 0) text << " (" << repairsText() << ")";
-    if (warned_ > 0) text << " (" << warned_ << " with warnings)";
+    text << markedText();
     text << ", " << failed_ << " failed";
     if (signal != 0 && files_ > 0) text << ", " << files_ - converted_ - failed_ << " left";
     text << " in " << std::fixed << std::setprecision(1) << inSeconds(Clock::now() - start_)
@@ -121,35 +132,18 @@ void Reporter::message(Kind kind, const std::string& text) {
     }
 }
 
-void Reporter::note(const std::string& file, std::size_t line, const std::string& text) {
-    if (level_ != Level::QUIET) message(Kind::INFO, place(file, line) + text);
-}
-
-void Reporter::noteOf(const std::string& file, const Tally& tally, const std::string& text) {
-    note(file, tally.firstLine,
-         text + ": " + std::to_string(tally.count) + ", the first in this line");
-}
-
-void Reporter::warn(const std::string& file, std::size_t line, const std::string& text) {
-    ++warnings_;
-    note(file, line, "warning: " + text);
-}
-
-void Reporter::warnOf(const std::string& file, const Tally& tally, const std::string& text) {
-    if (tally.count == 0) return;
-    ++warnings_;
-    noteOf(file, tally, "warning: " + text);
-}
-
-/// "3 repaired: axes 2, long 1"
-std::string Reporter::repairsText() const {
-    std::string text = std::to_string(repaired_) + " repaired";
+/// " (3 repaired: axes 2, long 1; 2 with warnings)", or less where there is nothing to say.
+std::string Reporter::markedText() const {
+    std::string text;
+    if (repaired_ > 0) text = std::to_string(repaired_) + " repaired";
     const char* divider = ": ";
     for (const auto& [word, files] : repairs_) {
         text.append(divider).append(word).append(" ").append(std::to_string(files));
         divider = ", ";
     }
-    return text;
+    if (warned_ > 0)
+        text.append(text.empty() ? "" : "; ").append(std::to_string(warned_) + " with warnings");
+    return text.empty() ? "" : " (" + text + ")";
 }
 
 void Reporter::showProgress() {

@@ -5,8 +5,10 @@
 #include <chrono>
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <string>
 
+#include "zarn-ingest/report/ReportFile.h"
 #include "zarn-ingest/result/Outcome.h"
 
 /// "in/x.hdr:7: text", or without a line "in/x.hdr: text", on one line.
@@ -25,10 +27,13 @@ public:
     /// second on.
     void begin(std::size_t total);
 
-    /// One more file is done with, well or badly.
+    /// Adds each file that is done with to a report.
     ///
-    /// @param checksumRenewed  whether results get checksums of their own
-    void done(const std::string& file, const Outcome& outcome, bool checksumRenewed);
+    /// @throw std::exception  when the report cannot be opened
+    void useReport(const std::string& fileName);
+
+    /// One more file is done with, well or badly.
+    void done(const std::string& file, const Outcome& outcome);
 
     /// Messages about the run as a whole.
     void error(const std::string& text);
@@ -38,29 +43,27 @@ public:
     /// @param signal  the signal that ended the run early, or 0
     void summary(const std::string& done, int signal);
 
-    bool anyFailed() const { return failed_ > 0; }
+    bool anyFailed() const { return failed_ > 0 || reportFailed_; }
 
 private:
     using Clock = std::chrono::steady_clock;
 
     enum class Kind { ERROR, INFO };
 
-    void converted(const std::string& file, const Outcome& outcome, bool checksumRenewed);
+    void converted(const std::string& file, const Outcome& outcome);
+    void addToReport(const std::string& file, const Outcome& outcome);
     void message(Kind kind, const std::string& text);
-    void note(const std::string& file, std::size_t line, const std::string& text);
-    void noteOf(const std::string& file, const Tally& tally, const std::string& text);
-    void warn(const std::string& file, std::size_t line, const std::string& text);
-    void warnOf(const std::string& file, const Tally& tally, const std::string& text);
-    std::string repairsText() const;
+    std::string markedText() const;
     void showProgress();
     void clearProgress();
 
     Level level_;
     bool toLog_ = false;
+    std::unique_ptr<ReportFile> report_;  ///< none: no report was asked for
+    bool reportFailed_ = false;
     std::size_t total_ = 0;  ///< 0: no progress is shown
     std::size_t files_ = 0;  ///< to be done; 0: unknown
     std::size_t converted_ = 0;
-    std::size_t warnings_ = 0;
     std::size_t warned_ = 0;  ///< files with a warning
     std::size_t repaired_ = 0;                    ///< files
     std::map<std::string, std::size_t> repairs_;  ///< files by the words of their repairs

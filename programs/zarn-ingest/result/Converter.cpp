@@ -84,6 +84,7 @@ Outcome Converter::convert(const Input& input) {
     } catch (const IngestError& error) {
         fails(Status::FAILED, error.what());
         outcome.line = error.line();
+        outcome.fitsStatus = error.status();
     } catch (const InputWaits& error) {
         fails(Status::WAITS, error.what());
     } catch (const std::exception& error) {
@@ -105,8 +106,8 @@ void Converter::convertOrThrow(const Input& input, Outcome& outcome) {
     outcome.cards = text.cardCount();
     outcome.hdus = text.headers().size();
     outcome.repairs = text.repairs();
-    outcome.notes = text.notes();
     if (options_.checksum) text.dropChecksums();
+    outcome.notes = text.notes();
     if (options_.moon) outcome.moon = moonCards(text, *options_.moon);
     text.append(outcome.moon.lines);
     const bool isThere = !isFree(outcome.result);

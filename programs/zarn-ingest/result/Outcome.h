@@ -24,6 +24,7 @@ struct Outcome {
     std::uintmax_t size = 0;  ///< of the result [bytes]
     std::string problem;      ///< why it was not converted; empty: it was
     std::size_t line = 0;     ///< to which the problem belongs, counted from 1; 0: to the whole
+    int fitsStatus = 0;       ///< CFITSIO's word for the problem; 0: it has none
     Repairs repairs;          ///< that the text needed
     Notes notes;              ///< what the text had that needed none
     MoonCards moon;           ///< of the converted text

@@ -49,7 +49,7 @@ bool Batch::run() {
         } else {
             const Outcome outcome = converter_->convert(input);
             if (!tell(input, outcome)) return false;
-            reporter_.done(input.name, outcome, settings_.checksum);
+            reporter_.done(input.name, outcome);
         }
     }
     return true;

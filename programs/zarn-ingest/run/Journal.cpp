@@ -1,11 +1,8 @@
 #include "zarn-ingest/run/Journal.h"
 
 #include <ace/OS_NS_sys_time.h>
-#include <fcntl.h>
 #include <fnmatch.h>
 #include <sys/stat.h>
-#include <unistd.h>
-#include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/WexoTime.h>
 
 #include <algorithm>
@@ -22,7 +19,6 @@
 
 #include "shared/cli/Printable.h"
 #include "shared/cli/Reason.h"
-#include "zarn-ingest/result/Directory.h"
 
 namespace {
 
@@ -49,13 +45,6 @@ std::vector<std::string> journalsIn(const std::string& directory) {
     }
     std::sort(names.begin(), names.end());
     return names;
-}
-
-/// Cuts off what follows the last whole line.
-void mend(const std::string& fileName) {
-    const std::string text = readFile(fileName);
-    const std::size_t whole = text.rfind('\n') + 1;  // npos + 1 is 0: no whole line
-    if (whole < text.size()) std::filesystem::resize_file(fileName, whole);
 }
 
 std::string recordOf(const std::string& source, const Outcome& outcome) {
@@ -108,7 +97,7 @@ std::string identityOf(const std::string& source) {
 
 Journal::Journal(const std::string& directory) : directory_(directory) {
     const std::vector<std::string> journals = journalsIn(directory);
-    if (!journals.empty()) mend(journals.back());
+    if (!journals.empty()) mendLastLine(journals.back());
 }
 
 void Journal::recall(const std::vector<std::string>& sources) {
@@ -136,7 +125,6 @@ void Journal::add(const std::string& source, const Outcome& outcome) {
     try {
         append(record);
     } catch (const std::exception& error) {
-        file_ = Descriptor(-1);  // the next line opens the file again and mends it
         throw std::runtime_error("the journal in " + directory_ + ": " + reasonOf(error));
     }
 }
@@ -145,42 +133,7 @@ void Journal::append(const std::string& record) {
     const ACE_Time_Value now = ACE_OS::gettimeofday();
     const std::string iso = WexoTime::asISOTimeString(now);
     const std::string fileName = journalOf(directory_, iso.substr(0, DATE_LENGTH));
-    const std::string line = iso + '\t' + WexoTime::asUnixTimeString(now) + '\t' + record + '\n';
-    do {
-        if (!isOpen(fileName)) open(fileName);
-    } while (!put(line, fileName));
-}
-
-/// Writes a line, safe on disk, or takes it back: it will be written again. False when the file was
-/// removed meanwhile, and the line with it.
-bool Journal::put(const std::string& line, const std::string& fileName) {
-    struct stat before = {};
-    if (::fstat(file_.get(), &before) != 0) fail(fileName);
-    try {
-        writeAll(file_.get(), line);
-        if (::fsync(file_.get()) != 0) fail("not safe on disk");
-        return isOpen(fileName);
-    } catch (const std::system_error&) {
-        static_cast<void>(!::ftruncate(file_.get(), before.st_size));
-        throw;
-    }
-}
-
-/// Whether the name leads to the file that is written to: someone may have removed it.
-bool Journal::isOpen(const std::string& fileName) const {
-    struct stat held = {};
-    struct stat named = {};
-    if (file_.get() == -1) return false;
-    if (::fstat(file_.get(), &held) != 0) fail(fileName);
-    if (::stat(fileName.c_str(), &named) != 0 && errno != ENOENT) fail(fileName);
-    return held.st_dev == named.st_dev && held.st_ino == named.st_ino;
-}
-
-void Journal::open(const std::string& fileName) {
-    const Directory folder(directory_);  // one that is gone is not made anew, as FileIO would do
-    FileIO(fileName, false, true).open(fileName, false, true);  // with the archive's bits
-    mend(fileName);
-    file_ = Descriptor(::open(fileName.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
-    if (file_.get() == -1) fail(fileName);
-    folder.sync();
+    if (fileName != fileName_) file_ = std::make_unique<LineFile>(fileName);
+    fileName_ = fileName;
+    file_->add(iso + '\t' + WexoTime::asUnixTimeString(now) + '\t' + record + '\n');
 }

@@ -8,11 +8,12 @@
 #ifndef ZARN_INGEST_JOURNAL_H
 #define ZARN_INGEST_JOURNAL_H
 
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
-#include "shared/files/Reading.h"
+#include "zarn-ingest/report/LineFile.h"
 #include "zarn-ingest/result/Outcome.h"
 
 /// What stays with a file while it is neither changed nor renamed; "-": there is no file.
@@ -42,13 +43,11 @@ public:
 
 private:
     void append(const std::string& record);
-    bool put(const std::string& line, const std::string& fileName);
-    bool isOpen(const std::string& fileName) const;
-    void open(const std::string& fileName);
 
     std::string directory_;
     std::unordered_map<std::string, std::string> recalled_;  ///< source, and its line without times
-    Descriptor file_{-1};                                    ///< that is written to
+    std::unique_ptr<LineFile> file_;                         ///< of the day
+    std::string fileName_;                                   ///< its name
 };
 
 #endif  // ZARN_INGEST_JOURNAL_H

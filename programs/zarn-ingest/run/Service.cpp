@@ -206,7 +206,7 @@ bool Service::handle(const Input& input) {
         return true;
     }
     if (!tell(input, outcome)) return false;
-    reporter_.done(input.name, outcome, settings_.checksum);
+    reporter_.done(input.name, outcome);
     move(input.name, outcome);
     return true;
 }

@@ -131,6 +131,8 @@ void checkTogether(const Settings& settings) {
         throw UsageError("--watch takes its files from the pattern of a properties file alone");
     if (service && matches(settings.pattern, settings.logFile))
         throw UsageError("the log " + settings.logFile + " would be taken for a header text");
+    if (service && matches(settings.pattern, settings.report))
+        throw UsageError("the report " + settings.report + " would be taken for a header text");
     if (settings.watch && (settings.doneDir.empty() || settings.failedDir.empty()))
         throw UsageError("--watch needs the properties done and failed: where sources go");
     if (settings.shard.isPart() && service)

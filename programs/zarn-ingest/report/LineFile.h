@@ -1,0 +1,36 @@
+/// A file of lines that others read while it grows.
+#ifndef ZARN_INGEST_LINEFILE_H
+#define ZARN_INGEST_LINEFILE_H
+
+#include <string>
+
+#include "shared/files/Reading.h"
+
+/// Cuts off what follows the last whole line of a file: a crash tore it.
+///
+/// @throw std::exception  when the file cannot be read or cut
+void mendLastLine(const std::string& fileName);
+
+/// Appends whole lines, each safe on disk before `add` returns. Not for several threads or
+/// processes at once: the owner keeps a lock.
+class LineFile {
+public:
+    explicit LineFile(std::string fileName) : name_(std::move(fileName)) {}
+
+    /// Appends a line to the file that has the name now: one that was removed is made anew, and a
+    /// torn last line is cut off first.
+    ///
+    /// @param line  with its newline
+    /// @throw std::exception  when the line cannot be written; no part of it stays then
+    void add(const std::string& line);
+
+private:
+    bool put(const std::string& line);
+    bool isOpen() const;
+    void open();
+
+    std::string name_;
+    Descriptor file_{-1};
+};
+
+#endif  // ZARN_INGEST_LINEFILE_H
