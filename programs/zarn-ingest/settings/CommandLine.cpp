@@ -63,8 +63,9 @@ const struct {
 
 const char NOTES[] = R"(
 Each line of a header text file becomes one card of a FITS file that holds this
-header and no data. The result of dir/name.ext is DIR/name.fits: it appears when
-it is complete and can be read, or not at all. Nothing else is touched.
+header and no data; a text of several headers gives as many HDUs. The result of
+dir/name.ext is DIR/name.fits: it appears when it is complete and can be read, or
+not at all. Nothing else is touched.
 
   zarn-ingest -o fits night1/*.hdr
   zarn-ingest -o fits 'night1/*.hdr'                    (more names than fit a line)
@@ -76,10 +77,16 @@ shell pattern. Names from lists are never patterns. A name that begins with a
 dash is written ./-name.hdr; so is a directory or list for an option. Flags take
 no value: --force=no is --force.
 
+What does not meet the FITS standard is repaired without losing a card, and each
+repair is told by its word: preamble, columns, characters, keyword, value, long,
+axes, mandatory or extensions (the manual describes them). --strict refuses such
+headers. --report writes of each input what became of it.
+
 --moon adds MOONALT, MOONAZ, MOONDIST, MOONFLI and MOONPHAS to headers that have
-RA and DEC, in degrees or as '05:35:17.3', and MJD-OBS or DATE-OBS, in universal
-time. Others are converted as they are, and counted. A keyword of these names
-that a header has already is kept.
+RA and DEC, in degrees or as '05:35:17.3', and MJD-OBS or DATE-OBS, or the day
+there and the time in TIME-OBS, UT or the like, in universal time. Others are
+converted without, and counted. A keyword of these names that a header has already
+is kept.
 
 --resume goes on where a run was killed, and repeats any other: a result that
 holds the same cards already counts as converted, and each result is safe on
