@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Tests of zarn-ingest as an operator meets it: names, refusals, losses, signals, full disks.
-#   files.sh PROGRAM EXAMPLES [REAL_HEADERS]
+#   files.sh PROGRAM SAMPLES [REAL_HEADERS]
 # Everything happens in a directory of its own, which is removed at the end.
 set -u
-program=$(realpath "$1") examples=$(realpath "$2") real=${3:-}
-samples=$examples/headers
+program=$(realpath "$1") samples=$(realpath "$2") real=${3:-}
+examples=$(dirname "$samples")
 . "$(dirname "$0")/../support/checks.sh"
 . "$(dirname "$0")/../support/headers.sh"
 data=$(realpath "$(dirname "$0")/../data/zarn-ingest")

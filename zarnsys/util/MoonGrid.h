@@ -58,6 +58,7 @@ struct MoonGrid {
 ///
 /// @param targets   directions in the equinox of date [deg]
 /// @param instants  Modified Julian Dates [d], universal time
+/// @param place     where the observer stands
 /// @throw std::bad_alloc, std::length_error  when the values find no room
 ZARNSYS_EXPORT MoonGrid computeMoonGrid(const std::vector<MoonTarget>& targets,
                                         const std::vector<MJD_DATE>& instants, const Place& place);
