@@ -173,7 +173,7 @@ testMoon() {
     run 0 -q -p p.ini -m OLAN -f --retry-failed
     check "the option wins" grep -q '(OLAN)' fits/a.fits
     properties ingest moon VEK9
-    run 2 -p p.ini; says 'p.ini: [ingest] moon = VEK9: must be one of OLAN, VEK1, VEK2, VEK3, VEK4'
+    run 2 -p p.ini; says 'p.ini: [ingest] moon = VEK9: must be OLAN, VEK1, VEK2, VEK3 or VEK4'
 }
 
 # What failed is put back, each name once, and never over what arrived since.

@@ -1,17 +1,21 @@
 #include "shared/cli/OptionTable.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "shared/cli/Printable.h"
+#include "shared/cli/Value.h"
 
 namespace {
 
 /// The option as a pattern of the shell: "-o | --output".
 std::string patternOf(const OptionRow& row) {
-    const bool isShort = row.shortName != GenConfig::NO_SHORT_NAME;
-    return (isShort ? std::string("-") + row.shortName + " | " : "") + "--" + row.name;
+    const bool hasLetter = row.letter != GenConfig::NO_SHORT_NAME;
+    return (hasLetter ? std::string("-") + row.letter + " | " : "") + "--" + row.name;
 }
 
-/// What bash does behind an option that takes an argument. Returning without a reply leaves it to
-/// complete the names of files.
+/// What bash does after an option that takes an argument. Where the function returns without a
+/// reply, bash completes the names of files.
 std::string completionOf(std::string argument) {
     const std::string words = R"(mapfile -t COMPREPLY < <(compgen -W ")";
     if (argument == "FILE") return "return";
@@ -23,12 +27,17 @@ std::string completionOf(std::string argument) {
 
 }  // namespace
 
-OptionTable::OptionTable(std::vector<const char*> arguments, const std::vector<OptionRow>& rows)
-    : GenConfig(static_cast<int>(arguments.size()), arguments.data()), rows_(rows) {
-    for (const auto& [name, shortName, argument, help, defaultValue] : rows) {
-        const bool takesArgument = *argument != '\0';
-        optionMap_[name] = {shortName, argument, false, takesArgument, help, defaultValue};
-    }
+UsageError wrongOption(const std::string& option, const std::invalid_argument& error,
+                       const std::string& value) {
+    const bool namesForm = dynamic_cast<const WrongValue*>(&error) != nullptr;
+    const std::string problem = namesForm ? "\"" + printable(value) + "\" is not " : "";
+    return UsageError("option --" + option + ": " + problem + error.what());
+}
+
+OptionTable::OptionTable(std::vector<const char*> arguments, std::vector<OptionRow> rows)
+    : GenConfig(static_cast<int>(arguments.size()), arguments.data()), rows_(std::move(rows)) {
+    for (const auto& [name, letter, argument, help, defaultText] : rows_)
+        optionMap_[name] = {letter, argument, false, !argument.empty(), help, defaultText};
 }
 
 std::string OptionTable::bashCompletion(const std::string& program) const {
@@ -37,8 +46,8 @@ std::string OptionTable::bashCompletion(const std::string& program) const {
     std::string options;
     std::string cases;
     for (const OptionRow& row : rows_) {
-        options += (options.empty() ? "--" : " --") + std::string(row.name);
-        if (*row.argument != '\0')
+        options += (options.empty() ? "--" : " --") + row.name;
+        if (!row.argument.empty())
             cases += "        " + patternOf(row) + ") " + completionOf(row.argument) + " ;;\n";
     }
     return "# bash completion for " + program + ", made by " + program + " --bash-completion\n" +

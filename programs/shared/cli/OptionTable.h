@@ -1,26 +1,35 @@
-/// A program's options as a table, from which the parser and the help are made.
+/// A program's options as a table, from which parser, help and completion are made.
 #ifndef ZARN_PROGRAMS_OPTIONTABLE_H
 #define ZARN_PROGRAMS_OPTIONTABLE_H
 
 #include <zarnsys/util/GenConfig.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "shared/cli/UsageError.h"
+
 /// One option; without an argument it is a flag.
 struct OptionRow {
-    const char* name;
-    char shortName;  ///< GenConfig::NO_SHORT_NAME: none
-    const char* argument;
-    const char* help;
-    const char* defaultValue;
+    std::string name;
+    char letter;  ///< GenConfig::NO_SHORT_NAME: none
+    std::string argument;
+    std::string help;
+    std::string defaultText;  ///< for the help; empty: none is shown
 };
 
+/// What is wrong with an option's value.
+///
+/// @param error  a WrongValue, which says what the value must be, or a text that quotes the value
+UsageError wrongOption(const std::string& option, const std::invalid_argument& error,
+                       const std::string& value);
+
+/// Parser, help and completion of a table of options.
 class OptionTable : public GenConfig {
 public:
     /// @param arguments  the process's arguments, its name first
-    /// @param rows       the program's options, which must outlive the object
-    OptionTable(std::vector<const char*> arguments, const std::vector<OptionRow>& rows);
+    OptionTable(std::vector<const char*> arguments, std::vector<OptionRow> rows);
 
     /// What bash needs to complete the program's options, and those of their values that are a
     /// choice of words ("table|csv|json"), a directory ("DIR") or a file ("FILE").
@@ -32,11 +41,8 @@ protected:
     /// The values of an option, one per occurrence.
     const ValueVect& values(const std::string& option) const;
 
-    /// The last value of an option that was given.
-    const std::string& value(const std::string& option) const { return values(option).back(); }
-
 private:
-    const std::vector<OptionRow>& rows_;
+    std::vector<OptionRow> rows_;
 };
 
 #endif  // ZARN_PROGRAMS_OPTIONTABLE_H

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "shared/cli/Printable.h"
+#include "shared/cli/Value.h"
 
 namespace {
 
@@ -17,12 +18,6 @@ constexpr double PARTS = 60.0;  // minutes to the first unit, seconds to the min
 
 [[noreturn]] void fail(const std::string& text, const std::string& problem) {
     throw std::invalid_argument("\"" + printable(text) + "\" " + problem);
-}
-
-std::string shown(double number) {
-    std::ostringstream text;
-    text << number;
-    return text.str();
 }
 
 double decimal(const std::string& text, const std::string& whole) {
@@ -65,14 +60,14 @@ double sexagesimal(const std::string& text, const std::string& whole) {
 double parseNumber(const std::string& text, double least, double most) {
     const double number = decimal(text, text);
     if (number < least || number > most)
-        fail(text, "is not from " + shown(least) + " to " + shown(most));
+        fail(text, "is not from " + shortest(least) + " to " + shortest(most));
     return number;
 }
 
 double parseAngle(const std::string& text, double most, const std::string& whole) {
     if (text.find_first_of("+-") == 0) fail(whole, "must have no sign");
     const double angle = isSexagesimal(text) ? sexagesimal(text, whole) : decimal(text, whole);
-    if (angle > most) fail(whole, "is beyond " + shown(most));
+    if (angle > most) fail(whole, "is beyond " + shortest(most));
     return angle;
 }
 

@@ -2,29 +2,14 @@
 
 #include <zarnsys/util/StringUtils.h>
 
-#include <iterator>
-#include <stdexcept>
-
-#include "shared/cli/Printable.h"
-
-namespace {
-
-// In the order of the enumeration.
-constexpr const char* NAMES[] = {"OLAN", "VEK1", "VEK2", "VEK3", "VEK4"};
-
-}  // namespace
+#include "shared/cli/Value.h"
 
 Telescope telescopeOf(const std::string& name) {
-    for (std::size_t i = 0; i < std::size(NAMES); ++i) {
-        if (ZarnSys::lower(name) == ZarnSys::lower(NAMES[i])) return static_cast<Telescope>(i);
+    const std::vector<std::string> names = wordsOf(TELESCOPES);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (ZarnSys::lower(name) == ZarnSys::lower(names[i])) return static_cast<Telescope>(i);
     }
-    throw std::invalid_argument("\"" + printable(name) + "\" is none of " + telescopeNames());
+    throw WrongValue(alternatives(TELESCOPES));
 }
 
-std::string telescopeName(Telescope telescope) { return NAMES[telescope]; }
-
-std::string telescopeNames() {
-    std::string names;
-    for (const char* name : NAMES) names += (names.empty() ? "" : ", ") + std::string(name);
-    return names;
-}
+std::string telescopeName(Telescope telescope) { return wordsOf(TELESCOPES)[telescope]; }

@@ -6,15 +6,15 @@
 
 #include <string>
 
-/// The telescope of a name, in whatever case.
+/// All names, as a choice, in the order of the library's enumeration.
+inline constexpr char TELESCOPES[] = "OLAN|VEK1|VEK2|VEK3|VEK4";
+
+/// The telescope of a name, in upper or lower case.
 ///
-/// @throw std::invalid_argument  with a text that holds the names, for any other name
+/// @throw WrongValue  listing the names, for any other name
 Telescope telescopeOf(const std::string& name);
 
 /// The name of a telescope, in upper case.
 std::string telescopeName(Telescope telescope);
-
-/// All names, as a message lists them.
-std::string telescopeNames();
 
 #endif  // ZARN_PROGRAMS_TELESCOPES_H

@@ -9,7 +9,7 @@
 inline ConversionOptions conversionOf(const Settings& settings) {
     const bool service = settings.isService();
     ConversionOptions options;
-    options.overwrite = settings.overwrite;
+    options.overwrite = settings.force;
     options.dryRun = settings.dryRun;
     options.checksum = settings.checksum;
     options.resume = settings.resume || service;

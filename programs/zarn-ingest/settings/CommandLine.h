@@ -2,14 +2,13 @@
 #ifndef ZARN_INGEST_COMMANDLINE_H
 #define ZARN_INGEST_COMMANDLINE_H
 
-#include <string>
 #include <vector>
 
-#include "shared/cli/OptionTable.h"
+#include "shared/cli/SettingTable.h"
 #include "zarn-ingest/settings/Settings.h"
 
 /// Parser and help.
-class CommandLine : public OptionTable {
+class CommandLine : public SettingsParser<Settings> {
 public:
     /// @param arguments  the process's arguments, its name first
     explicit CommandLine(std::vector<const char*> arguments);
@@ -24,7 +23,6 @@ public:
     void displayFullHelp() const;
 
 private:
-    std::string nameOption(const std::string& option) const;
     void applyOptions(Settings& settings) const;
 };
 

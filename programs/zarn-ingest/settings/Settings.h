@@ -22,12 +22,12 @@ struct Settings {
 
     // What becomes of them.
     std::string outputDir = ".";
-    bool overwrite = false;
+    bool force = false;  ///< replace existing results
     bool checksum = false;
     bool strict = false;       ///< refuse headers that need a repair
     bool primaryOnly = false;  ///< of each text the first header alone
     std::string report;        ///< file of one JSON line per input; empty: none
-    bool resume = false;  ///< a result that is there already from the same text is one
+    bool resume = false;       ///< a result that is there already from the same text is one
     bool dryRun = false;
     std::optional<Telescope> moon;  ///< for which the moon's values are added
     std::string journalDir;         ///< where each file is told of; empty: nowhere

@@ -1,10 +1,9 @@
 #include "zarn-ingest/settings/Shard.h"
 
 #include <charconv>
-#include <stdexcept>
 #include <system_error>
 
-#include "shared/cli/Printable.h"
+#include "shared/cli/Value.h"
 
 namespace {
 
@@ -25,7 +24,7 @@ Shard shardOf(const std::string& text) {
     const bool divided = slash != std::string::npos;
     if (!divided || !isNumber(text.substr(slash + 1), MOST, shard.count) ||
         !isNumber(text.substr(0, slash), shard.count, shard.index))
-        throw std::invalid_argument("\"" + printable(text) + "\" is not " + SHARD_FORM);
+        throw WrongValue(SHARD_FORM);
     return shard;
 }
 

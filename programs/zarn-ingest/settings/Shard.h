@@ -20,7 +20,7 @@ struct Shard {
     bool holds(std::size_t position) const { return position % count == index - 1; }
 };
 
-/// @throw std::invalid_argument  for a text of another form, digits and a slash alone allowed
+/// @throw WrongValue  for a text of another form, digits and a slash alone allowed
 Shard shardOf(const std::string& text);
 
 std::string shardText(const Shard& shard);

@@ -57,7 +57,7 @@ Json targetOf(const Report& report, std::size_t i) {
     Json target = {{"name", name},
                    {"ra_deg", onCircle(place.ra, FRACTION, 360.0)},
                    {"dec_deg", rounded(place.dec, FRACTION)},
-                   {"equinox", report.settings.equinoxOfDate ? "date" : "J2000"}};
+                   {"equinox", report.settings.equinox == Equinox::OF_DATE ? "date" : "J2000"}};
     if (report.windows.empty()) return target;
     const Window& window = report.windows[i];
     const bool none = window.begin == window.end;

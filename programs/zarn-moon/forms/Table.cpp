@@ -147,7 +147,7 @@ std::string targetTitle(const Settings& settings, const Target& target) {
     const std::string place =
         fixedOnCircle(target.place.ra, 4, 360.0) + " " + fixed(target.place.dec, 4);
     return "Target " + printable(target.name) + ": " + place + " degrees, equinox " +
-           (settings.equinoxOfDate ? "of date" : "J2000");
+           (settings.equinox == Equinox::OF_DATE ? "of date" : "J2000");
 }
 
 std::string phasesText(const Report& report) {

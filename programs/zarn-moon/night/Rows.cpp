@@ -64,8 +64,9 @@ Row rowOf(const Site& site, const MoonGrid& moon, std::size_t i, double mjd) {
 std::vector<MoonTarget> placesOfDate(const Settings& settings, double mjd) {
     std::vector<MoonTarget> places;
     for (const Target& target : settings.targets) {
-        const Position place =
-            settings.equinoxOfDate ? target.place : precessed(target.place, J2000_EPOCH, mjd);
+        const Position place = settings.equinox == Equinox::OF_DATE
+                                   ? target.place
+                                   : precessed(target.place, J2000_EPOCH, mjd);
         places.push_back({place.ra, place.dec});
     }
     return places;

@@ -4,11 +4,11 @@
 
 #include <vector>
 
-#include "shared/cli/OptionTable.h"
+#include "shared/cli/SettingTable.h"
 #include "zarn-moon/settings/Settings.h"
 
 /// Parser and help.
-class CommandLine : public OptionTable {
+class CommandLine : public SettingsParser<Settings> {
 public:
     /// @param arguments  the process's arguments, its name first
     explicit CommandLine(std::vector<const char*> arguments);
@@ -25,12 +25,7 @@ public:
     void displayFullHelp(const std::string& ruleOfWords) const;
 
 private:
-    void parseSite(Settings& settings) const;
-    void parseTargets(Settings& settings) const;
-    void parseTimes(Settings& settings, double now) const;
-    void parseResults(Settings& settings) const;
     void checkTogether() const;
-    double number(const char* option, double least, double most) const;
 };
 
 #endif  // ZARN_MOON_COMMANDLINE_H

@@ -13,12 +13,16 @@
 /// With more targets the lines of a picture cannot be told apart.
 constexpr std::size_t MOST_DRAWN_TARGETS = 12;
 
+/// Forms of the result, in the order of the option's words.
 enum class Format { TABLE, CSV, JSON };
+
+/// To which equinox the targets' positions refer, in the order of the option's words.
+enum class Equinox { J2000, OF_DATE };
 
 struct Settings {
     Site site = {};
     std::vector<Target> targets;
-    bool equinoxOfDate = false;  ///< the targets' places are of date, not of J2000
+    Equinox equinox = Equinox::J2000;
 
     double date = 0.0;          ///< 0 h of the day that the night begins on [MJD]
     std::optional<double> mjd;  ///< one instant instead of a night [d]

@@ -36,7 +36,7 @@ Site telescopeSite(const std::string& name) {
     return site;
 }
 
-Site placeSite(const std::string& text) {
+Site siteAt(const std::string& text) {
     constexpr double POLE = 90.0;
     constexpr double HALF_CIRCLE = 180.0;
     std::vector<std::string> words;

@@ -19,7 +19,7 @@ Site telescopeSite(const std::string& name);
 /// hemisphere's letter, as "42.5N 12.3E".
 ///
 /// @throw std::invalid_argument  with a text that says what is wrong
-Site placeSite(const std::string& text);
+Site siteAt(const std::string& text);
 
 /// Local mean noon of a day whose 0 h is `date` [MJD].
 double noonOf(const Site& site, double date);

@@ -1,0 +1,22 @@
+/// The form of a properties file, which ACE reads without a word about what it cannot take.
+#ifndef ZARN_INGEST_PROPERTIESFILE_H
+#define ZARN_INGEST_PROPERTIESFILE_H
+
+#include <set>
+#include <string>
+#include <utility>
+
+/// Pairs of section and key; of a section within another the path from the root, with slashes.
+using PropertyKeys = std::set<std::pair<std::string, std::string>>;
+
+/// Makes sure that ACE can read the whole file.
+///
+/// @throw UsageError  naming the file, and the line that ACE could not read
+void checkPropertiesFile(const std::string& fileName);
+
+/// Every key of a file, which `WexoProperties` cannot list: the file is read once more for it.
+///
+/// @throw UsageError  when ACE cannot read the file
+PropertyKeys keysIn(const std::string& fileName);
+
+#endif  // ZARN_INGEST_PROPERTIESFILE_H

@@ -1,0 +1,100 @@
+/// Every option of zarn-moon.
+///
+/// A new one is a row here, a member of Settings that its row names, and a paragraph in the manual.
+#ifndef ZARN_MOON_SETTINGTABLE_H
+#define ZARN_MOON_SETTINGTABLE_H
+
+#include <string>
+
+#include "shared/cli/SettingTable.h"
+#include "shared/sky/Telescopes.h"
+#include "zarn-moon/settings/Settings.h"
+
+/// The theories hold for some decades around 2000; these are where they must not be asked [MJD].
+inline constexpr double FIRST_MJD = 15385.0;  ///< 1901-01-01
+inline constexpr double LAST_MJD = 124592.0;  ///< 2199-12-31
+
+inline constexpr unsigned MOST_NIGHTS = 3700;       ///< ten years
+inline constexpr double LEAST_STEP = 0.1;           ///< [minutes]
+inline constexpr double MOST_STEP = 720.0;          ///< [minutes]
+inline constexpr double MOST_EXTINCTION = 10.0;     ///< [mag per airmass]
+inline constexpr double BRIGHTEST_DARK_SKY = 10.0;  ///< [V mag per square arc second]
+inline constexpr double DARKEST_SKY = 30.0;         ///< [V mag per square arc second]
+inline constexpr double ZENITH = 90.0;              ///< [deg]
+
+/// Readers of values that have a form of their own.
+void readTelescope(Settings& settings, const std::string& name);
+void readPlace(Settings& settings, const std::string& coordinates);
+void readDate(Settings& settings, const std::string& date);
+void readTarget(Settings& settings, const std::string& position);
+void readTargetFile(Settings& settings, const std::string& fileName);
+void readPlot(Settings& settings, const std::string& fileName);
+
+using MoonKinds = Kinds<Settings>;
+inline constexpr char NO_LETTER = GenConfig::NO_SHORT_NAME;
+inline constexpr const char* NO_SECTION = nullptr;  ///< zarn-moon has no properties file
+
+inline constexpr SettingRow<Settings> SETTINGS[] = {
+    // Where.
+    {"telescope", 'T', TELESCOPES, "Use the site of a telescope", MoonKinds::Own{readTelescope}},
+    {"place", 'p', "PLACE", "Latitude and longitude with their letters: \"42.5N 12.3E\"",
+     MoonKinds::Own{readPlace}},
+
+    // When.
+    {"date", 'd', "YYYY-MM-DD", "The night that begins on this date, from local mean noon to noon",
+     MoonKinds::Own{readDate}, NO_SECTION, "tonight"},
+    {"mjd", NO_LETTER, "X", "One instant, a Modified Julian Date, instead of a night",
+     MoonKinds::OptionalNumber{&Settings::mjd, FIRST_MJD, LAST_MJD}},
+    {"nights", NO_LETTER, "N", "One line per night for N nights",
+     MoonKinds::Whole{&Settings::nights, 1, MOST_NIGHTS}},
+    {"step", 's', "MINUTES", "Time between two rows of the night's table",
+     MoonKinds::Number{&Settings::step, LEAST_STEP, MOST_STEP}},
+
+    // What the observer looks at.
+    {"target", 't', "RA DEC",
+     "A position: \"83.82 -5.39\" or \"05:35:17.3 -05:23:28\"; may be repeated",
+     MoonKinds::Each{readTarget}},
+    {"targets", NO_LETTER, "FILE", "Read targets from FILE, one per line: name, RA, DEC",
+     MoonKinds::Each{readTargetFile}},
+    {"equinox", NO_LETTER, "J2000|date", "Equinox of the targets' positions",
+     choice<&Settings::equinox, Settings>()},
+    {"min-altitude", NO_LETTER, "DEG", "Mark each target's best window above this altitude",
+     MoonKinds::OptionalNumber{&Settings::minAltitude, 0.0, ZENITH}},
+
+    // The sky.
+    {"dark-sky", NO_LETTER, "V", "Sky brightness without moon [V mag per square arc second]",
+     MoonKinds::Number{&Settings::darkSky, BRIGHTEST_DARK_SKY, DARKEST_SKY}},
+    {"extinction", 'k', "X", "Extinction at the zenith [mag per airmass]",
+     MoonKinds::Number{&Settings::extinction, 0.0, MOST_EXTINCTION}},
+
+    // The result.
+    {"format", NO_LETTER, "table|csv|json", "Format of the result",
+     choice<&Settings::format, Settings>()},
+    {"local", NO_LETTER, "", "Also show local times, in the time zone TZ", &Settings::local},
+    {"output", 'o', "FILE", "Write the result to FILE, complete or not at all", &Settings::output,
+     NO_SECTION, "standard output"},
+    {"plot", NO_LETTER, "FILE", "Draw the night into FILE.png or FILE.svg, with gnuplot",
+     MoonKinds::Own{readPlot}},
+
+    {"help", 'h', "", "Show this help", &Settings::help},
+    {"version", 'V', "", "Show the version", &Settings::version},
+    {"bash-completion", NO_LETTER, "", "Write a completion script for bash",
+     &Settings::bashCompletion},
+};
+
+/// Options that exclude each other.
+inline constexpr const char* EXCLUSIONS[][2] = {
+    {"telescope", "place"},
+    {"date", "mjd"},
+    {"mjd", "nights"},
+    {"mjd", "plot"},
+    {"mjd", "step"},
+    {"mjd", "min-altitude"},
+    {"nights", "plot"},
+    {"nights", "target"},
+    {"nights", "targets"},
+    {"nights", "step"},
+    {"nights", "min-altitude"},
+};
+
+#endif  // ZARN_MOON_SETTINGTABLE_H
