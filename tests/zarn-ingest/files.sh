@@ -248,6 +248,19 @@ testVerbose() {
     check "no log line of the library" grep -qE '^[-0-9]+ [0-9:.]+ DEBUG \[ [0-9]+ \] Setting' err.txt
 }
 
+# On a terminal, work of more than a second shows how far it is, on one line that leaves no trace.
+testProgress() {
+    needsTracing || return
+    header a; header b; header c
+    command=(strace -f -o trace -e trace=fsync -e inject=fsync:delay_enter=600000 "$program" -r -o out a b c)
+    script -qec "${command[*]@Q}" terminal </dev/null >/dev/null
+    sed -E '/^Script|^$/d; s/[0-9]+\/s, 0:[0-9]{2} left/N left/g; s/ in [0-9.]+ s//; s/ {38}/_/g' terminal |
+        tr '\r' '|' >shown
+    check "the terminal" diff shown - <<<"zarn-ingest: 1/3 files, N left|_|\
+zarn-ingest: 2/3 files, N left|_|zarn-ingest: 3/3 files, N left|_|zarn-ingest: 3 converted, 0 failed|"
+    "${command[@]}" -f 2>err.txt; told <<<'zarn-ingest: 3 converted, 0 failed'
+}
+
 testSignals() {
     header a
     mkfifo names
