@@ -97,7 +97,7 @@ int main(int argc, char** argv) {
     CommandLine commandLine(argumentsOf("zarn-ingest", argc, argv));
     const int status = runReporting(commandLine);
     if (!std::cout.flush()) {
-        std::cerr << "zarn-ingest: standard output cannot be written\n";
+        std::cerr << "zarn-ingest: cannot write to standard output\n";
         return EXIT_SOME_FAILED;
     }
     return status;

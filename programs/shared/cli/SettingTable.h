@@ -71,7 +71,7 @@ struct SettingRow {
     const char* absent = "";        ///< what the help calls an empty default
 };
 
-/// The place of an enumeration, or of a bool, in the choice that its row's argument lists.
+/// An enumeration whose values have the order of the words in the row's argument.
 template <auto MEMBER, typename Settings>
 constexpr typename Kinds<Settings>::Choice choice() {
     using Value = std::remove_reference_t<decltype(std::declval<Settings&>().*MEMBER)>;

@@ -2,7 +2,6 @@
 
 #include <zarnsys/util/FileIO.h>
 
-#include <exception>
 #include <iostream>
 #include <string>
 
@@ -48,7 +47,7 @@ bool Batch::run() {
             converter_->leave(input);
         } else {
             const Outcome outcome = converter_->convert(input);
-            if (!tell(input, outcome)) return false;
+            if (!record(input, outcome)) return false;
             reporter_.done(input.name, outcome);
         }
     }
@@ -79,15 +78,11 @@ void Batch::openJournal() {
     journal_ = std::make_unique<Journal>(directory);
 }
 
-/// Tells of a file that is done with; false when the journal cannot be written: no file is to go
-/// untold.
-bool Batch::tell(const Input& input, const Outcome& outcome) {
+/// Adds an input that needs no other try to the journal, if there is one. False when that failed:
+/// then the batch ends, so that no file is left out of the journal.
+bool Batch::record(const Input& input, const Outcome& outcome) {
     if (!journal_ || !outcome.isFinal()) return true;
-    try {
-        journal_->add(input.name, outcome);
-    } catch (const std::exception& error) {
-        reporter_.error(error.what());
-        return false;
-    }
-    return true;
+    const std::string problem = journal_->tryAdd(input.name, outcome);
+    if (!problem.empty()) reporter_.error(problem);
+    return problem.empty();
 }

@@ -31,7 +31,7 @@ private:
     void openJournal();
     bool isOurs(const Input& input, std::size_t position) const;
     void begin(const std::vector<Input>& inputs);
-    bool tell(const Input& input, const Outcome& outcome);
+    bool record(const Input& input, const Outcome& outcome);
 
     const Settings& settings_;
     const StopSignals& signals_;

@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <stdexcept>
-#include <system_error>
 #include <utility>
 
+#include "shared/files/SystemError.h"
 #include "zarn-ingest/header/IngestError.h"
 
 namespace {
@@ -17,8 +17,7 @@ void lock(const Directory& directory) {
     if (::flock(directory.fd(), LOCK_EX | LOCK_NB) == 0) return;
     if (errno == EWOULDBLOCK)
         throw WorkStops("another zarn-ingest works in the directory " + directory.name());
-    throw WorkStops("directory " + directory.name() +
-                    " cannot be locked: " + std::generic_category().message(errno));
+    throw WorkStops("directory " + directory.name() + " cannot be locked: " + systemReason(errno));
 }
 
 bool sameFile(int left, int right) {

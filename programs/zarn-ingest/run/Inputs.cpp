@@ -11,6 +11,7 @@
 
 #include "shared/files/Pattern.h"
 #include "shared/files/Reading.h"
+#include "shared/files/SystemError.h"
 
 namespace {
 
@@ -18,7 +19,7 @@ namespace {
 std::string reasonForNothing(const std::string& argument) {
     struct stat status = {};
     if (::stat(argument.c_str(), &status) == -1 && errno != ENOENT)
-        return "cannot be read: " + std::generic_category().message(errno);
+        return "cannot be read: " + systemReason(errno);
     return "no such file, and no file matches it as a pattern";
 }
 

@@ -14,21 +14,17 @@
 #include <limits>
 #include <sstream>
 #include <stdexcept>
-#include <system_error>
 #include <unordered_set>
 
 #include "shared/cli/Printable.h"
 #include "shared/cli/Reason.h"
+#include "shared/files/SystemError.h"
 
 namespace {
 
 const char NAME_BEGIN[] = "/zarn-ingest-";
 const char NAME_END[] = ".journal";
 constexpr std::size_t DATE_LENGTH = 10;  // 2026-11-24, which begins the ISO form
-
-[[noreturn]] void fail(const std::string& what) {
-    throw std::system_error(errno, std::generic_category(), what);
-}
 
 std::string journalOf(const std::string& directory, const std::string& date) {
     return directory + NAME_BEGIN + date + NAME_END;
@@ -86,7 +82,7 @@ std::string recordIn(const std::string& line) {
 std::string identityOf(const std::string& source) {
     struct stat status = {};
     if (::lstat(source.c_str(), &status) != 0) {
-        if (!leadsNowhere(errno)) fail(source);
+        if (!leadsNowhere(errno)) throwSystemError(source);
         return "-";
     }
     std::ostringstream identity;
@@ -108,7 +104,7 @@ void Journal::recall(const std::vector<std::string>& sources) {
     for (const std::string& name : journalsIn(directory_)) {
         if (name < earliest) continue;
         std::ifstream journal(name);
-        if (!journal) fail("the journal " + name);
+        if (!journal) throwSystemError("the journal " + name);
         for (std::string line; std::getline(journal, line);) {
             const std::string record = recordIn(line);
             const std::string source = record.substr(0, record.find('\t'));
@@ -126,6 +122,15 @@ void Journal::add(const std::string& source, const Outcome& outcome) {
         append(record);
     } catch (const std::exception& error) {
         throw std::runtime_error("the journal in " + directory_ + ": " + reasonOf(error));
+    }
+}
+
+std::string Journal::tryAdd(const std::string& source, const Outcome& outcome) {
+    try {
+        add(source, outcome);
+        return "";
+    } catch (const std::exception& error) {
+        return error.what();
     }
 }
 

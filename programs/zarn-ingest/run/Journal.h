@@ -41,6 +41,11 @@ public:
     /// @throw std::runtime_error  when the line cannot be written; a torn one is mended at the next
     void add(const std::string& source, const Outcome& outcome);
 
+    /// The same without an exception.
+    ///
+    /// @return  why the line cannot be written; empty: it was
+    [[nodiscard]] std::string tryAdd(const std::string& source, const Outcome& outcome);
+
 private:
     void append(const std::string& record);
 

@@ -12,6 +12,7 @@
 
 #include "shared/files/Durable.h"
 #include "shared/files/Reading.h"
+#include "shared/files/SystemError.h"
 
 namespace {
 
@@ -19,12 +20,8 @@ const char NUMBER_BEGIN[] = ".~";
 const char NUMBER_END = '~';
 const char REASON_END[] = ".reason";
 
-[[noreturn]] void fail(const std::string& what) {
-    throw std::system_error(errno, std::generic_category(), what);
-}
-
-[[noreturn]] void failMove(const std::string& file, const std::string& directory) {
-    fail("cannot move " + file + " to " + directory);
+[[noreturn]] void throwCannotMove(const std::string& file, const std::string& directory) {
+    throwSystemError("cannot move " + file + " to " + directory);
 }
 
 std::string baseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
@@ -51,7 +48,8 @@ bool putReason(const std::string& fileName, const std::string& reason) {
     const Descriptor file(::open(fileName.c_str(), FLAGS, MODE));
     if (file.get() == -1 && (errno == EISDIR || errno == ELOOP || errno == ENXIO)) return false;
     struct stat status = {};
-    if (file.get() == -1 || ::fstat(file.get(), &status) != 0) fail("cannot write " + fileName);
+    if (file.get() == -1 || ::fstat(file.get(), &status) != 0)
+        throwSystemError("cannot write " + fileName);
     if (!S_ISREG(status.st_mode) || status.st_size > static_cast<off_t>(reason.size()))
         return false;
     const std::string existing = readFile(fileName);
@@ -61,7 +59,7 @@ bool putReason(const std::string& fileName, const std::string& reason) {
     } catch (const std::system_error& error) {
         throw std::system_error(error.code(), "cannot write " + fileName);
     }
-    if (::fsync(file.get()) != 0) fail(fileName + " cannot be made safe on disk");
+    if (::fsync(file.get()) != 0) throwSystemError(fileName + " cannot be made safe on disk");
     return true;
 }
 
@@ -79,7 +77,7 @@ std::string moveInto(const std::string& file, const std::string& directory) {
             syncMove(file, directory);
             return target;
         }
-        if (errno != EEXIST) failMove(file, directory);
+        if (errno != EEXIST) throwCannotMove(file, directory);
     }
 }
 
@@ -90,7 +88,7 @@ std::string moveWithReason(const std::string& file, const std::string& directory
         const std::string name = numbered(baseName(file), number);
         std::string target = folder + name;
         if (isTaken(target) || !putReason(folder + reasonName(name), reason)) continue;
-        if (!renameToNew(file, target)) failMove(file, directory);
+        if (!renameToNew(file, target)) throwCannotMove(file, directory);
         syncMove(file, directory);
         return target;
     }

@@ -11,11 +11,11 @@
 #include <filesystem>
 #include <set>
 #include <stdexcept>
-#include <system_error>
 #include <utility>
 
 #include "shared/cli/Reason.h"
 #include "shared/files/Durable.h"
+#include "shared/files/SystemError.h"
 #include "zarn-ingest/run/Conversion.h"
 #include "zarn-ingest/run/Moving.h"
 
@@ -27,8 +27,7 @@ using std::chrono::seconds;
 
 dev_t fileSystemOf(const std::string& directory) {
     struct stat status = {};
-    if (::stat(directory.c_str(), &status) != 0)
-        throw std::system_error(errno, std::generic_category(), "directory " + directory);
+    if (::stat(directory.c_str(), &status) != 0) throwSystemError("directory " + directory);
     return status.st_dev;
 }
 
@@ -53,8 +52,7 @@ Service::Service(const Settings& settings, const StopSignals& signals, Reporter&
         if (target.empty()) continue;
         FileIO(target, true, true).checkCreateDir(target);
         checkSameFileSystem(arrivals_.directory(), target);
-        if (::access(target.c_str(), W_OK | X_OK) != 0)
-            throw std::system_error(errno, std::generic_category(), "directory " + target);
+        if (::access(target.c_str(), W_OK | X_OK) != 0) throwSystemError("directory " + target);
         locked.push_back(target);
     }
     if (!settings.journalDir.empty()) {
@@ -113,8 +111,7 @@ void Service::putBackFailed() {
             ::unlink((file.parent_path() / reasonName(file.filename())).c_str());
         } else {
             reporter_.error(problemText(
-                file, 0,
-                "cannot be put back to " + target + ": " + std::generic_category().message(errno)));
+                file, 0, "cannot be put back to " + target + ": " + systemReason(errno)));
         }
     }
     syncToDisk(arrivals_.directory());
@@ -205,21 +202,18 @@ bool Service::handle(const Input& input) {
         troubles_.meet(problemText(input.name, 0, changed ? CHANGED : outcome.problem));
         return true;
     }
-    if (!tell(input, outcome)) return false;
+    if (!record(input, outcome)) return false;
     reporter_.done(input.name, outcome);
     move(input.name, outcome);
     return true;
 }
 
-bool Service::tell(const Input& input, const Outcome& outcome) {
+/// Adds a file that is done with to the journal, if there is one; false when that failed.
+bool Service::record(const Input& input, const Outcome& outcome) {
     if (!journal_) return true;
-    try {
-        journal_->add(input.name, outcome);
-    } catch (const std::exception& error) {
-        troubles_.meet(error.what());
-        return false;
-    }
-    return true;
+    const std::string problem = journal_->tryAdd(input.name, outcome);
+    if (!problem.empty()) troubles_.meet(problem);
+    return problem.empty();
 }
 
 /// Moves a source to where it belongs, or notes that it must be tried again.

@@ -58,7 +58,7 @@ private:
     std::vector<Input> nextBatch();
     bool hasRoom();
     bool handle(const Input& input);
-    bool tell(const Input& input, const Outcome& outcome);
+    bool record(const Input& input, const Outcome& outcome);
     void move(const std::string& source, const Outcome& outcome);
 
     const Settings& settings_;

@@ -10,7 +10,8 @@
 #include <csignal>
 #include <cstdint>
 #include <limits>
-#include <system_error>
+
+#include "shared/files/SystemError.h"
 
 namespace {
 
@@ -31,8 +32,7 @@ extern "C" void noteSignal(int signal) {
 
 int openWake() {
     const int fd = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
-    if (fd == -1)
-        throw std::system_error(errno, std::generic_category(), "no descriptor for signals");
+    if (fd == -1) throwSystemError("no descriptor for signals");
     return fd;
 }
 

@@ -17,7 +17,7 @@ namespace {
 constexpr double STEP = 4.0;  // between the points of a line [minutes]
 const char MOON_STYLE[] = "linewidth 3 linecolor rgb '#444444' dashtype 2";
 
-// From day to night.
+// The background, from day to night.
 constexpr struct {
     double sunAltitude;  // below this one
     const char* color;
@@ -29,10 +29,11 @@ constexpr struct {
     {ASTRONOMICAL_TWILIGHT, "#c0c9dd"},
 };
 
-// Told apart with any eyes: Okabe & Ito 2008.
+// Colours that colour-blind people tell apart, too: Okabe & Ito 2008.
 constexpr const char* COLORS[] = {"#0072b2", "#d55e00", "#009e73", "#cc79a7", "#56b4e9", "#e69f00"};
 
-/// How a target's line is drawn: the second six are dotted.
+/// The style of a target's line. There are six colours; from the seventh target on, lines are
+/// dotted.
 std::string styleOf(std::size_t target) {
     static_assert(MOST_DRAWN_TARGETS <= 2 * std::size(COLORS));
     const bool dotted = target >= std::size(COLORS);
@@ -44,14 +45,14 @@ bool isSvg(const Settings& settings) {
     return settings.plot.rfind(".svg") == settings.plot.size() - std::string(".svg").size();
 }
 
-/// A text as gnuplot reads it.
+/// A text as a quoted string for gnuplot.
 std::string quoted(const std::string& text) {
     std::string result = "'";
     for (const char c : printable(text)) result.append(c == '\'' ? 2 : 1, c);
     return result + "'";
 }
 
-/// Seconds since 1970, gnuplot's times.
+/// A time for gnuplot: seconds since 1970.
 std::string timeOf(double mjd) { return fixed((mjd - MJD_OF_EPOCH) * SECONDS_PER_DAY, 0); }
 
 /// The instants to draw: from half an hour before sunset to half an hour after sunrise.
@@ -98,7 +99,8 @@ std::string shades(const std::vector<Row>& rows) {
     return script.str();
 }
 
-/// Times, the moon's altitude, and altitude and sky brightness of every target; NaN leaves a gap.
+/// The data block: times, the moon's altitude, and each target's altitude and sky brightness. NaN
+/// leaves a gap in a curve.
 std::string data(const std::vector<Row>& rows) {
     std::ostringstream script;
     script << "$night << END\n";
@@ -112,10 +114,12 @@ std::string data(const std::vector<Row>& rows) {
     return script.str();
 }
 
+/// A curve of a plot command: a column of the data against time.
 std::string line(std::size_t column, const std::string& style, const std::string& title) {
     return "$night using 1:" + std::to_string(column) + " with lines " + style + " " + title;
 }
 
+/// The upper plot.
 std::string altitudes(const Settings& settings) {
     std::string script = "set ylabel 'altitude [degrees]'\nset yrange [0:90]\nset ytics 15\nplot " +
                          line(2, MOON_STYLE, "title 'moon'");
@@ -125,6 +129,7 @@ std::string altitudes(const Settings& settings) {
     return script + "\n";
 }
 
+/// The lower plot. Its scale is upside down, as magnitudes are: darker is lower.
 std::string brightness(const Settings& settings, const std::vector<Row>& rows) {
     constexpr double MARGIN = 0.3;  // [mag]
     double brightest = settings.darkSky - 1.0;
@@ -165,13 +170,14 @@ std::string scriptOf(const Settings& settings, const std::vector<Row>& rows,
 
 }  // namespace
 
-std::string drawNight(const Settings& settings) {
-    const Night night = makeNight(settings.site, settings.date);
-    const std::vector<MoonTarget> places =
-        placesOfDate(settings, night.minutes[night.minutes.size() / 2]);
-    const std::vector<Row> rows = makeRows(settings, instantsToDraw(night), places, {});
-    std::string picture = runGnuplot(scriptOf(settings, rows, summaryOf(night)));
+std::string drawNight(const Report& report) {
+    const Settings& settings = report.settings;
+    const Night& night = *report.night;
+    const std::vector<MoonTarget> positions =
+        positionsOfDate(settings, night.minutes[night.minutes.size() / 2]);
+    const std::vector<Row> rows = makeRows(settings, instantsToDraw(night), positions, {});
+    std::string picture = runGnuplot(scriptOf(settings, rows, report.nights.front().summary));
     const bool whole = picture.find(isSvg(settings) ? "</svg>" : "IEND") != std::string::npos;
-    if (!whole) throw std::runtime_error("gnuplot drew no whole picture");
+    if (!whole) throw std::runtime_error("gnuplot did not draw the whole picture");
     return picture;
 }

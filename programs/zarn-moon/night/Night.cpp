@@ -10,10 +10,8 @@
 
 namespace {
 
-constexpr double MINUTES_PER_HOUR = 60.0;
-
-/// When values that belong to the minutes cross 0, upwards or downwards: on the line between the
-/// two minutes, which is right to a fraction of a second.
+/// The times at which values, one for each minute, cross 0 upwards or downwards. Between two
+/// minutes they are taken as linear, which is right to a fraction of a second.
 std::vector<double> crossings(const Night& night, const std::vector<double>& values, bool upwards) {
     std::vector<double> times;
     for (std::size_t i = 1; i < values.size(); ++i) {
@@ -27,17 +25,18 @@ std::vector<double> crossings(const Night& night, const std::vector<double>& val
     return times;
 }
 
+/// Altitudes counted from a level, so that it becomes their zero.
 std::vector<double> above(const std::vector<double>& altitudes, double level) {
     std::vector<double> result(altitudes);
     for (double& altitude : result) altitude -= level;
     return result;
 }
 
-/// How far west the moon is: negative before its upper transit, positive after it.
+/// How far west of the meridian the moon is: negative before its upper transit, positive after it.
 std::vector<double> westOfMeridian(const MoonGrid& moon) {
     std::vector<double> result(moon.moonaz);
     for (std::size_t i = 0; i < result.size(); ++i) {
-        // Times the cosine of the altitude: near the zenith the azimuth alone would jump.
+        // The factor of the altitude: near the zenith, the azimuth alone would jump.
         result[i] =
             -std::sin(moon.moonaz[i] / DEG_PER_RAD) * std::cos(moon.moonalt[i] / DEG_PER_RAD);
     }
@@ -62,18 +61,19 @@ constexpr struct {
 
 constexpr const char* PHASES[] = {"new moon", "first quarter", "full moon", "last quarter"};
 
+/// The word that RULE_OF_WORDS gives for a night.
 std::string wordFor(const Summary& summary) {
-    constexpr double DARK = 0.25;
-    constexpr double BRIGHT = 0.65;
-    constexpr double HARDLY_UP = 0.1;
-    constexpr double MOSTLY_UP = 0.5;
+    constexpr double DARK = 0.25;      // illuminated fraction
+    constexpr double BRIGHT = 0.65;    // illuminated fraction
+    constexpr double HARDLY_UP = 0.1;  // of the astronomical night
+    constexpr double MOSTLY_UP = 0.5;  // of the astronomical night
     if (summary.astronomicalHours == 0.0) return "bright";
     const double up = 1.0 - summary.darkHours / summary.astronomicalHours;
     if (summary.illumination < DARK || up < HARDLY_UP) return "dark";
     return summary.illumination > BRIGHT && up > MOSTLY_UP ? "bright" : "grey";
 }
 
-/// The longest stretch of minutes that count.
+/// The longest stretch of consecutive minutes for which `counts` is true; of equal ones the first.
 Window longest(const Night& night, const std::vector<bool>& counts, bool moonDown) {
     Window best = {0.0, 0.0, moonDown};
     Window window = best;
@@ -87,11 +87,6 @@ Window longest(const Night& night, const std::vector<bool>& counts, bool moonDow
 }
 
 }  // namespace
-
-const char* const RULE_OF_WORDS =
-    R"(A night is dark when the moon is less than 25 % lit or up for less than a tenth
-of the time with the sun below -18 degrees; bright when it is more than 65 % lit
-and up for more than half of that time, or when there is no such time; else grey.)";
 
 double sunAltitude(double mjd, double lst, double latitude) {
     double ra = 0;
@@ -166,7 +161,7 @@ Window bestWindow(const Night& night, const MoonTarget& target, double leastAlti
         high.push_back(night.sunAltitudes[i] < ASTRONOMICAL_TWILIGHT && altitude >= leastAltitude);
         highWithoutMoon.push_back(high.back() && night.moon.moonalt[i] < HORIZON);
     }
-    constexpr double LEAST_WITHOUT_MOON = 1.0 / 24.0;  // [d]
+    constexpr double LEAST_WITHOUT_MOON = 1.0 / HOURS_PER_DAY;  // [d]
     const Window without = longest(night, highWithoutMoon, true);
     const Window any = longest(night, high, false);
     const bool same = without.begin == any.begin && without.end == any.end;
