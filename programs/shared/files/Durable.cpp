@@ -25,6 +25,6 @@ bool renameToNew(int fromDirectory, const std::string& from, int toDirectory,
 }
 
 void syncToDisk(const std::string& path) {
-    const Descriptor file(openForReading(path));
+    const Descriptor file = openForReading(path);
     if (::fsync(file.get()) != 0) throwSystemError(path + " cannot be made safe on disk");
 }

@@ -12,11 +12,10 @@ namespace {
 
 constexpr std::size_t CHUNK = 65536;  // bytes per read call
 
-/// A new descriptor of the file, for the caller to own.
-int openOrThrow(const std::string& fileName, int flags) {
-    const int fd = ::open(fileName.c_str(), flags);
-    if (fd == -1) throwSystemError();
-    return fd;
+Descriptor openOrThrow(const std::string& fileName, int flags) {
+    Descriptor file(::open(fileName.c_str(), flags));
+    if (file.get() == -1) throwSystemError();
+    return file;
 }
 
 std::string readAll(const Descriptor& file) {
@@ -34,7 +33,7 @@ Descriptor::~Descriptor() {
 
 std::string descriptorPath(int fd) { return "/proc/self/fd/" + std::to_string(fd); }
 
-int openForReading(const std::string& fileName) {
+Descriptor openForReading(const std::string& fileName) {
     return openOrThrow(fileName, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
 }
 
@@ -47,12 +46,10 @@ bool readChunk(int fd, std::string& bytes) {
     return count > 0;
 }
 
-std::string readFile(const std::string& fileName) {
-    return readAll(Descriptor(openForReading(fileName)));
-}
+std::string readFile(const std::string& fileName) { return readAll(openForReading(fileName)); }
 
 std::string readFileOrPipe(const std::string& fileName) {
-    return readAll(Descriptor(openOrThrow(fileName, O_RDONLY | O_CLOEXEC | O_NOCTTY)));
+    return readAll(openOrThrow(fileName, O_RDONLY | O_CLOEXEC | O_NOCTTY));
 }
 
 void writeAll(int fd, const std::string& bytes) {

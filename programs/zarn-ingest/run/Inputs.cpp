@@ -72,7 +72,7 @@ std::vector<Input> collectInputs(const Settings& settings, const StopSignals& si
     std::vector<Input> inputs;
     for (const std::string& argument : settings.arguments) addArgument(argument, inputs);
     for (const std::string& list : settings.lists) {
-        const auto read = [&] { return readList(Descriptor(openForReading(list)).get(), signals); };
+        const auto read = [&] { return readList(openForReading(list).get(), signals); };
         addList(list, separator, read, inputs);
     }
     if (settings.standardInput) {

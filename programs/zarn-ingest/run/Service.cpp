@@ -1,42 +1,20 @@
 #include "zarn-ingest/run/Service.h"
 
-#include <fnmatch.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/Utils.h>
 
-#include <algorithm>
-#include <cerrno>
-#include <filesystem>
-#include <set>
-#include <stdexcept>
 #include <utility>
 
 #include "shared/cli/Reason.h"
-#include "shared/files/Durable.h"
-#include "shared/files/SystemError.h"
 #include "zarn-ingest/run/Conversion.h"
 #include "zarn-ingest/run/Moving.h"
+#include "zarn-ingest/run/ServiceDirectories.h"
 
 namespace {
 
 const std::string CHANGED = "changed while it was converted; it is looked at again";
 
 using std::chrono::seconds;
-
-dev_t fileSystemOf(const std::string& directory) {
-    struct stat status = {};
-    if (::stat(directory.c_str(), &status) != 0) throwSystemError("directory " + directory);
-    return status.st_dev;
-}
-
-/// A move within a file system is one step; between two it could leave half a file.
-void checkSameFileSystem(const std::string& from, const std::string& to) {
-    if (fileSystemOf(from) != fileSystemOf(to))
-        throw std::runtime_error("the directories " + from + " and " + to +
-                                 " must be on one file system");
-}
 
 }  // namespace
 
@@ -47,26 +25,14 @@ Service::Service(const Settings& settings, const StopSignals& signals, Reporter&
       troubles_(reporter),
       arrivals_(settings.pattern, seconds(settings.settleTime)),
       output_(settings.outputDir, OutputDirectory::Missing::CREATE) {
-    std::vector<std::string> locked = {arrivals_.directory(), settings.outputDir};
-    for (const std::string& target : {settings.doneDir, settings.failedDir}) {
-        if (target.empty()) continue;
-        FileIO(target, true, true).checkCreateDir(target);
-        checkSameFileSystem(arrivals_.directory(), target);
-        if (::access(target.c_str(), W_OK | X_OK) != 0) throwSystemError("directory " + target);
-        locked.push_back(target);
-    }
-    if (!settings.journalDir.empty()) {
-        FileIO(settings.journalDir, true, true).checkCreateDir(settings.journalDir);
-        locked.push_back(settings.journalDir);
-    }
-    locks_ = std::make_unique<DirectoryLocks>(locked);
+    locks_ = std::make_unique<DirectoryLocks>(prepareDirectories(settings));
     converter_ = std::make_unique<Converter>(conversionOf(settings), output_);
     if (!settings.journalDir.empty()) journal_ = std::make_unique<Journal>(settings.journalDir);
 }
 
 bool Service::awaitIncoming(const Settings& settings, const StopSignals& signals,
                             Reporter& reporter) {
-    FileIO directory(FileIO(settings.pattern, true, false).getPath(), true, false);
+    FileIO directory(incomingDirectory(settings), true, false);
     Troubles troubles(reporter);
     while (settings.watch && !directory.exists()) {
         troubles.meet("directory " + directory.getCompleteName() + ": No such file or directory");
@@ -78,7 +44,7 @@ bool Service::awaitIncoming(const Settings& settings, const StopSignals& signals
 }
 
 bool Service::run() {
-    if (settings_.retryFailed) putBackFailed();
+    if (settings_.retryFailed) putBackFailed(settings_, reporter_);
     if (settings_.watch) {
         do {
             look();
@@ -95,27 +61,6 @@ bool Service::run() {
     if (left > 0)
         reporter_.info(std::to_string(left) + " files are left: someone was still writing them");
     return whole && left_ == 0;
-}
-
-/// Puts back what failed and would be taken again, each name once: numbered ones need further runs.
-void Service::putBackFailed() {
-    const std::string pattern = FileIO(settings_.pattern, true, false).getBaseName();
-    std::set<std::filesystem::path> files;
-    for (const auto& entry : std::filesystem::directory_iterator(settings_.failedDir))
-        if (!entry.is_directory() && !isReason(entry.path().filename())) files.insert(entry.path());
-    for (const std::filesystem::path& file : files) {
-        const std::string name = withoutNumber(file.filename());
-        if (::fnmatch(pattern.c_str(), name.c_str(), FNM_PERIOD) != 0) continue;
-        const std::string target = arrivals_.directory() + "/" + name;
-        if (renameToNew(file, target)) {
-            ::unlink((file.parent_path() / reasonName(file.filename())).c_str());
-        } else {
-            reporter_.error(problemText(
-                file, 0, "cannot be put back to " + target + ": " + systemReason(errno)));
-        }
-    }
-    syncToDisk(arrivals_.directory());
-    syncToDisk(settings_.failedDir);
 }
 
 /// Does what has settled; false when something is left to do for another look.

@@ -51,7 +51,6 @@ private:
         Outcome outcome;
     };
 
-    void putBackFailed();
     bool look();
     bool doSettled();
     void keepDirectories();

@@ -1,11 +1,10 @@
-#include <algorithm>
 #include <cmath>
 #include <iomanip>
 #include <sstream>
-#include <utility>
 
 #include "shared/cli/Printable.h"
 #include "shared/sky/Calendar.h"
+#include "zarn-moon/forms/Columns.h"
 #include "zarn-moon/forms/Report.h"
 #include "zarn-moon/forms/Texts.h"
 
@@ -47,33 +46,6 @@ std::string percent(double fraction) {
     constexpr double HUNDRED = 100.0;
     return fixed(HUNDRED * fraction, 0) + " %";
 }
-
-/// Lines of columns, aligned to the right. Each column is as wide as its widest cell.
-class Columns {
-public:
-    void add(std::vector<std::string> cells) {
-        widths_.resize(cells.size());
-        for (std::size_t i = 0; i < cells.size(); ++i)
-            widths_[i] = std::max(widths_[i], cells[i].size());
-        lines_.push_back(std::move(cells));
-    }
-
-    std::string text() const {
-        std::string text;
-        for (const auto& cells : lines_) {
-            std::ostringstream line;
-            for (std::size_t i = 0; i < cells.size(); ++i)
-                line << std::setw(static_cast<int>(widths_[i]) + (i > 0 ? 2 : 0)) << cells[i];
-            const std::string filled = line.str();
-            text += filled.substr(0, filled.find_last_not_of(' ') + 1) + '\n';
-        }
-        return text;
-    }
-
-private:
-    std::vector<std::size_t> widths_;
-    std::vector<std::vector<std::string>> lines_;
-};
 
 /// The cells that begin a row: its time, and the local time if that is asked for.
 std::vector<std::string> timeCells(double mjd, const Settings& settings) {
