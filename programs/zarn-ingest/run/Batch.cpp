@@ -11,7 +11,7 @@
 
 namespace {
 
-/// A dry run has the service's pattern, too.
+/// The settings, with the service's pattern as the argument of a dry run without names.
 Settings withPattern(Settings settings) {
     if (settings.arguments.empty() && settings.dryRun && !settings.pattern.empty())
         settings.arguments = {settings.pattern};
@@ -54,12 +54,13 @@ bool Batch::run() {
     return true;
 }
 
-/// Whether an input belongs to the shard. What stands for no file belongs to each one: where a list
-/// or a directory cannot be seen, all shards but one would otherwise be empty, and call it success.
+/// Whether this run converts an input. One that stands for files which could not be listed belongs
+/// to every shard: otherwise all shards but one would be empty and report success.
 bool Batch::isOurs(const Input& input, std::size_t position) const {
     return !input.problem.empty() || settings_.shard.holds(position);
 }
 
+/// Announces the inputs to all who need to know them beforehand.
 void Batch::begin(const std::vector<Input>& inputs) {
     std::size_t ours = 0;
     for (std::size_t i = 0; i < inputs.size(); ++i) ours += isOurs(inputs[i], i) ? 1 : 0;
@@ -71,6 +72,7 @@ void Batch::begin(const std::vector<Input>& inputs) {
     reporter_.begin(ours);
 }
 
+/// Creates the journal's directory if it is missing, and keeps other runs out of it.
 void Batch::openJournal() {
     const std::string& directory = settings_.journalDir;
     FileIO(directory, true, true).checkCreateDir(directory);

@@ -26,22 +26,23 @@ const char REASON_END[] = ".reason";
 
 std::string baseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
-/// A name with a number that tells it from others; 0: without.
+/// A name with a number, cut where a file's name would be too long; 0: without number.
 std::string numbered(const std::string& name, unsigned number) {
     if (number == 0) return name;
     const std::string suffix = NUMBER_BEGIN + std::to_string(number) + NUMBER_END;
     return name.substr(0, NAME_MAX - suffix.size()) + suffix;
 }
 
-/// Makes a move safe on disk: first that the file is in its new place.
+/// Makes a move safe on disk. The new directory comes first: a crash may leave two names, never
+/// none.
 void syncMove(const std::string& file, const std::string& directory) {
     syncToDisk(directory);
     const std::string::size_type slash = file.rfind('/');
     syncToDisk(slash == std::string::npos ? "." : file.substr(0, slash + 1));
 }
 
-/// Writes a reason, safe on disk, or completes one torn by a crash; false when something else has
-/// the name.
+/// Writes a reason, safe on disk, or completes one that a crash cut short. False if something else
+/// has the name.
 bool putReason(const std::string& fileName, const std::string& reason) {
     constexpr mode_t MODE = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
     constexpr int FLAGS = O_RDWR | O_CREAT | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;

@@ -63,7 +63,7 @@ bool Service::run() {
     return whole && left_ == 0;
 }
 
-/// Does what has settled; false when something is left to do for another look.
+/// Does all that has settled. False if something is left for another look.
 bool Service::look() {
     bool whole = false;
     left_ = 0;
@@ -87,7 +87,7 @@ bool Service::doSettled() {
     return true;
 }
 
-/// Makes sure of locks on the directories that the names lead to now, and of a converter there.
+/// Locks the directories that have the names now, and makes a converter that works in them.
 void Service::keepDirectories() {
     for (const std::string& name : locks_->renew()) {
         reporter_.error("the directory " + name + " was replaced; this run works in the new one");
@@ -96,8 +96,8 @@ void Service::keepDirectories() {
     if (!converter_) converter_ = std::make_unique<Converter>(conversionOf(settings_), output_);
 }
 
-/// What has settled, without the sources that could not be moved away: these are moved now, if
-/// possible.
+/// The sources that have settled and are to be converted. Those that only could not be moved away
+/// are moved now, if possible.
 std::vector<Input> Service::nextBatch() {
     std::vector<Input> batch;
     const std::vector<std::string> settled = arrivals_.settled();
@@ -116,6 +116,7 @@ std::vector<Input> Service::nextBatch() {
     return batch;
 }
 
+/// Whether the output directory has the free space that the settings ask for.
 bool Service::hasRoom() {
     float total = 0;
     float available = 0;
@@ -125,12 +126,13 @@ bool Service::hasRoom() {
     troubles_.meet(known
                        ? "less than " + std::to_string(settings_.leastFree) + " MiB are free in " +
                              settings_.outputDir + "; no file is converted until there is room"
-                       : "the file system of " + settings_.outputDir + " is lost");
+                       : "the free space in " + settings_.outputDir + " cannot be determined");
     return false;
 }
 
-/// Converts a file, tells of it and moves it away; false when no file can be: the next look begins
-/// with it. A file that someone writes again is left for a later look.
+/// Converts a file, enters it in the journal and moves it away. False if no file can be converted
+/// at present: the next look begins with this one. A file that is being written again is left for
+/// later.
 bool Service::handle(const Input& input) {
     if (!arrivals_.isUnchanged(input.name)) {
         ++left_;
@@ -161,7 +163,7 @@ bool Service::record(const Input& input, const Outcome& outcome) {
     return problem.empty();
 }
 
-/// Moves a source to where it belongs, or notes that it must be tried again.
+/// Moves a source away, or notes that the next look must try again.
 void Service::move(const std::string& source, const Outcome& outcome) {
     const std::string& directory = outcome.converted() ? settings_.doneDir : settings_.failedDir;
     if (directory.empty()) return;
