@@ -95,7 +95,7 @@ double elongationInLongitude(double jdTT) {
     double latitude = 0;
     const double difference =
         longitudeOf(jdTT, seen.moon, &latitude) - longitudeOf(jdTT, seen.sun, &latitude);
-    return std::remainder(difference, 360.0);
+    return std::remainder(difference, FULL_CIRCLE);
 }
 
 TrueSky::TrueSky(double jd) {
@@ -143,7 +143,7 @@ double TrueSky::phaseAngle(Vector moon) const {
 bool agreesWithPublishedValues() {
     // ERFA's own test of eraMoon98.
     double moon[2][3];
-    eraMoon98(2400000.5, 43999.9, moon);
+    eraMoon98(JD_OF_MJD_0, 43999.9, moon);
     bool agrees = isNear("eraMoon98 x", moon[0][0], -0.2601295959971044180e-2, 1e-11);
     agrees = isNear("eraMoon98 z", moon[0][2], 0.2640794528229828909e-3, 1e-11) && agrees;
     // Meeus 1998, the moon of example 47.a without its nutation, and for example 25.b the sun's

@@ -6,8 +6,9 @@
 #ifndef ZARNSYS_BENCH_ALMANAC_H
 #define ZARNSYS_BENCH_ALMANAC_H
 
-constexpr double DEG_PER_RAD = 57.29577951308232;
-constexpr double HOUR_PER_RAD = DEG_PER_RAD / 15.0;
+#include "programs/shared/sky/Units.h"
+
+constexpr double HOUR_PER_RAD = DEG_PER_RAD / DEG_PER_HOUR;
 
 enum class Earth { SPHERE, ELLIPSOID };  // of the equatorial radius; WGS84
 

@@ -4,14 +4,13 @@
 
 #include <cmath>
 
+#include "programs/shared/sky/Units.h"
+
 namespace {
 
 constexpr double JD_1950 = 2433282.5;
 constexpr double JD_2100 = 2488069.5;
-constexpr double JD_OF_MJD_0 = 2400000.5;
-constexpr double DEG_PER_HOUR = 15.0;
 constexpr double ARC_SECOND = 1.0 / 3600.0;    // [deg]
-constexpr double FULL_TURN = 360.0;            // [deg]
 constexpr double HALF_DAY = 12.0;              // [h]
 constexpr double JD_STEP = 1.0 / (1UL << 31);  // [d], of a double near JD 2.4e6
 
@@ -26,7 +25,7 @@ struct Step {
 /// Of 0.1 to 1 arc second, in any direction.
 Step smallStep(Random& random) {
     const double length = random.between(0.1, 1.0) * ARC_SECOND;
-    const double direction = random.between(0.0, FULL_TURN);
+    const double direction = random.between(0.0, FULL_CIRCLE);
     return {length * sinDegrees(direction), length * cosDegrees(direction)};
 }
 
@@ -160,13 +159,13 @@ void onTheMoon(Inputs& in, Random& random) {
 void oppositeTheMoon(Inputs& in, Random& random) {
     onTheMoon(in, random);
     in[STAR_DEC] = -in[STAR_DEC];
-    in[STAR_RA] += FULL_TURN / 2.0;
+    in[STAR_RA] += FULL_CIRCLE / 2.0;
 }
 
 /// Puts the observer where the sidereal time is this [deg].
 void setSiderealTime(Inputs& in, double sidereal) {
     const double greenwich = lst(in[MJD] + JD_OF_MJD_0, 0.0) * DEG_PER_HOUR;
-    in[LONGITUDE] = std::remainder(greenwich - sidereal, FULL_TURN);
+    in[LONGITUDE] = std::remainder(greenwich - sidereal, FULL_CIRCLE);
 }
 
 void underTheMoon(Inputs& in, Random& random) {
@@ -288,11 +287,11 @@ Inputs randomInputs(Random& random) {
         in[dec] = std::asin(random.between(-1.0, 1.0)) / RAD_PER_DEG;
     in[LUNATION] = random.integer(620, 2470);  // of the same years
     in[QUARTER] = random.integer(0, 3);
-    for (const Input angle : {ALPHA, RHO}) in[angle] = random.between(0.0, FULL_TURN / 2.0);
+    for (const Input angle : {ALPHA, RHO}) in[angle] = random.between(0.0, FULL_CIRCLE / 2.0);
     in[KZEN] = random.between(0.05, 1.0);
     for (const Input altitude : {ALTMOON, ALT}) in[altitude] = random.between(-90.0, 90.0);
     in[MOONDIST] = random.between(55.0, 65.0);
-    in[STAR_RA] = random.between(0.0, FULL_TURN);
-    in[LONGITUDE] = random.between(-FULL_TURN / 2.0, FULL_TURN / 2.0);
+    in[STAR_RA] = random.between(0.0, FULL_CIRCLE);
+    in[LONGITUDE] = random.between(-FULL_CIRCLE / 2.0, FULL_CIRCLE / 2.0);
     return in;
 }

@@ -14,6 +14,7 @@
 
 #include "Almanac.h"
 #include "Statistics.h"
+#include "programs/shared/sky/Units.h"
 
 namespace {
 
@@ -21,9 +22,6 @@ constexpr unsigned long COUNT = 50000;
 constexpr std::uint64_t SEED = 3;
 constexpr double JD_2000 = 2451544.5;
 constexpr double JD_2050 = 2469807.5;
-constexpr double JD_OF_MJD_0 = 2400000.5;
-constexpr double DEG_PER_HOUR = 15.0;
-constexpr double MINUTES_PER_DAY = 1440.0;
 constexpr double AT_HORIZON = 3.0;  // altitudes where the moon counts as rising or setting [deg]
 
 /// An instant and a place, and a target there with the extinction for it.
@@ -250,7 +248,7 @@ double truePhase(double jd, int quarter) {
     double jdTT = jd + deltaT(jd);
     double ahead = 1.0;
     while (std::fabs(ahead) > CLOSE) {
-        ahead = std::remainder(elongationInLongitude(jdTT) - 90.0 * quarter, 360.0);
+        ahead = std::remainder(elongationInLongitude(jdTT) - 90.0 * quarter, FULL_CIRCLE);
         jdTT -= ahead / DEG_PER_DAY;
     }
     return jdTT - deltaT(jd);

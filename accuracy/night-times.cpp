@@ -17,12 +17,11 @@
 #include <vector>
 
 #include "Almanac.h"
+#include "shared/sky/Units.h"
 #include "zarn-moon/night/Night.h"
 
 namespace {
 
-constexpr double JD_OF_MJD_0 = 2400000.5;
-constexpr double MINUTES_PER_DAY = 1440.0;
 constexpr double GRAZING = 1.0;  // [deg]
 
 using Value = std::function<double(double)>;  // of an instant [MJD]
@@ -35,7 +34,7 @@ struct Crossings {
 };
 
 double root(const Value& value, double begin, double end) {
-    constexpr double SECOND = 1.0 / 86400.0;
+    constexpr double SECOND = 1.0 / SECONDS_PER_DAY;
     const bool rising = value(begin) < 0.0;
     while (end - begin > SECOND) {
         const double middle = (begin + end) / 2.0;
@@ -82,7 +81,7 @@ Value moonWest(const Observer& observer) {
     return [observer](double mjd) {
         const TrueSky sky(mjd + JD_OF_MJD_0);
         const SkyPlace moon = placeOf(sky.moonFor(observer, Earth::ELLIPSOID));
-        return std::remainder(sky.siderealTime(observer) - moon.ra, 24.0) * 15.0;
+        return std::remainder(sky.siderealTime(observer) - moon.ra, HOURS_PER_DAY) * DEG_PER_HOUR;
     };
 }
 

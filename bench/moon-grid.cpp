@@ -17,6 +17,8 @@
 #include <string>
 #include <vector>
 
+#include "programs/shared/sky/Units.h"
+
 namespace {
 
 constexpr double LONGITUDE = 67.4;  // [deg], west positive
@@ -41,9 +43,8 @@ struct Input {
 
 Input makeInput(const Shape& shape) {
     std::mt19937_64 random(1);
-    std::uniform_real_distribution<double> circle(0.0, 360.0);
+    std::uniform_real_distribution<double> circle(0.0, FULL_CIRCLE);
     std::uniform_real_distribution<double> sine(-1.0, 1.0);
-    constexpr double DEG_PER_RAD = 57.29577951308238;
     constexpr double FIRST = 60000.0;  // MJD
     constexpr double STEP = 0.01;      // [d]
     Input input;

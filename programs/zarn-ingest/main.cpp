@@ -33,6 +33,7 @@ Reporter::Level levelOf(const Settings& settings) {
     return settings.verbose ? Reporter::Level::VERBOSE : Reporter::Level::NORMAL;
 }
 
+/// Converts what the settings ask for, and gives the exit status.
 int work(const Settings& settings, const StopSignals& signals) {
     Reporter reporter(levelOf(settings));
     std::unique_ptr<RollingLog> log;
@@ -49,12 +50,14 @@ int work(const Settings& settings, const StopSignals& signals) {
         whole = Service(settings, signals, reporter).run();
     }
     reporter.summary(settings.dryRun ? "would be converted" : "converted", signals.received());
-    // A hang-up is no orderly end of a service: systemd starts it again, with its settings anew.
+    // A hang-up does not end a service for good: systemd starts it again, and it reads its settings
+    // anew.
     if (settings.watch && signals.received() != SIGHUP) return EXIT_SUCCESS;
     if (signals.received() != 0) return EXIT_SIGNAL + signals.received();
     return whole && !reporter.anyFailed() ? EXIT_SUCCESS : EXIT_SOME_FAILED;
 }
 
+/// Does what the command line asks for, and gives the exit status.
 int run(CommandLine& commandLine, const StopSignals& signals) {
     const Settings settings = commandLine.parse();
     if (settings.help) {
@@ -74,7 +77,7 @@ int run(CommandLine& commandLine, const StopSignals& signals) {
     return work(settings, signals);
 }
 
-/// Runs the program and reports what ends it as a whole.
+/// Runs the program, reports an error that ends it, and gives the exit status.
 int runReporting(CommandLine& commandLine) {
     try {
         const StopSignals signals;
@@ -97,7 +100,7 @@ int main(int argc, char** argv) {
     CommandLine commandLine(argumentsOf("zarn-ingest", argc, argv));
     const int status = runReporting(commandLine);
     if (!std::cout.flush()) {
-        std::cerr << "zarn-ingest: standard output cannot be written\n";
+        std::cerr << "zarn-ingest: cannot write to standard output\n";
         return EXIT_SOME_FAILED;
     }
     return status;

@@ -1,4 +1,4 @@
-/// zarn-moon: what the moon does to a night.
+/// zarn-moon: shows how the moon affects a night of observing.
 
 #include <zarnsys/util/ZarnSysEx.h>
 
@@ -19,12 +19,14 @@
 
 namespace {
 
+/// The present instant [MJD].
 double presentMjd() {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     return MJD_OF_EPOCH + std::chrono::duration<double>(now).count() / SECONDS_PER_DAY;
 }
 
-std::string formOf(const Report& report) {
+/// The report in the format that the settings ask for.
+std::string formatted(const Report& report) {
     switch (report.settings.format) {
         case Format::CSV:
             return csvOf(report);
@@ -36,6 +38,7 @@ std::string formOf(const Report& report) {
     return tableOf(report);
 }
 
+/// Does what the command line asks for. Results are computed before anything is written.
 void run(CommandLine& commandLine) {
     const Settings settings = commandLine.parse(presentMjd());
     if (settings.help) return commandLine.displayFullHelp(RULE_OF_WORDS);
@@ -47,8 +50,9 @@ void run(CommandLine& commandLine) {
         std::cout << commandLine.bashCompletion("zarn-moon");
         return;
     }
-    const std::string result = formOf(makeReport(settings));
-    const std::string picture = settings.plot.empty() ? "" : drawNight(settings);
+    const Report report = makeReport(settings);
+    const std::string result = formatted(report);
+    const std::string picture = settings.plot.empty() ? "" : drawNight(report);
     if (settings.output.empty()) {
         std::cout << result << std::flush;
     } else {
@@ -57,7 +61,7 @@ void run(CommandLine& commandLine) {
     if (!settings.plot.empty()) writeWhole(settings.plot, picture);
 }
 
-/// Runs the program and reports what ends it.
+/// Runs the program, reports an error that ends it, and gives the exit status.
 int runReporting(CommandLine& commandLine) {
     try {
         run(commandLine);
@@ -80,7 +84,7 @@ int main(int argc, char** argv) {
     CommandLine commandLine(argumentsOf("zarn-moon", argc, argv));
     const int status = runReporting(commandLine);
     if (!std::cout.flush()) {
-        std::cerr << "zarn-moon: standard output cannot be written\n";
+        std::cerr << "zarn-moon: cannot write to standard output\n";
         return EXIT_FAILURE;
     }
     return status;

@@ -81,7 +81,7 @@ testLocks() {
     mv journal gone; waitFor said 'directory journal: No such file'
     mkdir journal; arrive b.hdr; waitFor [ -e done/b.hdr ]
     "$program" -p p.ini -o fits2 2>err2.txt
-    check "locked again" grep -q 'another zarn-ingest works in the directory in' err2.txt
+    check "locked again" grep -q 'another zarn-ingest is using the directory in' err2.txt
     mv failed old; mv done failed; mv old done; arrive b2.hdr; waitFor [ -e done/b2.hdr ]
     mv in hidden; waitFor said 'directory in: No such file'
     mv hidden in; arrive c.hdr; waitFor [ -e done/c.hdr ]

@@ -83,7 +83,7 @@ testJournal() {
     exec 9>names
     waitFor grep -q ":$(stat -c %i journal) " /proc/locks
     run 1 -j journal -o out in/2.hdr
-    says 'another zarn-ingest works in the directory journal'
+    says 'another zarn-ingest is using the directory journal'
     echo in/2.hdr >&9; exec 9>&-
     ended 0 $!
     check "its line" [ "$(journalFields journal 3 | tail -n 1)" = in/2.hdr ]

@@ -89,7 +89,7 @@ testWatch() {
     check "not the whole file" grep -q 'COMMENT 6' fits/slow.fits
     "$program" -p p.ini -w -o fits2 2>err2.txt
     check "a second service" [ $? = 1 ]
-    check "its message" grep -q 'another zarn-ingest works in the directory in' err2.txt
+    check "its message" grep -q 'another zarn-ingest is using the directory in' err2.txt
     stop
     silent
     check "log" grep -q 'INFO .* in/a.hdr: gave fits/a.fits' log/l.log

@@ -89,9 +89,9 @@ testTargetsFromAFile() {
     "$timeout" 20 bash -c 'sleep 0.3; printf "#\na,1,2" >pipe' &
     run 0 -T OLAN --targets pipe --mjd 61000 --format csv
     wait
-    check "a pipe's target" [ "$(tail -n 1 out.txt | cut -d, -f 10-12)" = a,1.0000,2.0000 ]
+    check "a pipe's target" [ "$(tail -n 1 out.txt | cut -d, -f 10-12)" = a,1.00000,2.00000 ]
     : >empty.csv
-    complains 2 'option --targets: no target in empty.csv; see zarn-moon --help' -T OLAN --targets empty.csv
+    complains 2 'option --targets: there is no target in empty.csv; see zarn-moon --help' -T OLAN --targets empty.csv
     complains 2 'option --targets: a\x0Ab cannot be read: No such file or directory; see zarn-moon --help' \
         -T OLAN --targets $'a\nb'
     complains 2 'option --targets: . cannot be read: Is a directory; see zarn-moon --help' -T OLAN --targets .
@@ -142,9 +142,9 @@ testResultFiles() {
     check "a full disk keeps what was there" cmp kept.txt night.txt
     files err.txt kept.txt link.txt loop new.txt night.txt out.txt sub
     "$binary" -T OLAN >/dev/full 2>err.txt; check "full standard output" [ $? = 1 ]
-    says 'zarn-moon: standard output cannot be written'
+    says 'zarn-moon: cannot write to standard output'
     "$binary" -T OLAN >&- 2>err.txt; check "closed standard output" [ $? = 1 ]
-    says 'zarn-moon: standard output cannot be written'
+    says 'zarn-moon: cannot write to standard output'
     bounded -T OLAN -s 0.2 --format json 2>err.txt | head -n 1 >out.txt
     check "a reader that leaves" [ "${PIPESTATUS[0]}" = 1 ]
 }
@@ -200,9 +200,9 @@ testPlot() {
         PATH=$PWD/fake:$PATH complains 1 "gnuplot $reason" -T OLAN --plot n.png -o t.txt
     done <<'LINES'
 printf '\n  line 3: \033 \n4' >&2; exit 1|failed: line 3: \x1B 
-echo IEND; exit 3|failed: without a word
-printf '</svg>'|drew no whole picture
-kill -9 $$|was ended by signal 9
+echo IEND; exit 3|failed: no message
+printf '</svg>'|did not draw the whole picture
+kill -9 $$|was killed by signal 9
 LINES
     files empty err.txt fake out.txt
     fakeGnuplot 'cat >/dev/null; echo "$@ $(head -c 100000 /dev/zero | tr "\0" x) IEND"'

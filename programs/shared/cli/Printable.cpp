@@ -5,15 +5,16 @@
 
 namespace {
 
-constexpr unsigned char DELETE = 0x7F;  // the control character beyond the printable ones
-constexpr unsigned char CONTINUES = 0x80;
+constexpr unsigned char DELETE = 0x7F;     // the control character after the printable ones
+constexpr unsigned char CONTINUES = 0x80;  // first of the bytes after the first of a sequence
 
+/// The byte at an index; 0 after the end.
 unsigned char byteAt(const std::string& text, std::size_t at) {
     return at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
 }
 
-// The well-formed sequences of UTF-8 by their first byte: how many bytes follow, and which second
-// bytes do. Left out are those of control characters, U+0080 to U+009F.
+// The well-formed sequences of UTF-8 by their first byte: how many bytes follow, and the range of
+// the second byte. Control characters, U+0080 to U+009F, are left out.
 constexpr struct {
     unsigned char first, last;  // first byte
     unsigned char following;
@@ -24,7 +25,7 @@ constexpr struct {
     {0xF0, 0xF0, 3, 0x90, 0xBF}, {0xF1, 0xF3, 3, 0x80, 0xBF}, {0xF4, 0xF4, 3, 0x80, 0x8F},
 };
 
-/// How many bytes the printable character at a place has; 0: there is none.
+/// The number of bytes of the printable character at an index; 0 if none begins there.
 std::size_t printableAt(const std::string& text, std::size_t at) {
     const unsigned char first = byteAt(text, at);
     if (first < CONTINUES) return first >= ' ' && first != DELETE && first != '\\' ? 1 : 0;

@@ -4,8 +4,8 @@
 
 #include <string>
 
-/// `text` on one line: control characters, backslashes and what is no UTF-8 as \xHH, so that a name
-/// or a card can neither break a line nor be taken for another.
+/// `text` on one line. Control characters, backslashes and bytes that are not UTF-8 become \xHH: a
+/// name or a card can neither break the line nor look like another one.
 std::string printable(const std::string& text);
 
 #endif  // ZARN_PROGRAMS_PRINTABLE_H

@@ -7,24 +7,26 @@
 #include <vector>
 
 /// Exit statuses; 0 is success.
-constexpr int EXIT_SOME_FAILED = 1;
-constexpr int EXIT_WRONG_USAGE = 2;
-constexpr int EXIT_SIGNAL = 128;  ///< plus the signal's number
+inline constexpr int EXIT_SOME_FAILED = 1;
+inline constexpr int EXIT_WRONG_USAGE = 2;
+inline constexpr int EXIT_SIGNAL = 128;  ///< plus the signal's number
 
-/// The levels of log lines that are shown when nothing else is asked for.
+/// The levels of the log lines that are shown by default.
 extern const u_long ERROR_AND_ABOVE;
 
-/// Which of the process's log lines are shown.
+/// Sets the levels of the log lines that the process shows.
 void setPriorityMask(u_long mask);
 
-/// The process's arguments under the program's own name, whatever path it was started by.
+/// The process's arguments, with the program's own name instead of the path by which it was
+/// started. They point into `argv`.
 std::vector<const char*> argumentsOf(const char* program, int argc, char** argv);
 
-/// Makes a full pipe, disk or quota an error of the write concerned instead of the process's end.
+/// Lets a write to a closed pipe or beyond a file size limit fail with an error, instead of ending
+/// the process by a signal.
 void ignoreWriteSignals();
 
-/// Fills closed standard streams, so that no other file takes their place. Each is opened the wrong
-/// way round: using it still fails, as it would have.
+/// Fills closed standard streams, so that no other file gets their descriptors. Each is opened in
+/// the wrong direction: its use still fails, as it would have.
 void reserveStandardStreams();
 
 #endif  // ZARN_PROGRAMS_PROCESS_H

@@ -5,8 +5,8 @@
 #include <exception>
 #include <string>
 
-/// What an exception says. The library's own keeps its text where `std::exception::what` does not
-/// look.
+/// What an exception says. The library's own exception keeps its text where `std::exception::what`
+/// does not find it.
 std::string reasonOf(const std::exception& error);
 
 #endif  // ZARN_PROGRAMS_REASON_H

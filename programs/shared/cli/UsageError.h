@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-/// A command line, or a value that it leads to, that cannot be carried out; the text says why.
+/// A command line, or a file that it names, is wrong; the text says what is.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

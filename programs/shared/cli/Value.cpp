@@ -7,6 +7,12 @@
 #include <sstream>
 #include <system_error>
 
+#include "shared/cli/Printable.h"
+
+void refuseText(const std::string& text, const std::string& problem) {
+    throw std::invalid_argument("\"" + printable(text) + "\" " + problem);
+}
+
 std::vector<std::string> wordsOf(const std::string& choice) {
     std::vector<std::string> words;
     ZarnSys::split(choice, "|", words);

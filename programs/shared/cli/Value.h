@@ -13,6 +13,11 @@ public:
     using std::invalid_argument::invalid_argument;
 };
 
+/// Refuses a text for a problem that the message names after it.
+///
+/// @throw std::invalid_argument  '"text" problem', always
+[[noreturn]] void refuseText(const std::string& text, const std::string& problem);
+
 /// The words of a choice "table|csv|json".
 std::vector<std::string> wordsOf(const std::string& choice);
 

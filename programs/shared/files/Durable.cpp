@@ -5,9 +5,9 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <system_error>
 
 #include "shared/files/Reading.h"
+#include "shared/files/SystemError.h"
 
 bool renameToNew(const std::string& from, const std::string& to) {
     return renameToNew(AT_FDCWD, from, AT_FDCWD, to);
@@ -25,8 +25,6 @@ bool renameToNew(int fromDirectory, const std::string& from, int toDirectory,
 }
 
 void syncToDisk(const std::string& path) {
-    const Descriptor file(openForReading(path));
-    if (::fsync(file.get()) != 0)
-        throw std::system_error(errno, std::generic_category(),
-                                path + " cannot be made safe on disk");
+    const Descriptor file = openForReading(path);
+    if (::fsync(file.get()) != 0) throwSystemError(path + " cannot be made safe on disk");
 }

@@ -1,4 +1,4 @@
-/// What shows that a file was written to.
+/// Tells whether a file was changed or replaced.
 #ifndef ZARN_PROGRAMS_FILEVERSION_H
 #define ZARN_PROGRAMS_FILEVERSION_H
 
@@ -8,7 +8,8 @@
 #include <optional>
 #include <string>
 
-/// A file at one moment: another file of its name, or other content, shows in one of these.
+/// The state of a file at one moment. Another file of its name, or other content, differs in one of
+/// these.
 struct FileVersion {
     ino_t inode = 0;
     off_t size = 0;             ///< [bytes]
@@ -19,8 +20,8 @@ struct FileVersion {
     }
 };
 
-/// A regular file's version, through links; of a link that dangles its own; none of anything else,
-/// or with `errno` set when the name cannot be looked at.
+/// The version of a regular file, also through links, or of a dangling link itself. None for
+/// anything else, and, with `errno` set, if the system does not say.
 std::optional<FileVersion> versionOf(const std::string& name);
 
 #endif  // ZARN_PROGRAMS_FILEVERSION_H

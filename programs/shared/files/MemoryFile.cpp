@@ -3,8 +3,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <system_error>
+#include "shared/files/SystemError.h"
 
 namespace {
 
@@ -13,8 +12,7 @@ void rewind(const Descriptor& file) { ::lseek(file.get(), 0, SEEK_SET); }
 }  // namespace
 
 MemoryFile::MemoryFile(const std::string& content) : file_(::memfd_create("text", MFD_CLOEXEC)) {
-    if (file_.get() == -1)
-        throw std::system_error(errno, std::generic_category(), "no file in memory");
+    if (file_.get() == -1) throwSystemError("no file in memory");
     writeAll(file_.get(), content);
     rewind(file_);
 }

@@ -6,19 +6,21 @@
 
 #include "shared/files/Reading.h"
 
-/// Passes text to a library or a process that takes files only: neither side waits for the other,
-/// and nothing is left on disk.
+/// Passes text to and from a library or a process that knows only files: neither side waits for the
+/// other, and nothing is left on disk. Owns the file, which is gone when the object is.
 class MemoryFile {
 public:
-    /// @throw std::system_error  when there is no memory or no descriptor for it
+    /// @throw std::system_error  when memory or descriptors have run out
     explicit MemoryFile(const std::string& content = "");
 
+    /// The descriptor, which stays this object's.
     int fd() const { return file_.get(); }
 
     /// A path by which this process can open it while the object lives.
     std::string path() const { return descriptorPath(file_.get()); }
 
-    /// All of it, whoever wrote it. Other readers of the descriptor begin anew.
+    /// The whole content, whoever wrote it. Moves the position that all users of the descriptor
+    /// share.
     std::string content() const;
 
 private:

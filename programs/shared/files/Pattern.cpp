@@ -14,15 +14,16 @@
 
 namespace {
 
-// `glob` hands its callbacks no context: this is where they note what it would pass over.
+// `glob` gives its callbacks no context, so they note here what it would pass over in silence.
 thread_local std::vector<Unlisted> noted;
 
-/// A directory being listed.
+/// A directory that `glob` is listing. Owned by `glob` between openListing and closeListing.
 struct Listing {
     std::string name;
     DIR* stream;
 };
 
+/// Notes a directory with the error in `errno`.
 void note(const std::string& directory) {
     if (errno != ENOTDIR) noted.push_back({directory, {errno, std::generic_category()}});
 }
@@ -46,7 +47,7 @@ void closeListing(void* opened) {
     ::closedir(listing->stream);
 }
 
-/// Looks at a name, and notes the directory that does not let it be looked at.
+/// Reads the state of a name, and notes the directory if that is not allowed.
 int lookAt(int (*look)(const char*, struct stat*), const char* name, struct stat* status) {
     const int result = look(name, status);
     if (result == 0 || errno == ENOENT) return result;
@@ -68,7 +69,7 @@ public:
         glob_.gl_closedir = closeListing;
         glob_.gl_stat = statNoting;
         glob_.gl_lstat = lstatNoting;
-        // The result code says nothing that names and notes do not say.
+        // Names and notes say all that the result code does.
         static_cast<void>(::glob(pattern.c_str(), GLOB_NOSORT | GLOB_ALTDIRFUNC, nullptr, &glob_));
     }
     Expansion(const Expansion&) = delete;

@@ -12,17 +12,17 @@ struct Unlisted {
     std::error_code error;
 };
 
+/// The files that a pattern matches, and the directories that may hide more.
 struct Matches {
     std::vector<std::string> names;  ///< in alphabetical order
     std::vector<Unlisted> unlisted;
 };
 
-/// Expands a pattern as the shell does. The library's `FileIO::match` takes a directory that cannot
-/// be listed for an empty one; here it is told.
+/// Expands a pattern as the shell does. Unlike the library's `FileIO::match`, it does not take a
+/// directory that cannot be listed for an empty one.
 Matches matchesOf(const std::string& pattern);
 
-/// Whether a file of this name, there or not, would match a pattern whose directory has no
-/// wildcard.
+/// Whether a name matches a pattern whose directory has no wildcards; the file need not exist.
 bool matches(const std::string& pattern, const std::string& fileName);
 
 #endif  // ZARN_PROGRAMS_PATTERN_H

@@ -5,18 +5,17 @@
 
 #include <array>
 #include <cerrno>
-#include <system_error>
+
+#include "shared/files/SystemError.h"
 
 namespace {
 
 constexpr std::size_t CHUNK = 65536;  // bytes per read call
 
-[[noreturn]] void fail() { throw std::system_error(errno, std::generic_category()); }
-
-int openOrFail(const std::string& fileName, int flags) {
-    const int fd = ::open(fileName.c_str(), flags);
-    if (fd == -1) fail();
-    return fd;
+Descriptor openOrThrow(const std::string& fileName, int flags) {
+    Descriptor file(::open(fileName.c_str(), flags));
+    if (file.get() == -1) throwSystemError();
+    return file;
 }
 
 std::string readAll(const Descriptor& file) {
@@ -34,31 +33,29 @@ Descriptor::~Descriptor() {
 
 std::string descriptorPath(int fd) { return "/proc/self/fd/" + std::to_string(fd); }
 
-int openForReading(const std::string& fileName) {
-    return openOrFail(fileName, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+Descriptor openForReading(const std::string& fileName) {
+    return openOrThrow(fileName, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
 }
 
 bool readChunk(int fd, std::string& bytes) {
     std::array<char, CHUNK> chunk;
     const ssize_t count = ::read(fd, chunk.data(), chunk.size());
     if (count == -1 && (errno == EAGAIN || errno == EINTR)) return true;
-    if (count == -1) fail();
+    if (count == -1) throwSystemError();
     bytes.append(chunk.data(), static_cast<std::size_t>(count));
     return count > 0;
 }
 
-std::string readFile(const std::string& fileName) {
-    return readAll(Descriptor(openForReading(fileName)));
-}
+std::string readFile(const std::string& fileName) { return readAll(openForReading(fileName)); }
 
 std::string readFileOrPipe(const std::string& fileName) {
-    return readAll(Descriptor(openOrFail(fileName, O_RDONLY | O_CLOEXEC | O_NOCTTY)));
+    return readAll(openOrThrow(fileName, O_RDONLY | O_CLOEXEC | O_NOCTTY));
 }
 
 void writeAll(int fd, const std::string& bytes) {
     for (std::size_t done = 0; done < bytes.size();) {
         const ssize_t count = ::write(fd, bytes.data() + done, bytes.size() - done);
-        if (count == -1 && errno != EINTR) fail();
+        if (count == -1 && errno != EINTR) throwSystemError();
         if (count > 0) done += static_cast<std::size_t>(count);
     }
 }

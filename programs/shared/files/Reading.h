@@ -9,43 +9,44 @@
 #include <string>
 #include <utility>
 
-/// Owns a descriptor, which it closes at its end; -1 stands for none.
+/// Owns a file descriptor and closes it when destroyed. A move hands it on; -1 stands for none.
 class Descriptor {
 public:
     explicit Descriptor(int fd) : fd_(fd) {}
     Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
     Descriptor& operator=(Descriptor&& other) noexcept {
-        std::swap(fd_, other.fd_);
+        std::swap(fd_, other.fd_);  // the other one closes what was held here
         return *this;
     }
     ~Descriptor();
 
+    /// The descriptor itself, for a system call. It stays this object's.
     int get() const { return fd_; }
 
 private:
     int fd_;
 };
 
-/// A path that leads to what a descriptor of this process is open for, whatever its name is by now.
-/// It holds no character to which CFITSIO or a shell gives a meaning.
+/// A path to the file that a descriptor of this process has open, whatever its name is by now. It
+/// has no characters with a special meaning to CFITSIO or a shell.
 std::string descriptorPath(int fd);
 
-/// Opens a file for reading, a pipe without waiting for its writer.
+/// Opens a file for reading. It does not wait for the writer of a pipe.
 ///
 /// @throw std::system_error  when it cannot be opened
-int openForReading(const std::string& fileName);
+Descriptor openForReading(const std::string& fileName);
 
-/// Appends what one read call gives, which can be nothing yet; false at the end.
+/// Appends what one read call gives, perhaps nothing yet. False at the end of the file.
 ///
 /// @throw std::system_error  when reading fails
-bool readChunk(int fd, std::string& bytes);
+[[nodiscard]] bool readChunk(int fd, std::string& bytes);
 
-/// All bytes of a file; a pipe without writer is empty.
+/// All bytes of a file. A pipe without a writer is empty.
 ///
 /// @throw std::system_error  when it cannot be opened or read
 std::string readFile(const std::string& fileName);
 
-/// The same, but waits for what a pipe's writer has to say.
+/// The same, but waits until the writer of a pipe closes it.
 std::string readFileOrPipe(const std::string& fileName);
 
 /// Writes all of `bytes`.

@@ -13,14 +13,15 @@
 
 #include "shared/cli/Printable.h"
 #include "shared/files/Reading.h"
+#include "shared/files/SystemError.h"
 
 namespace {
 
-[[noreturn]] void fail(const std::string& fileName) {
-    throw std::system_error(errno, std::generic_category(), printable(fileName));
+[[noreturn]] void throwNaming(const std::string& fileName) {
+    throwSystemError(printable(fileName));
 }
 
-/// Keeps signals that would end the process waiting.
+/// Holds back signals that would end the process, until the object is destroyed.
 class SignalHold {
 public:
     SignalHold() {
@@ -37,9 +38,9 @@ private:
     sigset_t before_ = {};
 };
 
-/// `action` with the file's name in its error.
+/// Runs an action, and puts the file's name into its error.
 template <typename Action>
-void naming(const std::string& fileName, Action action) {
+void runNaming(const std::string& fileName, Action action) {
     try {
         action();
     } catch (const std::system_error& error) {
@@ -58,14 +59,14 @@ mode_t bitsFor(const std::string& fileName) {
     return READ_AND_WRITE & ~mask;
 }
 
-/// A new file beside the one that it will replace, removed at the end unless it has.
+/// A new file beside the one that it will replace. The destructor removes it unless it did.
 class Substitute {
 public:
     explicit Substitute(const std::filesystem::path& replaced)
         : replaced_(replaced.string()),
           name_((replaced.parent_path() / ".zarn-moon-XXXXXX").string()),
           file_(::mkostemp(name_.data(), O_CLOEXEC)) {
-        if (file_.get() == -1) fail(replaced_);
+        if (file_.get() == -1) throwNaming(replaced_);
     }
     Substitute(const Substitute&) = delete;
     Substitute& operator=(const Substitute&) = delete;
@@ -73,34 +74,35 @@ public:
         if (file_.get() != -1 && !name_.empty()) ::unlink(name_.c_str());
     }
 
+    /// Writes the content, with the permission bits of the replaced file, safe on disk.
     void fill(const std::string& content) const {
-        if (::fchmod(file_.get(), bitsFor(replaced_)) != 0) fail(replaced_);
-        naming(replaced_, [&] { writeAll(file_.get(), content); });
-        if (::fsync(file_.get()) != 0) fail(replaced_);
+        if (::fchmod(file_.get(), bitsFor(replaced_)) != 0) throwNaming(replaced_);
+        runNaming(replaced_, [&] { writeAll(file_.get(), content); });
+        if (::fsync(file_.get()) != 0) throwNaming(replaced_);
     }
-    void putInPlace() {
-        if (std::rename(name_.c_str(), replaced_.c_str()) != 0) fail(replaced_);
+    void replace() {
+        if (std::rename(name_.c_str(), replaced_.c_str()) != 0) throwNaming(replaced_);
         name_.clear();
     }
 
 private:
     std::string replaced_;
-    std::string name_;
+    std::string name_;  ///< empty once the file has the other one's name
     Descriptor file_;
 };
 
-/// Whether a name is free or belongs to an ordinary file that may be written.
+/// Whether a name is free or belongs to a regular file that may be written.
 bool isOrdinary(const std::string& fileName) {
     struct stat status = {};
     if (::stat(fileName.c_str(), &status) != 0) {
-        if (errno != ENOENT) fail(fileName);
+        if (errno != ENOENT) throwNaming(fileName);
         return true;
     }
-    if (::access(fileName.c_str(), W_OK) != 0) fail(fileName);
+    if (::access(fileName.c_str(), W_OK) != 0) throwNaming(fileName);
     return S_ISREG(status.st_mode);
 }
 
-/// Where links lead, also to nowhere yet; of a circle `isOrdinary` has known.
+/// Where links lead, even if nothing is there yet. It ends: `isOrdinary` has refused circles.
 std::filesystem::path behindLinks(std::filesystem::path name) {
     while (std::filesystem::is_symlink(std::filesystem::symlink_status(name)))
         name = name.parent_path() / std::filesystem::read_symlink(name);
@@ -112,12 +114,12 @@ std::filesystem::path behindLinks(std::filesystem::path name) {
 void writeWhole(const std::string& fileName, const std::string& content) {
     if (!isOrdinary(fileName)) {
         const Descriptor file(::open(fileName.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
-        if (file.get() == -1) fail(fileName);
-        naming(fileName, [&] { writeAll(file.get(), content); });
+        if (file.get() == -1) throwNaming(fileName);
+        runNaming(fileName, [&] { writeAll(file.get(), content); });
         return;
     }
     const SignalHold hold;
     Substitute file(behindLinks(fileName));
     file.fill(content);
-    file.putInPlace();
+    file.replace();
 }

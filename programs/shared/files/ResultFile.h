@@ -1,14 +1,14 @@
-/// Files that are written as a whole.
+/// Files that are written whole or not at all.
 #ifndef ZARN_PROGRAMS_RESULTFILE_H
 #define ZARN_PROGRAMS_RESULTFILE_H
 
 #include <string>
 
-/// Gives a file this content, in one step: on failure it keeps what it had, or stays missing. What
-/// is no ordinary file, as a pipe or a device, is written to as it is.
+/// Gives a file this content in one step. If that fails, it keeps its old content or stays missing.
+/// A pipe or a device is written to directly.
 ///
-/// Ctrl-C and termination wait until it is done. Permission bits stay, or come from the process's
-/// mask.
+/// Ctrl-C and termination wait until the file is complete. An existing file keeps its permission
+/// bits; those of a new one come from the process's mask.
 ///
 /// @throw std::system_error  naming the file
 void writeWhole(const std::string& fileName, const std::string& content);

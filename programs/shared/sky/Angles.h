@@ -1,14 +1,13 @@
 /// Numbers and positions as people write them.
 ///
-/// Nothing but the number may stand in a text: no blanks, no rubbish behind, no infinity. The
-/// functions throw std::invalid_argument with a text that says what is wrong with what.
+/// A text must hold the number alone: no blanks, no other text after it, no infinity. The functions
+/// throw std::invalid_argument with a message that quotes the text and says what is wrong with it.
 #ifndef ZARN_PROGRAMS_ANGLES_H
 #define ZARN_PROGRAMS_ANGLES_H
 
 #include <string>
 
-constexpr double DEG_PER_HOUR = 15.0;
-constexpr double DEG_PER_RAD = 57.29577951308238;
+#include "shared/sky/Units.h"
 
 /// A direction in the sky [deg].
 struct Position {
@@ -19,8 +18,8 @@ struct Position {
 /// A decimal number from `least` to `most`.
 double parseNumber(const std::string& text, double least, double most);
 
-/// An angle without sign, as a decimal number or as d:m or d:m:s, where only the last part may have
-/// a fraction. In the unit of its first part, 0 to `most`.
+/// An angle without sign, as a decimal number or as d:m or d:m:s, of which only the last part may
+/// have a fraction. The result has the unit of the first part and lies between 0 and `most`.
 ///
 /// @param whole  what messages quote: the angle with its sign or letter
 double parseAngle(const std::string& text, double most, const std::string& whole);

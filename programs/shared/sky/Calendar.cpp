@@ -7,16 +7,11 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <stdexcept>
 
-#include "shared/cli/Printable.h"
+#include "shared/cli/Value.h"
 #include "shared/sky/Angles.h"
 
 namespace {
-
-[[noreturn]] void fail(const std::string& text, const std::string& problem) {
-    throw std::invalid_argument("\"" + printable(text) + "\" " + problem);
-}
 
 /// Whether a text has digits where the pattern has a 0 and else the pattern's own characters.
 bool matches(const std::string& text, const std::string& pattern) {
@@ -43,12 +38,12 @@ std::string rounded(double mjd, double unitsPerDay) {
 }  // namespace
 
 double mjdOfDate(const std::string& text) {
-    if (!matches(text, "0000-00-00")) fail(text, "is no date of the form YYYY-MM-DD");
+    if (!matches(text, "0000-00-00")) refuseText(text, "is not a date such as 2026-12-24");
     double zero = 0;
     double mjd = 0;
     const int status = eraCal2jd(std::stoi(text.substr(0, 4)), std::stoi(text.substr(5, 2)),
                                  std::stoi(text.substr(8, 2)), &zero, &mjd);
-    if (status != 0) fail(text, "is no date of the calendar");
+    if (status != 0) refuseText(text, "is not in the calendar");
     return mjd;
 }
 
@@ -59,7 +54,7 @@ double mjdOfInstant(const std::string& text) {
         fraction.empty() ||
         (fraction != "." && matches(fraction, "." + std::string(fraction.size() - 1, '0')));
     if (!matches(text.substr(0, form.size()), form) || !isFraction)
-        fail(text, "is no instant of the form YYYY-MM-DDThh:mm:ss");
+        refuseText(text, "is not a time such as 2026-12-24T18:30:00");
     constexpr double LAST_HOUR = 23.0;
     constexpr double LAST_MINUTE = 59.0;
     constexpr double LEAP_SECOND = 60.0;

@@ -1,15 +1,12 @@
 /// Dates and Modified Julian Dates, in the Gregorian calendar and universal time.
 ///
-/// The functions that read throw std::invalid_argument with a text that says what is wrong.
+/// The functions that read a text throw std::invalid_argument, saying what is wrong with it.
 #ifndef ZARN_PROGRAMS_CALENDAR_H
 #define ZARN_PROGRAMS_CALENDAR_H
 
 #include <string>
 
-constexpr double MINUTES_PER_DAY = 1440.0;
-constexpr double SECONDS_PER_DAY = 86400.0;
-constexpr double JD_OF_MJD_0 = 2400000.5;  ///< [d]
-constexpr double MJD_OF_EPOCH = 40587.0;   ///< of 1970-01-01 [d]
+#include "shared/sky/Units.h"
 
 /// The Modified Julian Date of 0 h on a date YYYY-MM-DD.
 double mjdOfDate(const std::string& text);

@@ -3,11 +3,11 @@
 #include <zarnsys/util/FileIO.h>
 
 #include <cerrno>
-#include <system_error>
 #include <utility>
 
 #include "shared/cli/UsageError.h"
 #include "shared/files/Pattern.h"
+#include "shared/files/SystemError.h"
 #include "zarn-ingest/header/IngestError.h"
 
 Arrivals::Arrivals(const std::string& pattern, std::chrono::seconds settle)
@@ -28,8 +28,7 @@ std::vector<std::string> Arrivals::settled() {
         errno = 0;
         const std::optional<FileVersion> version = versionOf(name);
         if (!version && errno != 0 && errno != ENOENT)
-            unseen_.push_back(name +
-                              " cannot be looked at: " + std::generic_category().message(errno));
+            unseen_.push_back(name + " cannot be looked at: " + systemReason(errno));
         if (!version) continue;
         const auto before = seen_.find(name);
         const bool isSame = before != seen_.end() && before->second.version == *version;

@@ -1,4 +1,4 @@
-/// Files that arrive: which of them nobody is writing any more.
+/// Files that arrive, and which of them nobody is writing any more.
 #ifndef ZARN_INGEST_ARRIVALS_H
 #define ZARN_INGEST_ARRIVALS_H
 
@@ -9,43 +9,49 @@
 
 #include "shared/files/FileVersion.h"
 
+/// Looks at a directory again and again, and tells which files have stopped changing.
 class Arrivals {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// @param pattern  of the names; its last component alone may hold wildcards
-    /// @param settle   how long size and modification time stay the same before a file is taken
+    /// @param pattern  of the names; only its last component may have wildcards
+    /// @param settle   how long size and modification time must stay the same
+    /// @throw UsageError  when another component has wildcards
     Arrivals(const std::string& pattern, std::chrono::seconds settle);
 
-    /// The regular files and links there that have settled, in alphabetical order.
+    /// Looks at the directory.
     ///
-    /// @throw WorkStops  when the directory cannot be listed: it may be anything but empty
+    /// @return           the regular files and links that have settled, in alphabetical order
+    /// @throw WorkStops  when the directory cannot be listed: it may not be taken for empty
     std::vector<std::string> settled();
 
-    /// What keeps names of the last look from being looked at, for the operator.
+    /// Names of the last look whose state the system did not tell, each with the reason, as
+    /// messages.
     const std::vector<std::string>& unseen() const { return unseen_; }
 
-    /// All that were there at the last look, in alphabetical order.
+    /// All files of the last look, settled or not, in alphabetical order.
     std::vector<std::string> present() const;
 
-    /// Whether a file is still as it was at the last look.
+    /// Whether a file is still the same as at the last look.
     bool isUnchanged(const std::string& name) const;
 
-    /// How many more are there.
+    /// How many files of the last look have not settled.
     std::size_t unsettled() const { return unsettled_; }
 
+    /// The directory in which files arrive.
     const std::string& directory() const { return directory_; }
 
 private:
+    /// A file as it was seen.
     struct Seen {
         FileVersion version;
-        Clock::time_point since;  ///< when it was first seen so
+        Clock::time_point since;  ///< when it was first seen in this version
     };
 
     std::string pattern_;
     std::string directory_;
     std::chrono::seconds settle_;
-    std::map<std::string, Seen> seen_;  ///< by name, of the last look
+    std::map<std::string, Seen> seen_;  ///< files of the last look, by name
     std::size_t unsettled_ = 0;
     std::vector<std::string> unseen_;
 };

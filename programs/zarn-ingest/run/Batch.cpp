@@ -2,7 +2,6 @@
 
 #include <zarnsys/util/FileIO.h>
 
-#include <exception>
 #include <iostream>
 #include <string>
 
@@ -12,7 +11,7 @@
 
 namespace {
 
-/// A dry run has the service's pattern, too.
+/// The settings, with the service's pattern as the argument of a dry run without names.
 Settings withPattern(Settings settings) {
     if (settings.arguments.empty() && settings.dryRun && !settings.pattern.empty())
         settings.arguments = {settings.pattern};
@@ -48,19 +47,20 @@ bool Batch::run() {
             converter_->leave(input);
         } else {
             const Outcome outcome = converter_->convert(input);
-            if (!tell(input, outcome)) return false;
+            if (!record(input, outcome)) return false;
             reporter_.done(input.name, outcome);
         }
     }
     return true;
 }
 
-/// Whether an input belongs to the shard. What stands for no file belongs to each one: where a list
-/// or a directory cannot be seen, all shards but one would otherwise be empty, and call it success.
+/// Whether this run converts an input. One that stands for files which could not be listed belongs
+/// to every shard: otherwise all shards but one would be empty and report success.
 bool Batch::isOurs(const Input& input, std::size_t position) const {
     return !input.problem.empty() || settings_.shard.holds(position);
 }
 
+/// Announces the inputs to all who need to know them beforehand.
 void Batch::begin(const std::vector<Input>& inputs) {
     std::size_t ours = 0;
     for (std::size_t i = 0; i < inputs.size(); ++i) ours += isOurs(inputs[i], i) ? 1 : 0;
@@ -72,6 +72,7 @@ void Batch::begin(const std::vector<Input>& inputs) {
     reporter_.begin(ours);
 }
 
+/// Creates the journal's directory if it is missing, and keeps other runs out of it.
 void Batch::openJournal() {
     const std::string& directory = settings_.journalDir;
     FileIO(directory, true, true).checkCreateDir(directory);
@@ -79,15 +80,11 @@ void Batch::openJournal() {
     journal_ = std::make_unique<Journal>(directory);
 }
 
-/// Tells of a file that is done with; false when the journal cannot be written: no file is to go
-/// untold.
-bool Batch::tell(const Input& input, const Outcome& outcome) {
+/// Adds an input that needs no other try to the journal, if there is one. False when that failed:
+/// then the batch ends, so that no file is left out of the journal.
+bool Batch::record(const Input& input, const Outcome& outcome) {
     if (!journal_ || !outcome.isFinal()) return true;
-    try {
-        journal_->add(input.name, outcome);
-    } catch (const std::exception& error) {
-        reporter_.error(error.what());
-        return false;
-    }
-    return true;
+    const std::string problem = journal_->tryAdd(input.name, outcome);
+    if (!problem.empty()) reporter_.error(problem);
+    return problem.empty();
 }

@@ -1,4 +1,4 @@
-/// A batch: files that are named, converted once, and left where they are.
+/// A batch: named files, converted once and left where they are.
 #ifndef ZARN_INGEST_BATCH_H
 #define ZARN_INGEST_BATCH_H
 
@@ -14,31 +14,33 @@
 #include "zarn-ingest/run/StopSignals.h"
 #include "zarn-ingest/settings/Settings.h"
 
+/// Converts the named inputs of one run. Keeps references to what it is made of, which must outlive
+/// it.
 class Batch {
 public:
-    /// Prepares the directories, unless the run is dry, and locks the journal's for this process.
+    /// Prepares the directories, unless it is a dry run, and locks the journal's for this process.
     ///
     /// @throw std::exception  with the reason when the batch could not work in them
     Batch(const Settings& settings, const StopSignals& signals, Reporter& reporter);
 
-    /// Converts the files of the shard, or says in a dry run what would be done, until all are done
-    /// or a signal comes.
+    /// Converts the files of the shard, or says in a dry run what would be done. Ends early when a
+    /// signal comes.
     ///
-    /// @return  false when it had to end early since the journal could not be written
+    /// @return  false when it ended early because the journal could not be written
     bool run();
 
 private:
     void openJournal();
     bool isOurs(const Input& input, std::size_t position) const;
     void begin(const std::vector<Input>& inputs);
-    bool tell(const Input& input, const Outcome& outcome);
+    bool record(const Input& input, const Outcome& outcome);
 
     const Settings& settings_;
     const StopSignals& signals_;
     Reporter& reporter_;
     std::unique_ptr<Converter> converter_;
     std::unique_ptr<DirectoryLocks> locks_;
-    std::unique_ptr<Journal> journal_;  ///< none where the settings name no directory
+    std::unique_ptr<Journal> journal_;  ///< none if the settings name no directory
 };
 
 #endif  // ZARN_INGEST_BATCH_H

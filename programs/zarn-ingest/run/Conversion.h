@@ -1,11 +1,12 @@
-/// From what a run is asked to do to how its results are made.
+/// How a run's results are made, by its settings.
 #ifndef ZARN_INGEST_CONVERSION_H
 #define ZARN_INGEST_CONVERSION_H
 
 #include "zarn-ingest/result/Converter.h"
 #include "zarn-ingest/settings/Settings.h"
 
-/// A service goes on where it was killed, unasked; whatever a journal tells is safe on disk before.
+/// The options of the converter. A service always continues where it was killed; a result is safe
+/// on disk before a journal has it.
 inline ConversionOptions conversionOf(const Settings& settings) {
     const bool service = settings.isService();
     ConversionOptions options;

@@ -6,21 +6,22 @@
 #include <algorithm>
 #include <cerrno>
 #include <stdexcept>
-#include <system_error>
 #include <utility>
 
+#include "shared/files/SystemError.h"
 #include "zarn-ingest/header/IngestError.h"
 
 namespace {
 
+/// Locks a directory that this process may already have locked.
 void lock(const Directory& directory) {
     if (::flock(directory.fd(), LOCK_EX | LOCK_NB) == 0) return;
     if (errno == EWOULDBLOCK)
-        throw WorkStops("another zarn-ingest works in the directory " + directory.name());
-    throw WorkStops("directory " + directory.name() +
-                    " cannot be locked: " + std::generic_category().message(errno));
+        throw WorkStops("another zarn-ingest is using the directory " + directory.name());
+    throw WorkStops("directory " + directory.name() + " cannot be locked: " + systemReason(errno));
 }
 
+/// Whether two descriptors have the same file open.
 bool sameFile(int left, int right) {
     struct stat a = {};
     struct stat b = {};
@@ -47,12 +48,12 @@ void DirectoryLocks::add(const std::string& directory) {
 
 std::vector<std::string> DirectoryLocks::renew() {
     std::vector<std::string> replaced;
-    for (const Directory& held : locked_) {  // another one of the names may lead there now
+    for (const Directory& held : locked_) {  // it may have another of the names now
         if (!held.isCurrent()) ::flock(held.fd(), LOCK_UN);
     }
     for (Directory& held : locked_) {
         if (held.isCurrent()) {
-            lock(held);  // again, if its name led elsewhere for a while
+            lock(held);  // it is unlocked if its name led elsewhere for a while
             continue;
         }
         Directory successor(held.name());

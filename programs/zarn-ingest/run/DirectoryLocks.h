@@ -1,4 +1,4 @@
-/// One process in a directory.
+/// Locks that keep other processes out of directories.
 #ifndef ZARN_INGEST_DIRECTORYLOCKS_H
 #define ZARN_INGEST_DIRECTORYLOCKS_H
 
@@ -7,22 +7,22 @@
 
 #include "zarn-ingest/result/Directory.h"
 
-/// Locks on directories, for this process alone, until the object or the process ends.
+/// Holds directories for this process alone, until the object is destroyed or the process ends.
 class DirectoryLocks {
 public:
-    /// @throw std::exception  with the reason, for example since another process holds one
+    /// @throw std::exception  with the reason, for example that another process holds one
     explicit DirectoryLocks(const std::vector<std::string>& directories);
 
-    /// Locks what took a directory's name meanwhile.
+    /// Locks the directories that have taken the names of locked ones meanwhile.
     ///
     /// @return           the names of the directories that were replaced
-    /// @throw WorkStops  when one is gone, or another process holds its successor
+    /// @throw WorkStops  when one is missing, or another process holds its successor
     std::vector<std::string> renew();
 
 private:
     void add(const std::string& directory);
 
-    std::vector<Directory> locked_;
+    std::vector<Directory> locked_;  ///< each keeps its lock while it is open
 };
 
 #endif  // ZARN_INGEST_DIRECTORYLOCKS_H

@@ -11,17 +11,19 @@
 
 #include "shared/files/Pattern.h"
 #include "shared/files/Reading.h"
+#include "shared/files/SystemError.h"
 
 namespace {
 
-/// Why nothing of this name can be read.
+/// Why an argument gives no file.
 std::string reasonForNothing(const std::string& argument) {
     struct stat status = {};
     if (::stat(argument.c_str(), &status) == -1 && errno != ENOENT)
-        return "cannot be read: " + std::generic_category().message(errno);
+        return "cannot be read: " + systemReason(errno);
     return "no such file, and no file matches it as a pattern";
 }
 
+/// Adds the file of this name, or the matches of the pattern.
 void addArgument(const std::string& argument, std::vector<Input>& inputs) {
     if (FileIO(argument, true, false).exists()) {
         inputs.push_back({argument, ""});
@@ -31,12 +33,13 @@ void addArgument(const std::string& argument, std::vector<Input>& inputs) {
     const auto [names, unlisted] = matchesOf(argument);
     for (const std::string& name : names) inputs.push_back({name, ""});
     for (const auto& [directory, error] : unlisted) {
-        if (error == std::errc::no_such_file_or_directory) continue;  // then nothing matches there
+        if (error == std::errc::no_such_file_or_directory) continue;  // so nothing can match there
         inputs.push_back({directory, "the directory cannot be listed: " + error.message(), true});
     }
     if (inputs.size() == before) inputs.push_back({argument, reasonForNothing(argument)});
 }
 
+/// Adds each name of a list that was read.
 void addNames(const std::string& list, char separator, std::vector<Input>& inputs) {
     std::istringstream names(list);
     for (std::string name; std::getline(names, name, separator);) {
@@ -46,7 +49,7 @@ void addNames(const std::string& list, char separator, std::vector<Input>& input
     }
 }
 
-/// Everything that comes, or what came before a signal.
+/// The whole text, or the part of it that came before a signal.
 std::string readList(int fd, const StopSignals& signals) {
     std::string list;
     while (signals.waitFor(fd) && readChunk(fd, list)) {
@@ -54,7 +57,7 @@ std::string readList(int fd, const StopSignals& signals) {
     return list;
 }
 
-/// Adds the names that the list gives, or what kept it from being read.
+/// Adds the names of a list, or an input that says why the list cannot be read.
 template <typename Read>
 void addList(const std::string& listName, char separator, Read read, std::vector<Input>& inputs) {
     try {
@@ -71,7 +74,7 @@ std::vector<Input> collectInputs(const Settings& settings, const StopSignals& si
     std::vector<Input> inputs;
     for (const std::string& argument : settings.arguments) addArgument(argument, inputs);
     for (const std::string& list : settings.lists) {
-        const auto read = [&] { return readList(Descriptor(openForReading(list)).get(), signals); };
+        const auto read = [&] { return readList(openForReading(list).get(), signals); };
         addList(list, separator, read, inputs);
     }
     if (settings.standardInput) {

@@ -8,8 +8,9 @@
 #include "zarn-ingest/run/StopSignals.h"
 #include "zarn-ingest/settings/Settings.h"
 
-/// The inputs in the order of the command line, then of its lists, then of standard input. What a
-/// pattern matches comes in alphabetical order. A signal while waiting for a list ends it there.
+/// The inputs: first those of the command line, then those of its lists, then those of standard
+/// input, each in their order. Matches of a pattern are in alphabetical order. A signal that comes
+/// while a list is being read ends the list there.
 std::vector<Input> collectInputs(const Settings& settings, const StopSignals& signals);
 
 #endif  // ZARN_INGEST_INPUTS_H

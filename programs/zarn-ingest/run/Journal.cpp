@@ -14,11 +14,11 @@
 #include <limits>
 #include <sstream>
 #include <stdexcept>
-#include <system_error>
 #include <unordered_set>
 
 #include "shared/cli/Printable.h"
 #include "shared/cli/Reason.h"
+#include "shared/files/SystemError.h"
 
 namespace {
 
@@ -26,10 +26,7 @@ const char NAME_BEGIN[] = "/zarn-ingest-";
 const char NAME_END[] = ".journal";
 constexpr std::size_t DATE_LENGTH = 10;  // 2026-11-24, which begins the ISO form
 
-[[noreturn]] void fail(const std::string& what) {
-    throw std::system_error(errno, std::generic_category(), what);
-}
-
+/// Name of the journal file of a day.
 std::string journalOf(const std::string& directory, const std::string& date) {
     return directory + NAME_BEGIN + date + NAME_END;
 }
@@ -47,6 +44,7 @@ std::vector<std::string> journalsIn(const std::string& directory) {
     return names;
 }
 
+/// A line without its two times and its end.
 std::string recordOf(const std::string& source, const Outcome& outcome) {
     std::ostringstream record;
     record << printable(source) << '\t' << printable(outcome.result) << '\t'
@@ -55,13 +53,13 @@ std::string recordOf(const std::string& source, const Outcome& outcome) {
     return record.str();
 }
 
-/// Whether an error tells that a name leads to no file.
+/// Whether an error means that there is no file of this name.
 bool leadsNowhere(int error) {
     return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
 }
 
-/// The date before which no journal can tell of these sources as they are now. A clock that was set
-/// back by less than the margin meanwhile does no harm.
+/// The date before which no journal can have these sources as they are now. The margin covers a
+/// clock that was set back meanwhile.
 std::string earliestDate(const std::vector<std::string>& sources) {
     constexpr std::time_t DAY = 86400;  // [s]
     constexpr std::time_t MARGIN = 31 * DAY;
@@ -75,7 +73,7 @@ std::string earliestDate(const std::vector<std::string>& sources) {
         .substr(0, DATE_LENGTH);
 }
 
-/// A line's record, behind its two times; empty: it has none.
+/// A line without its two times; empty if there is nothing after them.
 std::string recordIn(const std::string& line) {
     const std::size_t second = line.find('\t', line.find('\t') + 1);
     return second == std::string::npos ? "" : line.substr(second + 1);
@@ -86,7 +84,7 @@ std::string recordIn(const std::string& line) {
 std::string identityOf(const std::string& source) {
     struct stat status = {};
     if (::lstat(source.c_str(), &status) != 0) {
-        if (!leadsNowhere(errno)) fail(source);
+        if (!leadsNowhere(errno)) throwSystemError(source);
         return "-";
     }
     std::ostringstream identity;
@@ -108,7 +106,7 @@ void Journal::recall(const std::vector<std::string>& sources) {
     for (const std::string& name : journalsIn(directory_)) {
         if (name < earliest) continue;
         std::ifstream journal(name);
-        if (!journal) fail("the journal " + name);
+        if (!journal) throwSystemError("the journal " + name);
         for (std::string line; std::getline(journal, line);) {
             const std::string record = recordIn(line);
             const std::string source = record.substr(0, record.find('\t'));
@@ -126,6 +124,15 @@ void Journal::add(const std::string& source, const Outcome& outcome) {
         append(record);
     } catch (const std::exception& error) {
         throw std::runtime_error("the journal in " + directory_ + ": " + reasonOf(error));
+    }
+}
+
+std::string Journal::tryAdd(const std::string& source, const Outcome& outcome) {
+    try {
+        add(source, outcome);
+        return "";
+    } catch (const std::exception& error) {
+        return error.what();
     }
 }
 

@@ -3,8 +3,8 @@
 /// A line holds, separated by tabs: local time in ISO form, seconds since the epoch, source,
 /// result, status, number of cards in the source, size of the result in bytes, identity of the
 /// source. Names are printable: control characters read \xHH. The identity, inode number and change
-/// time as `stat -c %i-%.9Z` shows them, tells a source that was told of already from one that
-/// arrived anew under its name; no clock needs to be right for that.
+/// time as `stat -c %i-%.9Z` shows them, tells a source that the journal already has from one that
+/// arrived later under its name. No clock needs to be right for that.
 #ifndef ZARN_INGEST_JOURNAL_H
 #define ZARN_INGEST_JOURNAL_H
 
@@ -16,38 +16,46 @@
 #include "zarn-ingest/report/LineFile.h"
 #include "zarn-ingest/result/Outcome.h"
 
-/// What stays with a file while it is neither changed nor renamed; "-": there is no file.
+/// The identity of a file: it stays the same while the file is neither changed nor renamed. "-"
+/// means that there is no file.
 ///
-/// @throw std::system_error  when the system cannot say
+/// @throw std::system_error  when the file's state cannot be read
 std::string identityOf(const std::string& source);
 
+/// Writes the journal of a directory.
 class Journal {
 public:
-    /// Opens the journal of a directory and repairs a last line torn by a crash. Call it under a
-    /// lock on the directory.
+    /// Opens the journal and cuts off a last line that a crash left incomplete. The caller must
+    /// hold a lock on the directory.
     ///
-    /// @throw std::exception  when the journal cannot be read or mended
+    /// @throw std::exception  when the journal cannot be read or repaired
     explicit Journal(const std::string& directory);
 
-    /// Reads what earlier runs told of these sources last.
+    /// Reads the last lines that earlier runs wrote about these sources.
     ///
     /// @throw std::exception  when the journal cannot be read
     void recall(const std::vector<std::string>& sources);
 
-    /// Appends a line, safe on disk at the end in the file that has the journal's name, unless the
-    /// last line recalled of the source says the same: an earlier run ended, or could not move the
-    /// source away, after it.
+    /// Appends a line, which is safe on disk when the call returns. Does nothing if the last line
+    /// recalled for the source says the same: then an earlier run wrote it and ended, or could not
+    /// move the source away.
     ///
-    /// @throw std::runtime_error  when the line cannot be written; a torn one is mended at the next
+    /// @throw std::runtime_error  when the line cannot be written; the next call cuts off any rest
     void add(const std::string& source, const Outcome& outcome);
+
+    /// The same without an exception.
+    ///
+    /// @return  why the line cannot be written; empty: it was
+    [[nodiscard]] std::string tryAdd(const std::string& source, const Outcome& outcome);
 
 private:
     void append(const std::string& record);
 
     std::string directory_;
-    std::unordered_map<std::string, std::string> recalled_;  ///< source, and its line without times
-    std::unique_ptr<LineFile> file_;                         ///< of the day
-    std::string fileName_;                                   ///< its name
+    std::unordered_map<std::string, std::string>
+        recalled_;                    ///< by source: its last line, without the times
+    std::unique_ptr<LineFile> file_;  ///< the journal of the day; none before the first line
+    std::string fileName_;            ///< its name
 };
 
 #endif  // ZARN_INGEST_JOURNAL_H

@@ -12,6 +12,7 @@
 
 #include "shared/files/Durable.h"
 #include "shared/files/Reading.h"
+#include "shared/files/SystemError.h"
 
 namespace {
 
@@ -19,39 +20,37 @@ const char NUMBER_BEGIN[] = ".~";
 const char NUMBER_END = '~';
 const char REASON_END[] = ".reason";
 
-[[noreturn]] void fail(const std::string& what) {
-    throw std::system_error(errno, std::generic_category(), what);
-}
-
-[[noreturn]] void failMove(const std::string& file, const std::string& directory) {
-    fail("cannot move " + file + " to " + directory);
+[[noreturn]] void throwCannotMove(const std::string& file, const std::string& directory) {
+    throwSystemError("cannot move " + file + " to " + directory);
 }
 
 std::string baseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
-/// A name with a number that tells it from others; 0: without.
+/// A name with a number, cut where a file's name would be too long; 0: without number.
 std::string numbered(const std::string& name, unsigned number) {
     if (number == 0) return name;
     const std::string suffix = NUMBER_BEGIN + std::to_string(number) + NUMBER_END;
     return name.substr(0, NAME_MAX - suffix.size()) + suffix;
 }
 
-/// Makes a move safe on disk: first that the file is in its new place.
+/// Makes a move safe on disk. The new directory comes first: a crash may leave two names, never
+/// none.
 void syncMove(const std::string& file, const std::string& directory) {
     syncToDisk(directory);
     const std::string::size_type slash = file.rfind('/');
     syncToDisk(slash == std::string::npos ? "." : file.substr(0, slash + 1));
 }
 
-/// Writes a reason, safe on disk, or completes one torn by a crash; false when something else has
-/// the name.
+/// Writes a reason, safe on disk, or completes one that a crash cut short. False if something else
+/// has the name.
 bool putReason(const std::string& fileName, const std::string& reason) {
     constexpr mode_t MODE = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
     constexpr int FLAGS = O_RDWR | O_CREAT | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
     const Descriptor file(::open(fileName.c_str(), FLAGS, MODE));
     if (file.get() == -1 && (errno == EISDIR || errno == ELOOP || errno == ENXIO)) return false;
     struct stat status = {};
-    if (file.get() == -1 || ::fstat(file.get(), &status) != 0) fail("cannot write " + fileName);
+    if (file.get() == -1 || ::fstat(file.get(), &status) != 0)
+        throwSystemError("cannot write " + fileName);
     if (!S_ISREG(status.st_mode) || status.st_size > static_cast<off_t>(reason.size()))
         return false;
     const std::string existing = readFile(fileName);
@@ -61,7 +60,7 @@ bool putReason(const std::string& fileName, const std::string& reason) {
     } catch (const std::system_error& error) {
         throw std::system_error(error.code(), "cannot write " + fileName);
     }
-    if (::fsync(file.get()) != 0) fail(fileName + " cannot be made safe on disk");
+    if (::fsync(file.get()) != 0) throwSystemError(fileName + " cannot be made safe on disk");
     return true;
 }
 
@@ -79,7 +78,7 @@ std::string moveInto(const std::string& file, const std::string& directory) {
             syncMove(file, directory);
             return target;
         }
-        if (errno != EEXIST) failMove(file, directory);
+        if (errno != EEXIST) throwCannotMove(file, directory);
     }
 }
 
@@ -90,7 +89,7 @@ std::string moveWithReason(const std::string& file, const std::string& directory
         const std::string name = numbered(baseName(file), number);
         std::string target = folder + name;
         if (isTaken(target) || !putReason(folder + reasonName(name), reason)) continue;
-        if (!renameToNew(file, target)) failMove(file, directory);
+        if (!renameToNew(file, target)) throwCannotMove(file, directory);
         syncMove(file, directory);
         return target;
     }

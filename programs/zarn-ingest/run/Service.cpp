@@ -1,43 +1,20 @@
 #include "zarn-ingest/run/Service.h"
 
-#include <fnmatch.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/Utils.h>
 
-#include <algorithm>
-#include <cerrno>
-#include <filesystem>
-#include <set>
-#include <stdexcept>
-#include <system_error>
 #include <utility>
 
 #include "shared/cli/Reason.h"
-#include "shared/files/Durable.h"
 #include "zarn-ingest/run/Conversion.h"
 #include "zarn-ingest/run/Moving.h"
+#include "zarn-ingest/run/ServiceDirectories.h"
 
 namespace {
 
 const std::string CHANGED = "changed while it was converted; it is looked at again";
 
 using std::chrono::seconds;
-
-dev_t fileSystemOf(const std::string& directory) {
-    struct stat status = {};
-    if (::stat(directory.c_str(), &status) != 0)
-        throw std::system_error(errno, std::generic_category(), "directory " + directory);
-    return status.st_dev;
-}
-
-/// A move within a file system is one step; between two it could leave half a file.
-void checkSameFileSystem(const std::string& from, const std::string& to) {
-    if (fileSystemOf(from) != fileSystemOf(to))
-        throw std::runtime_error("the directories " + from + " and " + to +
-                                 " must be on one file system");
-}
 
 }  // namespace
 
@@ -48,27 +25,14 @@ Service::Service(const Settings& settings, const StopSignals& signals, Reporter&
       troubles_(reporter),
       arrivals_(settings.pattern, seconds(settings.settleTime)),
       output_(settings.outputDir, OutputDirectory::Missing::CREATE) {
-    std::vector<std::string> locked = {arrivals_.directory(), settings.outputDir};
-    for (const std::string& target : {settings.doneDir, settings.failedDir}) {
-        if (target.empty()) continue;
-        FileIO(target, true, true).checkCreateDir(target);
-        checkSameFileSystem(arrivals_.directory(), target);
-        if (::access(target.c_str(), W_OK | X_OK) != 0)
-            throw std::system_error(errno, std::generic_category(), "directory " + target);
-        locked.push_back(target);
-    }
-    if (!settings.journalDir.empty()) {
-        FileIO(settings.journalDir, true, true).checkCreateDir(settings.journalDir);
-        locked.push_back(settings.journalDir);
-    }
-    locks_ = std::make_unique<DirectoryLocks>(locked);
+    locks_ = std::make_unique<DirectoryLocks>(prepareDirectories(settings));
     converter_ = std::make_unique<Converter>(conversionOf(settings), output_);
     if (!settings.journalDir.empty()) journal_ = std::make_unique<Journal>(settings.journalDir);
 }
 
 bool Service::awaitIncoming(const Settings& settings, const StopSignals& signals,
                             Reporter& reporter) {
-    FileIO directory(FileIO(settings.pattern, true, false).getPath(), true, false);
+    FileIO directory(incomingDirectory(settings), true, false);
     Troubles troubles(reporter);
     while (settings.watch && !directory.exists()) {
         troubles.meet("directory " + directory.getCompleteName() + ": No such file or directory");
@@ -80,7 +44,7 @@ bool Service::awaitIncoming(const Settings& settings, const StopSignals& signals
 }
 
 bool Service::run() {
-    if (settings_.retryFailed) putBackFailed();
+    if (settings_.retryFailed) putBackFailed(settings_, reporter_);
     if (settings_.watch) {
         do {
             look();
@@ -99,29 +63,7 @@ bool Service::run() {
     return whole && left_ == 0;
 }
 
-/// Puts back what failed and would be taken again, each name once: numbered ones need further runs.
-void Service::putBackFailed() {
-    const std::string pattern = FileIO(settings_.pattern, true, false).getBaseName();
-    std::set<std::filesystem::path> files;
-    for (const auto& entry : std::filesystem::directory_iterator(settings_.failedDir))
-        if (!entry.is_directory() && !isReason(entry.path().filename())) files.insert(entry.path());
-    for (const std::filesystem::path& file : files) {
-        const std::string name = withoutNumber(file.filename());
-        if (::fnmatch(pattern.c_str(), name.c_str(), FNM_PERIOD) != 0) continue;
-        const std::string target = arrivals_.directory() + "/" + name;
-        if (renameToNew(file, target)) {
-            ::unlink((file.parent_path() / reasonName(file.filename())).c_str());
-        } else {
-            reporter_.error(problemText(
-                file, 0,
-                "cannot be put back to " + target + ": " + std::generic_category().message(errno)));
-        }
-    }
-    syncToDisk(arrivals_.directory());
-    syncToDisk(settings_.failedDir);
-}
-
-/// Does what has settled; false when something is left to do for another look.
+/// Does all that has settled. False if something is left for another look.
 bool Service::look() {
     bool whole = false;
     left_ = 0;
@@ -145,7 +87,7 @@ bool Service::doSettled() {
     return true;
 }
 
-/// Makes sure of locks on the directories that the names lead to now, and of a converter there.
+/// Locks the directories that have the names now, and makes a converter that works in them.
 void Service::keepDirectories() {
     for (const std::string& name : locks_->renew()) {
         reporter_.error("the directory " + name + " was replaced; this run works in the new one");
@@ -154,8 +96,8 @@ void Service::keepDirectories() {
     if (!converter_) converter_ = std::make_unique<Converter>(conversionOf(settings_), output_);
 }
 
-/// What has settled, without the sources that could not be moved away: these are moved now, if
-/// possible.
+/// The sources that have settled and are to be converted. Those that only could not be moved away
+/// are moved now, if possible.
 std::vector<Input> Service::nextBatch() {
     std::vector<Input> batch;
     const std::vector<std::string> settled = arrivals_.settled();
@@ -174,6 +116,7 @@ std::vector<Input> Service::nextBatch() {
     return batch;
 }
 
+/// Whether the output directory has the free space that the settings ask for.
 bool Service::hasRoom() {
     float total = 0;
     float available = 0;
@@ -183,12 +126,13 @@ bool Service::hasRoom() {
     troubles_.meet(known
                        ? "less than " + std::to_string(settings_.leastFree) + " MiB are free in " +
                              settings_.outputDir + "; no file is converted until there is room"
-                       : "the file system of " + settings_.outputDir + " is lost");
+                       : "the free space in " + settings_.outputDir + " cannot be determined");
     return false;
 }
 
-/// Converts a file, tells of it and moves it away; false when no file can be: the next look begins
-/// with it. A file that someone writes again is left for a later look.
+/// Converts a file, enters it in the journal and moves it away. False if no file can be converted
+/// at present: the next look begins with this one. A file that is being written again is left for
+/// later.
 bool Service::handle(const Input& input) {
     if (!arrivals_.isUnchanged(input.name)) {
         ++left_;
@@ -205,24 +149,21 @@ bool Service::handle(const Input& input) {
         troubles_.meet(problemText(input.name, 0, changed ? CHANGED : outcome.problem));
         return true;
     }
-    if (!tell(input, outcome)) return false;
+    if (!record(input, outcome)) return false;
     reporter_.done(input.name, outcome);
     move(input.name, outcome);
     return true;
 }
 
-bool Service::tell(const Input& input, const Outcome& outcome) {
+/// Adds a file that is done with to the journal, if there is one; false when that failed.
+bool Service::record(const Input& input, const Outcome& outcome) {
     if (!journal_) return true;
-    try {
-        journal_->add(input.name, outcome);
-    } catch (const std::exception& error) {
-        troubles_.meet(error.what());
-        return false;
-    }
-    return true;
+    const std::string problem = journal_->tryAdd(input.name, outcome);
+    if (!problem.empty()) troubles_.meet(problem);
+    return problem.empty();
 }
 
-/// Moves a source to where it belongs, or notes that it must be tried again.
+/// Moves a source away, or notes that the next look must try again.
 void Service::move(const std::string& source, const Outcome& outcome) {
     const std::string& directory = outcome.converted() ? settings_.doneDir : settings_.failedDir;
     if (directory.empty()) return;

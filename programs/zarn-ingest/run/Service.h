@@ -1,12 +1,12 @@
-/// The service: files that arrive are converted, told of in the journal and moved away.
+/// The service: it converts files that arrive, enters them in the journal and moves them away.
 ///
-/// Each step is safe on disk before the next one, so that a run that is killed at any moment leaves
-/// a state from which the next one goes on: the result is there, or the source still is; a result
-/// that is there already is recognised by its cards, and a source that the journal told of by its
-/// identity.
+/// Each step is safe on disk before the next one begins, so that the next run can continue wherever
+/// this one was killed: either the result or the source is there. The next run recognises an
+/// existing result by its cards, and a source that the journal already has by its identity.
 ///
-/// Only a header at fault fails. When the machine is (a disk, a directory, a right), the source
-/// waits where it is; the trouble is said once, and each look tries again.
+/// A source fails only if its header is at fault. If the machine is (a disk, a directory, a
+/// permission), the source waits where it is; the trouble is reported once, and each look tries
+/// again.
 #ifndef ZARN_INGEST_SERVICE_H
 #define ZARN_INGEST_SERVICE_H
 
@@ -25,10 +25,11 @@
 #include "zarn-ingest/run/Troubles.h"
 #include "zarn-ingest/settings/Settings.h"
 
+/// Does the work of a service. Keeps references to what it is made of, which must outlive it.
 class Service {
 public:
-    /// Waits, if the service watches, for the directory that files arrive in: it may start before
-    /// the file system is there.
+    /// If the service watches, waits for the incoming directory: the service may start before its
+    /// file system is mounted.
     ///
     /// @return  false when a signal came first
     static bool awaitIncoming(const Settings& settings, const StopSignals& signals,
@@ -39,26 +40,25 @@ public:
     /// @throw std::exception  with the reason when the service could not work in them
     Service(const Settings& settings, const StopSignals& signals, Reporter& reporter);
 
-    /// Works until a signal comes, or, unless it watches, until what is there has been done.
+    /// Works until a signal comes or, if it does not watch, until all present files are done.
     ///
-    /// @return  false when it had to leave settled files or could not move them away
+    /// @return  false when settled files were left or could not be moved away
     bool run();
 
 private:
-    /// A source that could not be moved away. Its place in the journal is settled.
+    /// A source that is in the journal but could not be moved away.
     struct Stuck {
-        std::string identity;  ///< by which another file of the name is told from it
+        std::string identity;  ///< tells it from a later file of the same name
         Outcome outcome;
     };
 
-    void putBackFailed();
     bool look();
     bool doSettled();
     void keepDirectories();
     std::vector<Input> nextBatch();
     bool hasRoom();
     bool handle(const Input& input);
-    bool tell(const Input& input, const Outcome& outcome);
+    bool record(const Input& input, const Outcome& outcome);
     void move(const std::string& source, const Outcome& outcome);
 
     const Settings& settings_;
@@ -68,11 +68,11 @@ private:
     Arrivals arrivals_;
     OutputDirectory output_;
     std::unique_ptr<DirectoryLocks> locks_;
-    std::unique_ptr<Converter> converter_;  ///< none after its directory made trouble
-    std::unique_ptr<Journal> journal_;      ///< none where the settings name no directory
-    std::size_t left_ = 0;                  ///< by the last look: files that changed meanwhile
-    bool recalled_ = false;                 ///< what earlier runs told of what was there
-    std::map<std::string, Stuck> stuck_;    ///< by source
+    std::unique_ptr<Converter> converter_;  ///< none after trouble with the output directory
+    std::unique_ptr<Journal> journal_;      ///< none if the settings name no directory
+    std::size_t left_ = 0;                  ///< files that changed during the last look
+    bool recalled_ = false;                 ///< whether the journal of earlier runs was read
+    std::map<std::string, Stuck> stuck_;    ///< sources to move away, by name
 };
 
 #endif  // ZARN_INGEST_SERVICE_H

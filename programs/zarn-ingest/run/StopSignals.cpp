@@ -10,14 +10,15 @@
 #include <csignal>
 #include <cstdint>
 #include <limits>
-#include <system_error>
+
+#include "shared/files/SystemError.h"
 
 namespace {
 
 constexpr int WAIT_FOREVER = -1;
 constexpr std::int64_t LONGEST_WAIT = std::numeric_limits<int>::max();  // [ms], 24 days
 
-// What a signal handler can reach.
+// All that the signal handler may use; the descriptor belongs to the StopSignals object.
 volatile std::sig_atomic_t firstSignal = 0;
 volatile std::sig_atomic_t wakeDescriptor = -1;
 
@@ -29,19 +30,20 @@ extern "C" void noteSignal(int signal) {
     errno = error;
 }
 
+/// A new event for StopSignals to own, which the handler can write to without waiting.
 int openWake() {
     const int fd = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
-    if (fd == -1)
-        throw std::system_error(errno, std::generic_category(), "no descriptor for signals");
+    if (fd == -1) throwSystemError("no descriptor for signals");
     return fd;
 }
 
+/// Lets a signal be noted, unless it is ignored.
 void handle(int signal) {
     struct sigaction action = {};
     ::sigaction(signal, nullptr, &action);
     if (action.sa_handler == SIG_IGN) return;
     action.sa_handler = noteSignal;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);  // the second one is not to be held up
+    action.sa_flags = static_cast<int>(SA_RESETHAND);  // the second one ends the process
     ::sigaction(signal, &action, nullptr);
 }
 

@@ -1,4 +1,4 @@
-/// What keeps the service from its work, said once.
+/// Troubles that keep the service from its work, each reported once.
 #ifndef ZARN_INGEST_TROUBLES_H
 #define ZARN_INGEST_TROUBLES_H
 
@@ -7,21 +7,21 @@
 
 #include "zarn-ingest/report/Reporter.h"
 
-/// The service looks again every few seconds, and would meet the same trouble each time. A trouble
-/// is said when it begins, and when it is over.
+/// The service looks again every few seconds and would meet the same trouble each time. This class
+/// reports a trouble when it begins and when it is over. It keeps a reference to the reporter.
 class Troubles {
 public:
     explicit Troubles(Reporter& reporter) : reporter_(reporter) {}
 
-    /// Says what is the matter, unless it has been since the last look or longer.
+    /// Reports a trouble, unless it was already there at the last look.
     void meet(const std::string& text);
 
-    /// The look is over.
+    /// Ends a look.
     ///
-    /// @param whole  whether all was tried: then a trouble not met again is over
+    /// @param whole  whether everything was tried; then a trouble that was not met again is over
     void endLook(bool whole);
 
-    /// Whether this look met any.
+    /// Whether this look has met a trouble.
     bool any() const { return !met_.empty(); }
 
 private:

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Settings that exclude or lack each other.
+/// Refuses settings that exclude each other, or that need others.
 void checkTogether(const Settings& settings) {
     const bool lists = !settings.lists.empty() || settings.standardInput;
     if (settings.quiet && settings.verbose)
@@ -20,15 +20,16 @@ void checkTogether(const Settings& settings) {
     if (!settings.isNamed() && settings.pattern.empty()) throw UsageError("no file to convert");
     const bool service = settings.isService();
     if (settings.watch && !service)
-        throw UsageError("--watch takes its files from the pattern of a properties file alone");
+        throw UsageError("--watch takes its files only from the pattern of a properties file");
     if (service && matches(settings.pattern, settings.logFile))
         throw UsageError("the log " + settings.logFile + " would be taken for a header text");
     if (service && matches(settings.pattern, settings.report))
         throw UsageError("the report " + settings.report + " would be taken for a header text");
     if (settings.watch && (settings.doneDir.empty() || settings.failedDir.empty()))
-        throw UsageError("--watch needs the properties done and failed: where sources go");
+        throw UsageError(
+            "--watch needs the properties done and failed, which say where sources go");
     if (settings.shard.isPart() && service)
-        throw UsageError("--shard needs files that are named, by arguments, --list or --stdin");
+        throw UsageError("--shard needs files that are named by arguments, --list or --stdin");
     if (settings.retryFailed && (!service || settings.failedDir.empty()))
         throw UsageError("--retry-failed needs the properties pattern and failed");
 }
@@ -42,16 +43,17 @@ CommandLine::CommandLine(std::vector<const char*> arguments)
         ""};
 }
 
+/// Puts the options into the settings, over what the properties file has set.
 void CommandLine::applyOptions(Settings& settings) const {
     settings.arguments = argumentVect_;
     readOptions(settings);
-    // An option wins over the property that would forbid it.
+    // An option overrides the property that would forbid it.
     if (given("verbose") && !given("quiet")) settings.quiet = false;
     if (given("quiet") && !given("verbose")) settings.verbose = false;
     const bool files = !argumentVect_.empty() || given("list") || given("stdin");
     if ((files || given("dry-run")) && !given("watch")) settings.watch = false;
     if ((files || given("dry-run")) && !given("retry-failed")) settings.retryFailed = false;
-    if (files && !given("journal")) settings.journalDir.clear();  // it is the service's
+    if (files && !given("journal")) settings.journalDir.clear();  // that one is for the service
 }
 
 Settings CommandLine::parse() {

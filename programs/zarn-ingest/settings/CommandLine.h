@@ -13,13 +13,14 @@ public:
     /// @param arguments  the process's arguments, its name first
     explicit CommandLine(std::vector<const char*> arguments);
 
-    /// What the command line and the properties file that it names ask for. An option wins.
+    /// What the command line and the properties file that it names ask for. Options override
+    /// properties.
     ///
-    /// @throw UsageError  after the parser has logged the details, for values that are wrong, and
-    ///                    for settings that exclude or lack each other
+    /// @throw UsageError  for a wrong value, and for settings that exclude or need each other; or
+    ///                    after the parser has logged what is wrong
     Settings parse();
 
-    /// Writes the options and what a user should know besides to standard output.
+    /// Writes the help to standard output: the options, and notes on how to use them.
     void displayFullHelp() const;
 
 private:

@@ -6,10 +6,10 @@
 
 #include "zarn-ingest/settings/Settings.h"
 
-/// The settings that a properties file makes; an unknown key is a warning on standard error.
+/// Reads the settings of a properties file. Warns on standard error of every unknown key.
 ///
-/// @throw UsageError  naming file and line of what is no property, or file, section, key and value
-///                    of a value that is wrong
+/// @throw UsageError  naming file and line of a line that is not a property, or file, section, key
+///                    and value of a wrong value
 Settings readProperties(const std::string& fileName);
 
 #endif  // ZARN_INGEST_PROPERTIES_H

@@ -10,6 +10,7 @@
 #include "shared/cli/Printable.h"
 #include "shared/cli/UsageError.h"
 #include "shared/files/Reading.h"
+#include "shared/files/SystemError.h"
 
 namespace {
 
@@ -52,8 +53,7 @@ void checkFile(const std::string& fileName) {
     const auto refuse = [&fileName](const std::string& problem) {
         throw UsageError(printable(fileName) + ": " + problem);
     };
-    if (::stat(fileName.c_str(), &status) != 0)
-        refuse("cannot be read: " + std::generic_category().message(errno));
+    if (::stat(fileName.c_str(), &status) != 0) refuse("cannot be read: " + systemReason(errno));
     if (!S_ISREG(status.st_mode)) refuse("is not a regular file");
     if (status.st_size > MAX_BYTES)
         refuse("is larger than 64 KiB, too large for a properties file");

@@ -1,4 +1,4 @@
-/// The form of a properties file, which ACE reads without a word about what it cannot take.
+/// The syntax of a properties file. ACE skips without a message what it cannot read.
 #ifndef ZARN_INGEST_PROPERTIESFILE_H
 #define ZARN_INGEST_PROPERTIESFILE_H
 

@@ -15,22 +15,22 @@ struct Settings {
     // Which files.
     std::vector<std::string> arguments;  ///< paths and patterns
     std::vector<std::string> lists;      ///< files that hold names
-    bool standardInput = false;          ///< names from there, too
-    bool nulSeparated = false;           ///< names in lists end in NUL, instead of one a line
-    Shard shard;                         ///< of all these, what this run converts
-    std::string pattern;                 ///< where new files arrive; empty: nowhere
+    bool standardInput = false;          ///< also takes names from there
+    bool nulSeparated = false;           ///< names in lists end in NUL instead of the line's end
+    Shard shard;                         ///< the part of all these that this run converts
+    std::string pattern;                 ///< of new files; empty: none arrive
 
     // What becomes of them.
     std::string outputDir = ".";
     bool force = false;  ///< replace existing results
     bool checksum = false;
     bool strict = false;       ///< refuse headers that need a repair
-    bool primaryOnly = false;  ///< of each text the first header alone
-    std::string report;        ///< file of one JSON line per input; empty: none
-    bool resume = false;       ///< a result that is there already from the same text is one
+    bool primaryOnly = false;  ///< convert only the first header of each text
+    std::string report;        ///< file for one JSON line per input; empty: none
+    bool resume = false;       ///< an existing result of the same text counts as converted
     bool dryRun = false;
-    std::optional<Telescope> moon;  ///< for which the moon's values are added
-    std::string journalDir;         ///< where each file is told of; empty: nowhere
+    std::optional<Telescope> moon;  ///< for which to add the moon's values; none: do not
+    std::string journalDir;         ///< of the journal; empty: none
 
     // How the run behaves.
     bool quiet = false;
@@ -38,31 +38,30 @@ struct Settings {
     bool help = false;
     bool version = false;
     bool bashCompletion = false;
-    bool watch = false;        ///< look for files again and again
-    bool retryFailed = false;  ///< put failed files back first
+    bool watch = false;        ///< keep looking for files
+    bool retryFailed = false;  ///< first move failed files back
 
     // The service: what `pattern` names is moved when it is done.
-    std::string properties;      ///< file that these come from; empty: none
-    std::string doneDir;         ///< of sources converted; empty: they stay
-    std::string failedDir;       ///< of sources not converted; empty: they stay
-    unsigned pollInterval = 10;  ///< [s], 1 at least
-    unsigned settleTime = 5;     ///< how long a file stays unchanged before it is taken [s]
-    unsigned leastFree = 100;    ///< room in the output directory, below which work waits [MiB]
+    std::string properties;      ///< file that these were read from; empty: none
+    std::string doneDir;         ///< for converted sources; empty: they stay
+    std::string failedDir;       ///< for failed sources; empty: they stay
+    unsigned pollInterval = 10;  ///< time between two looks [s], at least 1
+    unsigned settleTime = 5;     ///< how long a file must stay unchanged before [s]
+    unsigned leastFree = 100;    ///< free space in the output directory that work needs [MiB]
 
     // The log; without a file, messages go to standard error.
     std::string logFile;
-    unsigned logSize = 10240;   ///< of one log file [kB]
-    unsigned logFiles = 5;      ///< kept
-    unsigned logInterval = 60;  ///< at which the size is sampled [s]
+    unsigned logSize = 10240;   ///< largest size of one log file [kB]
+    unsigned logFiles = 5;      ///< number of log files kept
+    unsigned logInterval = 60;  ///< time between two looks at the size [s]
     std::string logPriorities;  ///< ACE's names joined by '|'; empty: INFO and ERROR
     std::string logFlags;       ///< ACE's names joined by '|'; empty: the file alone
     std::string logProgram = "zarn-ingest";
 
-    /// Whether names give the files: by arguments, lists or standard input.
+    /// Whether the files are named: by arguments, lists or standard input.
     bool isNamed() const { return !arguments.empty() || !lists.empty() || standardInput; }
 
-    /// Whether the run is a service's: its files are those that arrive, and move when they are
-    /// done.
+    /// Whether the run works as a service: on files that arrive, which move when they are done.
     bool isService() const { return !isNamed() && !dryRun; }
 };
 

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr unsigned MOST = 100000;
+constexpr unsigned MOST_SHARDS = 100000;
 
 /// Whether a text is a number from 1 to `most`, without sign and blanks.
 bool isNumber(const std::string& text, unsigned most, unsigned& number) {
@@ -22,7 +22,7 @@ Shard shardOf(const std::string& text) {
     Shard shard;
     const std::string::size_type slash = text.find('/');
     const bool divided = slash != std::string::npos;
-    if (!divided || !isNumber(text.substr(slash + 1), MOST, shard.count) ||
+    if (!divided || !isNumber(text.substr(slash + 1), MOST_SHARDS, shard.count) ||
         !isNumber(text.substr(0, slash), shard.count, shard.index))
         throw WrongValue(SHARD_FORM);
     return shard;

@@ -6,17 +6,9 @@
 
 namespace {
 
-constexpr int ANGLE = 4;       // decimals of degrees,
-constexpr int HOUR = 5;        // of hours,
-constexpr int BRIGHTNESS = 3;  // of magnitudes,
-constexpr int FRACTION = 4;    // and of the rest
-constexpr int DAY = 6;         // [d]
-
-constexpr const char* LOCAL_MINUTE = "%Y-%m-%dT%H:%M%z";
-
 using Cells = std::vector<std::string>;
 
-/// A cell in quotes where commas or quotes in it would mislead.
+/// A cell, in quotes if it holds a comma, a quote or the end of a line.
 std::string quoted(const std::string& text) {
     if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
     std::string result = "\"";
@@ -30,8 +22,10 @@ std::string lineOf(const Cells& cells) {
     return line + "\n";
 }
 
+/// A truth value as a cell.
 std::string word(bool yes) { return yes ? "1" : "0"; }
 
+/// The header row of a table of instants.
 Cells instantTitles(const Settings& settings) {
     Cells titles = {"utc", "mjd"};
     if (settings.local) titles.emplace_back("local");
@@ -44,14 +38,14 @@ Cells instantTitles(const Settings& settings) {
 }
 
 Cells instantCells(const Settings& settings, const Row& row) {
-    Cells cells = {secondOf(row.mjd) + "Z", fixed(row.mjd, DAY)};
-    if (settings.local) cells.push_back(localTime(row.mjd, "%Y-%m-%dT%H:%M:%S%z"));
-    const Cells more = {fixedOnCircle(row.lst, HOUR, 24.0),
-                        fixed(row.sunAltitude, ANGLE),
-                        fixed(row.moonAltitude, ANGLE),
-                        fixedOnCircle(row.moonAzimuth, ANGLE, 360.0),
-                        fixed(row.illumination, FRACTION),
-                        fixed(row.phase, FRACTION),
+    Cells cells = {utcSecond(row.mjd), fixed(row.mjd, MJD_DECIMALS)};
+    if (settings.local) cells.push_back(localSecond(row.mjd));
+    const Cells more = {fixedOnCircle(row.lst, SIDEREAL_DECIMALS, HOURS_PER_DAY),
+                        fixed(row.sunAltitude, ANGLE_DECIMALS),
+                        fixed(row.moonAltitude, ANGLE_DECIMALS),
+                        fixedOnCircle(row.moonAzimuth, ANGLE_DECIMALS, FULL_CIRCLE),
+                        fixed(row.illumination, FRACTION_DECIMALS),
+                        fixed(row.phase, FRACTION_DECIMALS),
                         word(row.moonUp)};
     cells.insert(cells.end(), more.begin(), more.end());
     return cells;
@@ -59,16 +53,17 @@ Cells instantCells(const Settings& settings, const Row& row) {
 
 Cells targetCells(const Report& report, const Target& target, const TargetValues& values) {
     return {target.name,
-            fixedOnCircle(target.place.ra, ANGLE, 360.0),
-            fixed(target.place.dec, ANGLE),
-            fixed(values.altitude, ANGLE),
-            fixedOr(values.airmass, FRACTION, ""),
-            fixed(values.moonDistance, ANGLE),
-            fixedOr(values.moonSky, BRIGHTNESS, ""),
-            fixedOr(values.sky, BRIGHTNESS, ""),
+            fixedOnCircle(target.position.ra, POSITION_DECIMALS, FULL_CIRCLE),
+            fixed(target.position.dec, POSITION_DECIMALS),
+            fixed(values.altitude, ANGLE_DECIMALS),
+            fixedOr(values.airmass, FRACTION_DECIMALS, ""),
+            fixed(values.moonDistance, ANGLE_DECIMALS),
+            fixedOr(values.moonSky, BRIGHTNESS_DECIMALS, ""),
+            fixedOr(values.sky, BRIGHTNESS_DECIMALS, ""),
             report.windows.empty() ? "" : word(values.best)};
 }
 
+/// One row per instant and target, or per instant when there is no target.
 std::string instants(const Report& report) {
     constexpr std::size_t TARGET_CELLS = 9;
     const Settings& settings = report.settings;
@@ -87,7 +82,7 @@ std::string instants(const Report& report) {
     return text;
 }
 
-/// The times of an event, with blanks between them.
+/// The times of an event, separated by blanks.
 template <typename Form>
 std::string timesOf(const Event& event, Form form) {
     std::string times;
@@ -95,6 +90,7 @@ std::string timesOf(const Event& event, Form form) {
     return times;
 }
 
+/// The header row of a table of nights.
 Cells nightTitles(const Report& report) {
     Cells titles = {"night"};
     for (const Event& event : report.nights.front().events) {
@@ -107,21 +103,20 @@ Cells nightTitles(const Report& report) {
 }
 
 Cells nightCells(const NightLine& night, bool local) {
-    const auto utc = [](double mjd) { return minuteOf(mjd) + "Z"; };
-    const auto here = [](double mjd) { return localTime(nearestMinute(mjd), LOCAL_MINUTE); };
     Cells cells = {dateOf(night.date)};
     for (const Event& event : night.events) {
-        cells.push_back(timesOf(event, utc));
-        if (local) cells.push_back(timesOf(event, here));
+        cells.push_back(timesOf(event, utcMinute));
+        if (local) cells.push_back(timesOf(event, localMinute));
     }
-    cells.push_back(fixed(night.summary.astronomicalHours, 2));
-    cells.push_back(fixed(night.summary.darkHours, 2));
-    cells.push_back(fixed(night.summary.illumination, FRACTION));
-    cells.push_back(fixed(night.summary.moonPhase, FRACTION));
+    cells.push_back(fixed(night.summary.astronomicalHours, HOURS_DECIMALS));
+    cells.push_back(fixed(night.summary.darkHours, HOURS_DECIMALS));
+    cells.push_back(fixed(night.summary.illumination, FRACTION_DECIMALS));
+    cells.push_back(fixed(night.summary.moonPhase, FRACTION_DECIMALS));
     cells.push_back(night.summary.word);
     return cells;
 }
 
+/// One row per night.
 std::string nights(const Report& report) {
     std::string text = lineOf(nightTitles(report));
     for (const NightLine& night : report.nights)

@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Where a process's standard streams lead.
+/// Which files a new process gets as its standard streams. Owns the list that posix_spawn takes.
 class Streams {
 public:
     Streams() { ::posix_spawn_file_actions_init(&actions_); }
@@ -22,7 +22,7 @@ public:
     Streams& operator=(const Streams&) = delete;
     ~Streams() { ::posix_spawn_file_actions_destroy(&actions_); }
 
-    void lead(int stream, const MemoryFile& file) {
+    void redirect(int stream, const MemoryFile& file) {
         ::posix_spawn_file_actions_adddup2(&actions_, file.fd(), stream);
     }
     const posix_spawn_file_actions_t* get() const { return &actions_; }
@@ -33,10 +33,11 @@ private:
 
 std::string firstLine(const std::string& text) {
     const std::string::size_type begin = text.find_first_not_of(" \n");
-    if (begin == std::string::npos) return "without a word";
+    if (begin == std::string::npos) return "no message";
     return printable(text.substr(begin, text.find('\n', begin) - begin));
 }
 
+/// The exit status of a process, as waitpid gives it; -1: unknown.
 int waitFor(pid_t process) {
     int status = 0;
     while (::waitpid(process, &status, 0) == -1) {
@@ -52,9 +53,9 @@ std::string runGnuplot(const std::string& script) {
     const MemoryFile output;
     const MemoryFile messages;
     Streams streams;
-    streams.lead(STDIN_FILENO, input);
-    streams.lead(STDOUT_FILENO, output);
-    streams.lead(STDERR_FILENO, messages);
+    streams.redirect(STDIN_FILENO, input);
+    streams.redirect(STDOUT_FILENO, output);
+    streams.redirect(STDERR_FILENO, messages);
     std::array<std::string, 3> words = {"gnuplot", "--default-settings", "-"};
     std::array<char*, 4> arguments = {words[0].data(), words[1].data(), words[2].data(), nullptr};
     pid_t process = 0;
@@ -65,7 +66,8 @@ std::string runGnuplot(const std::string& script) {
     const int status = waitFor(process);
     std::string result = output.content();
     if (WIFSIGNALED(status))
-        throw std::runtime_error("gnuplot was ended by signal " + std::to_string(WTERMSIG(status)));
+        throw std::runtime_error("gnuplot was killed by signal " +
+                                 std::to_string(WTERMSIG(status)));
     if (status != 0) throw std::runtime_error("gnuplot failed: " + firstLine(messages.content()));
     return result;
 }

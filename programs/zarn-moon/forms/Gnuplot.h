@@ -4,10 +4,10 @@
 
 #include <string>
 
-/// What gnuplot writes to its standard output for a script. A full memory or quota may cut it: look
-/// at its end.
+/// What gnuplot writes to its standard output for a script. If memory or a quota ran out, the end
+/// is missing: the caller checks it.
 ///
-/// @throw std::runtime_error  when it is not installed, or with its own words when it fails
+/// @throw std::runtime_error  when gnuplot is not installed, or with its own message when it fails
 std::string runGnuplot(const std::string& script);
 
 #endif  // ZARN_MOON_GNUPLOT_H

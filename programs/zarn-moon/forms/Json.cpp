@@ -9,29 +9,26 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// A number with as many decimals as it deserves.
+/// A number with this many decimals.
 double rounded(double number, int decimals) {
     const double scale = std::pow(10.0, decimals);
     return std::round(number * scale) / scale + 0.0;  // no -0
 }
 
+/// The same on a circle: what would be rounded up to the full circle is 0.
 double onCircle(double number, int decimals, double circle) {
     const double result = rounded(number, decimals);
     return result < circle ? result : 0.0;
 }
 
-constexpr int ANGLE = 4;       // decimals of degrees,
-constexpr int BRIGHTNESS = 3;  // of magnitudes,
-constexpr int FRACTION = 5;    // and of the rest
-constexpr int DAY = 6;         // [d]
-
 Json orNull(const std::optional<double>& number, int decimals) {
     return number ? Json(rounded(*number, decimals)) : Json();
 }
 
+/// A time, by the minute.
 Json timeOf(double mjd, bool local) {
-    Json time = {{"utc", minuteOf(mjd) + "Z"}};
-    if (local) time["local"] = localTime(nearestMinute(mjd), "%Y-%m-%dT%H:%M%z");
+    Json time = {{"utc", utcMinute(mjd)}};
+    if (local) time["local"] = localMinute(mjd);
     return time;
 }
 
@@ -45,18 +42,19 @@ Json nightOf(const NightLine& line, bool local) {
     const Summary& summary = line.summary;
     return {{"night", dateOf(line.date)},
             {"word", summary.word},
-            {"astronomical_hours", rounded(summary.astronomicalHours, 2)},
-            {"dark_hours", rounded(summary.darkHours, 2)},
-            {"illumination", rounded(summary.illumination, FRACTION)},
-            {"phase", rounded(summary.moonPhase, FRACTION)},
+            {"astronomical_hours", rounded(summary.astronomicalHours, HOURS_DECIMALS)},
+            {"dark_hours", rounded(summary.darkHours, HOURS_DECIMALS)},
+            {"illumination", rounded(summary.illumination, FRACTION_DECIMALS)},
+            {"phase", rounded(summary.moonPhase, FRACTION_DECIMALS)},
             {"events", events}};
 }
 
+/// A target with its best window, if that was asked for.
 Json targetOf(const Report& report, std::size_t i) {
-    const auto& [name, place] = report.settings.targets[i];
+    const auto& [name, position] = report.settings.targets[i];
     Json target = {{"name", name},
-                   {"ra_deg", onCircle(place.ra, FRACTION, 360.0)},
-                   {"dec_deg", rounded(place.dec, FRACTION)},
+                   {"ra_deg", onCircle(position.ra, POSITION_DECIMALS, FULL_CIRCLE)},
+                   {"dec_deg", rounded(position.dec, POSITION_DECIMALS)},
                    {"equinox", report.settings.equinox == Equinox::OF_DATE ? "date" : "J2000"}};
     if (report.windows.empty()) return target;
     const Window& window = report.windows[i];
@@ -69,22 +67,22 @@ Json targetOf(const Report& report, std::size_t i) {
 }
 
 Json valuesOf(const TargetValues& values) {
-    return {{"alt_deg", rounded(values.altitude, ANGLE)},
-            {"airmass", orNull(values.airmass, FRACTION)},
-            {"moon_dist_deg", rounded(values.moonDistance, ANGLE)},
-            {"moon_sky_mag", orNull(values.moonSky, BRIGHTNESS)},
-            {"sky_mag", orNull(values.sky, BRIGHTNESS)}};
+    return {{"alt_deg", rounded(values.altitude, ANGLE_DECIMALS)},
+            {"airmass", orNull(values.airmass, FRACTION_DECIMALS)},
+            {"moon_dist_deg", rounded(values.moonDistance, ANGLE_DECIMALS)},
+            {"moon_sky_mag", orNull(values.moonSky, BRIGHTNESS_DECIMALS)},
+            {"sky_mag", orNull(values.sky, BRIGHTNESS_DECIMALS)}};
 }
 
 Json rowOf(const Row& row, bool local) {
-    Json json = {{"utc", secondOf(row.mjd) + "Z"}, {"mjd", rounded(row.mjd, DAY)}};
-    if (local) json["local"] = localTime(row.mjd, "%Y-%m-%dT%H:%M:%S%z");
-    json["lst_h"] = onCircle(row.lst, FRACTION, 24.0);
-    json["sun_alt_deg"] = rounded(row.sunAltitude, ANGLE);
-    json["moon_alt_deg"] = rounded(row.moonAltitude, ANGLE);
-    json["moon_az_deg"] = onCircle(row.moonAzimuth, ANGLE, 360.0);
-    json["illumination"] = rounded(row.illumination, FRACTION);
-    json["phase"] = rounded(row.phase, FRACTION);
+    Json json = {{"utc", utcSecond(row.mjd)}, {"mjd", rounded(row.mjd, MJD_DECIMALS)}};
+    if (local) json["local"] = localSecond(row.mjd);
+    json["lst_h"] = onCircle(row.lst, SIDEREAL_DECIMALS, HOURS_PER_DAY);
+    json["sun_alt_deg"] = rounded(row.sunAltitude, ANGLE_DECIMALS);
+    json["moon_alt_deg"] = rounded(row.moonAltitude, ANGLE_DECIMALS);
+    json["moon_az_deg"] = onCircle(row.moonAzimuth, ANGLE_DECIMALS, FULL_CIRCLE);
+    json["illumination"] = rounded(row.illumination, FRACTION_DECIMALS);
+    json["phase"] = rounded(row.phase, FRACTION_DECIMALS);
     json["moon_up"] = row.moonUp;
     json["targets"] = Json::array();
     for (const TargetValues& values : row.targets) json["targets"].push_back(valuesOf(values));
@@ -114,9 +112,10 @@ std::string jsonOf(const Report& report) {
     }
     for (std::size_t i = 0; i < settings.targets.size(); ++i)
         json["targets"].push_back(targetOf(report, i));
-    // Names that are no UTF-8 get replacement characters instead of ending the program.
+    // Replacement characters take the place of what is not UTF-8: an exception would end the
+    // program.
     std::string text = json.dump(INDENT, ' ', false, Json::error_handler_t::replace);
-    // The rows may be many: each becomes text by itself, a line of its own.
+    // There may be very many rows: each becomes text by itself, on a line of its own.
     text.replace(text.rfind('\n'), std::string::npos, ",\n \"instants\": [");
     for (std::size_t i = 0; i < report.rows.size(); ++i)
         text += (i > 0 ? ",\n  " : "\n  ") + rowOf(report.rows[i], local).dump();

@@ -4,12 +4,14 @@
 
 #include <string>
 
-#include "zarn-moon/settings/Settings.h"
+#include "zarn-moon/forms/Report.h"
 
-/// The night's picture, in the format that the name in `settings.plot` ends in: altitudes of moon
-/// and targets over universal time, and below them the sky brightness at the targets.
+/// The picture of the report's night, in the format that the name in `settings.plot` ends in: the
+/// altitudes of moon and targets over UT, and below them the sky brightness at the targets.
+///
+/// @param report  on a single night
 ///
 /// @throw std::runtime_error  when gnuplot is not installed or fails
-std::string drawNight(const Settings& settings);
+std::string drawNight(const Report& report);
 
 #endif  // ZARN_MOON_PLOT_H

@@ -4,8 +4,9 @@
 
 namespace {
 
-constexpr std::size_t MOST_VALUES = 1000000;  // instants times targets: some 500 MB at most
+constexpr std::size_t MOST_VALUES = 1000000;  // instants times targets: about 500 MB at most
 
+/// Refuses a table that would take too much memory.
 void checkSize(std::size_t instants, std::size_t targets) {
     if (targets > 0 && instants > MOST_VALUES / targets) {
         throw UsageError("more than " + std::to_string(MOST_VALUES) +
@@ -15,6 +16,7 @@ void checkSize(std::size_t instants, std::size_t targets) {
 
 NightLine lineOf(const Night& night) { return {night.date, eventsOf(night), summaryOf(night)}; }
 
+/// Fills in the report on a single night.
 void addNight(Report& report) {
     const Settings& settings = report.settings;
     const Night night = makeNight(settings.site, settings.date);
@@ -23,23 +25,24 @@ void addNight(Report& report) {
     const std::vector<MJD_DATE> instants = instantsOf(night, settings.step);
     checkSize(instants.size(), settings.targets.size());
     const std::size_t middle = night.minutes.size() / 2;
-    const std::vector<MoonTarget> places = placesOfDate(settings, night.minutes[middle]);
+    const std::vector<MoonTarget> positions = positionsOfDate(settings, night.minutes[middle]);
     if (settings.minAltitude) {
-        for (const MoonTarget& place : places)
-            report.windows.push_back(bestWindow(night, place, *settings.minAltitude));
+        for (const MoonTarget& position : positions)
+            report.windows.push_back(bestWindow(night, position, *settings.minAltitude));
     }
-    report.rows = makeRows(settings, instants, places, report.windows);
+    report.rows = makeRows(settings, instants, positions, report.windows);
+    report.night = night;
 }
 
 }  // namespace
 
 Report makeReport(const Settings& settings) {
-    Report report = {settings, {}, {}, {}, {}};
+    Report report = {settings, {}, {}, {}, {}, {}};
     if (settings.mjd) {
         checkSize(1, settings.targets.size());
         report.phases = nextPhases(*settings.mjd);
         report.rows =
-            makeRows(settings, {*settings.mjd}, placesOfDate(settings, *settings.mjd), {});
+            makeRows(settings, {*settings.mjd}, positionsOfDate(settings, *settings.mjd), {});
     } else if (settings.nights == 0) {
         addNight(report);
     } else {

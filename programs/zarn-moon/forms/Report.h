@@ -1,7 +1,8 @@
-/// All that a run of zarn-moon finds out, and its forms.
+/// The results of a run of zarn-moon, and the forms in which it shows them.
 #ifndef ZARN_MOON_REPORT_H
 #define ZARN_MOON_REPORT_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,28 +10,32 @@
 #include "zarn-moon/night/Rows.h"
 #include "zarn-moon/settings/Settings.h"
 
-/// One night.
+/// One night without its minutes: of many nights, no more is kept.
 struct NightLine {
     double date;  ///< 0 h of the day that it begins on [MJD]
     std::vector<Event> events;
     Summary summary;
 };
 
+/// The results of a run.
 struct Report {
     Settings settings;
-    std::vector<NightLine> nights;  ///< the one, or as many as asked for; none for an instant
-    std::vector<Phase> phases;      ///< the next after the beginning
-    std::vector<Row> rows;          ///< of the night or instant; none for several nights
+    std::vector<NightLine> nights;  ///< the one, or as many as asked for; empty for an instant
+    std::vector<Phase> phases;      ///< the next four after the beginning
+    std::vector<Row> rows;          ///< of the night or instant; empty for several nights
     std::vector<Window> windows;    ///< of each target; empty: not asked for
+    std::optional<Night> night;     ///< minute by minute, if it is the only one
 };
 
+/// Computes all that the settings ask for.
+///
 /// @throw UsageError  when the table would be too large
 Report makeReport(const Settings& settings);
 
-/// For people, in aligned columns.
+/// For people: text and aligned columns.
 std::string tableOf(const Report& report);
 
-/// One row per instant and target, or per night, below a header row. Empty: absent.
+/// A header row, and one row per instant and target, or per night. Absent values are empty.
 std::string csvOf(const Report& report);
 
 /// Everything. Absent values are null.

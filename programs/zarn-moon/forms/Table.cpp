@@ -1,11 +1,10 @@
-#include <algorithm>
 #include <cmath>
 #include <iomanip>
 #include <sstream>
-#include <utility>
 
 #include "shared/cli/Printable.h"
 #include "shared/sky/Calendar.h"
+#include "zarn-moon/forms/Columns.h"
 #include "zarn-moon/forms/Report.h"
 #include "zarn-moon/forms/Texts.h"
 
@@ -13,7 +12,7 @@ namespace {
 
 const std::size_t DATE_LENGTH = std::string("YYYY-MM-DDT").size();
 
-/// "2026-11-25 17:06", with the local time behind it when that is asked for.
+/// "2026-11-25 17:06", followed by the local time if that is asked for.
 std::string timeText(double mjd, bool local) {
     std::string text = minuteOf(mjd);
     text.replace(text.find('T'), 1, " ");
@@ -33,12 +32,13 @@ bool isWholeMinutes(const Settings& settings) {
 /// The time of day alone.
 std::string clockText(double mjd) { return minuteOf(mjd).substr(DATE_LENGTH); }
 
+/// A sidereal time as hh:mm, cut to the minute.
 std::string hoursAndMinutes(double hours) {
-    constexpr int MINUTES_PER_HOUR = 60;
-    const int minutes = static_cast<int>(hours * MINUTES_PER_HOUR);  // 24:00 is never reached
+    constexpr int MINUTES = 60;
+    const int minutes = static_cast<int>(hours * MINUTES);  // 24:00 is never reached
     std::ostringstream text;
-    text << std::setfill('0') << std::setw(2) << minutes / MINUTES_PER_HOUR << ':' << std::setw(2)
-         << minutes % MINUTES_PER_HOUR;
+    text << std::setfill('0') << std::setw(2) << minutes / MINUTES << ':' << std::setw(2)
+         << minutes % MINUTES;
     return text.str();
 }
 
@@ -47,34 +47,7 @@ std::string percent(double fraction) {
     return fixed(HUNDRED * fraction, 0) + " %";
 }
 
-/// Lines of columns that are as wide as their widest cell, aligned to the right.
-class Columns {
-public:
-    void add(std::vector<std::string> cells) {
-        widths_.resize(cells.size());
-        for (std::size_t i = 0; i < cells.size(); ++i)
-            widths_[i] = std::max(widths_[i], cells[i].size());
-        lines_.push_back(std::move(cells));
-    }
-
-    std::string text() const {
-        std::string text;
-        for (const auto& cells : lines_) {
-            std::ostringstream line;
-            for (std::size_t i = 0; i < cells.size(); ++i)
-                line << std::setw(static_cast<int>(widths_[i]) + (i > 0 ? 2 : 0)) << cells[i];
-            const std::string filled = line.str();
-            text += filled.substr(0, filled.find_last_not_of(' ') + 1) + '\n';
-        }
-        return text;
-    }
-
-private:
-    std::vector<std::size_t> widths_;
-    std::vector<std::vector<std::string>> lines_;
-};
-
-/// The cells that name an instant.
+/// The cells that begin a row: its time, and the local time if that is asked for.
 std::vector<std::string> timeCells(double mjd, const Settings& settings) {
     const bool minutes = isWholeMinutes(settings);
     const std::string time = minutes ? clockText(mjd) : secondOf(mjd).substr(DATE_LENGTH);
@@ -94,13 +67,14 @@ void append(std::vector<std::string>& cells, const std::vector<std::string>& mor
     cells.insert(cells.end(), more.begin(), more.end());
 }
 
+/// The table of sun and moon.
 std::string skyTable(const Report& report) {
     Columns columns;
     columns.add(titles(report.settings, {"LST", "sun alt", "moon alt", "moon az", "lit", "phase"}));
     for (const Row& row : report.rows) {
         std::vector<std::string> cells = timeCells(row.mjd, report.settings);
         append(cells, {hoursAndMinutes(row.lst), fixed(row.sunAltitude, 1),
-                       fixed(row.moonAltitude, 1), fixedOnCircle(row.moonAzimuth, 1, 360.0),
+                       fixed(row.moonAltitude, 1), fixedOnCircle(row.moonAzimuth, 1, FULL_CIRCLE),
                        fixed(row.illumination, 3), fixed(row.phase, 3)});
         columns.add(cells);
     }
@@ -124,6 +98,7 @@ std::string windowText(const Window& window, double least) {
            (window.moonDown ? "down" : "up") + " (marked *)";
 }
 
+/// The table of one target.
 std::string targetTable(const Report& report, std::size_t target) {
     const Settings& settings = report.settings;
     Columns columns;
@@ -144,9 +119,9 @@ std::string targetTable(const Report& report, std::size_t target) {
 }
 
 std::string targetTitle(const Settings& settings, const Target& target) {
-    const std::string place =
-        fixedOnCircle(target.place.ra, 4, 360.0) + " " + fixed(target.place.dec, 4);
-    return "Target " + printable(target.name) + ": " + place + " degrees, equinox " +
+    const std::string position =
+        fixedOnCircle(target.position.ra, 4, FULL_CIRCLE) + " " + fixed(target.position.dec, 4);
+    return "Target " + printable(target.name) + ": " + position + " degrees, equinox " +
            (settings.equinox == Equinox::OF_DATE ? "of date" : "J2000");
 }
 
@@ -184,6 +159,7 @@ std::string instantText(const Report& report) {
            " UT at " + settings.site.name + " (" + coordinates(settings.site) + ")\n";
 }
 
+/// One line per night.
 std::string nightsTable(const Report& report) {
     const bool local = report.settings.local;
     Columns columns;

@@ -11,6 +11,14 @@
 
 #include "shared/sky/Calendar.h"
 
+std::string utcMinute(double mjd) { return minuteOf(mjd) + "Z"; }
+
+std::string utcSecond(double mjd) { return secondOf(mjd) + "Z"; }
+
+std::string localMinute(double mjd) { return localTime(nearestMinute(mjd), "%Y-%m-%dT%H:%M%z"); }
+
+std::string localSecond(double mjd) { return localTime(mjd, "%Y-%m-%dT%H:%M:%S%z"); }
+
 std::string fixed(double number, int decimals) {
     std::ostringstream stream;
     stream << std::fixed << std::setprecision(decimals) << number;

@@ -9,13 +9,13 @@
 
 #include "zarn-moon/settings/Site.h"
 
-/// Altitudes [deg] at which something begins or ends.
-constexpr double HORIZON = -0.833;  ///< of a centre, as the upper limb meets the horizon
-constexpr double CIVIL_TWILIGHT = -6.0;
-constexpr double NAUTICAL_TWILIGHT = -12.0;
-constexpr double ASTRONOMICAL_TWILIGHT = -18.0;
+/// Altitudes [deg] of the centre of sun or moon at which something begins or ends.
+inline constexpr double HORIZON = -0.833;  ///< rise and set: the upper limb is on the horizon
+inline constexpr double CIVIL_TWILIGHT = -6.0;
+inline constexpr double NAUTICAL_TWILIGHT = -12.0;
+inline constexpr double ASTRONOMICAL_TWILIGHT = -18.0;
 
-/// From local mean noon to the next, both included. Times are MJD, universal time.
+/// A night from local mean noon to the next, both included, minute by minute. Times are MJD in UT.
 struct Night {
     Site site;
     double date;                       ///< 0 h of the day that it begins on [d]
@@ -24,57 +24,69 @@ struct Night {
     MoonGrid moon;                     ///< at each of them
 };
 
+/// Computes the sun and the moon for a night.
+///
+/// @param date  0 h of the day that it begins on [MJD]
 Night makeNight(const Site& site, double date);
 
-/// The sun's altitude [deg], without refraction, where it is `lst` hours of sidereal time.
+/// The sun's altitude [deg], without refraction.
+///
+/// @param lst       local sidereal time [h]
+/// @param latitude  of the site [deg], north positive
 double sunAltitude(double mjd, double lst, double latitude);
 
-/// What happens in a night, as often as it does: none, one, seldom two times.
+/// Something that happens in a night: at no, one or, rarely, two times.
 struct Event {
-    std::string name;  ///< as "moonrise" or "civil dusk"
-    std::vector<double> times;
+    std::string name;           ///< as "moonrise" or "civil dusk"
+    std::vector<double> times;  ///< [MJD], in order
 };
 
-/// The twilights, rise, set and the moon's upper transit. One that begins and ends within a minute
-/// is not noticed.
+/// The twilights, rise, set and the moon's upper transit. What begins and ends within the same
+/// minute goes unnoticed.
 std::vector<Event> eventsOf(const Night& night);
 
-/// Of the moon's four phases each comes once.
+/// One of the moon's four phases, new moon to last quarter.
 struct Phase {
     std::string name;  ///< as "first quarter"
     double mjd;
 };
 
-/// The next four phases after an instant.
+/// The next time of each phase after an instant [MJD], in order.
 std::vector<Phase> nextPhases(double mjd);
 
-/// What the moon does to a night.
+/// How the moon affects a night.
 struct Summary {
     double astronomicalHours;  ///< with the sun below -18 degrees
-    double darkHours;          ///< of these, those with the moon below the horizon
-    double illumination;       ///< at the middle between the two noons
+    double darkHours;          ///< the part of them with the moon below the horizon
+    double illumination;       ///< fraction of the disc, halfway between the two noons
     double moonPhase;          ///< age over the mean synodic month, at the same instant
     std::string word;          ///< dark, grey or bright
 };
 
-/// The rule for the word, for the help.
-extern const char* const RULE_OF_WORDS;
+/// The rule for `Summary::word`, for the help.
+inline constexpr char RULE_OF_WORDS[] =
+    R"(A night is dark when the moon is less than 25 % lit or up for less than a tenth
+of the time with the sun below -18 degrees; bright when it is more than 65 % lit
+and up for more than half of that time, or when there is no such time; else grey.)";
 
+/// Sums up a night. Hours are counted in whole minutes.
 Summary summaryOf(const Night& night);
 
-/// A stretch of a night.
+/// A stretch of a night [MJD].
 struct Window {
     double begin;
-    double end;
-    bool moonDown;  ///< all the time
+    double end;     ///< equal to `begin`: there is no such stretch
+    bool moonDown;  ///< from begin to end
 };
 
-/// Of the stretches with the sun below -18 degrees and a target at least at an altitude, the
-/// longest without moon if that lasts an hour, else the longest. `begin` equal to `end`: there is
-/// none.
+/// A target's best window: of the stretches with the sun below -18 degrees and the target at least
+/// at an altitude [deg], the longest without moon if it lasts an hour, else the longest.
 Window bestWindow(const Night& night, const MoonTarget& target, double leastAltitude);
 
 /// A target's altitude [deg], without refraction.
+///
+/// @param lst       local sidereal time [h]
+/// @param latitude  of the site [deg], north positive
 double altitudeOf(const MoonTarget& target, double lst, double latitude);
 
 #endif  // ZARN_MOON_NIGHT_H

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr double NEGLIGIBLE = 99.0;  // of lunskybright
+constexpr double NEGLIGIBLE = 99.0;  // what lunskybright gives for no moonlight [mag]
 
 /// Airmass by Pickering 2002, DIO 12, 3: good down to the horizon, which the secant is not.
 double airmassOf(double altitude) {
@@ -24,7 +24,7 @@ double together(double a, double b) {
     return -2.5 * std::log10(std::pow(10.0, -0.4 * a) + std::pow(10.0, -0.4 * b));
 }
 
-/// What brightness needs to know of an instant.
+/// The moon at an instant, as the brightness model needs it.
 struct Moonlight {
     double sunDistance;  ///< of the moon [deg]
     double altitude;     ///< [deg]
@@ -32,6 +32,7 @@ struct Moonlight {
     bool up;
 };
 
+/// A target's values at an instant, from its altitude and its distance from the moon [deg].
 TargetValues valuesOf(const Settings& settings, double altitude, double moonDistance,
                       const Moonlight& moon, bool isDark) {
     TargetValues values = {altitude, moonDistance, {}, {}, {}, false};
@@ -47,6 +48,7 @@ TargetValues valuesOf(const Settings& settings, double altitude, double moonDist
     return values;
 }
 
+/// The row of the i-th instant, without its targets.
 Row rowOf(const Site& site, const MoonGrid& moon, std::size_t i, double mjd) {
     return {mjd,
             moon.siderealTime[i],
@@ -61,15 +63,15 @@ Row rowOf(const Site& site, const MoonGrid& moon, std::size_t i, double mjd) {
 
 }  // namespace
 
-std::vector<MoonTarget> placesOfDate(const Settings& settings, double mjd) {
-    std::vector<MoonTarget> places;
+std::vector<MoonTarget> positionsOfDate(const Settings& settings, double mjd) {
+    std::vector<MoonTarget> positions;
     for (const Target& target : settings.targets) {
-        const Position place = settings.equinox == Equinox::OF_DATE
-                                   ? target.place
-                                   : precessed(target.place, J2000_EPOCH, mjd);
-        places.push_back({place.ra, place.dec});
+        const Position position = settings.equinox == Equinox::OF_DATE
+                                      ? target.position
+                                      : precessed(target.position, J2000_EPOCH, mjd);
+        positions.push_back({position.ra, position.dec});
     }
-    return places;
+    return positions;
 }
 
 std::vector<MJD_DATE> instantsOf(const Night& night, double stepMinutes) {

@@ -8,35 +8,40 @@
 #include "zarn-moon/night/Night.h"
 #include "zarn-moon/settings/Settings.h"
 
-/// A target at an instant. What would mean nothing is absent.
+/// A target at an instant. A value that would have no meaning is absent.
 struct TargetValues {
     double altitude;                ///< [deg], without refraction
     double moonDistance;            ///< angle between moon and target [deg]
     std::optional<double> airmass;  ///< above the horizon only
-    std::optional<double> moonSky;  ///< added by the moon [V mag per square arc second]; both up,
-                                    ///< and the moon not negligible
-    std::optional<double> sky;      ///< in all; target up, sun below -18 degrees
+    std::optional<double> moonSky;  ///< added by the moon [V mag per square arc second], if both
+                                    ///< are up and it is not negligible
+    std::optional<double> sky;      ///< total brightness, if the target is up and the sun below
+                                    ///< -18 degrees
     bool best;                      ///< within the target's best window
 };
 
+/// The sky at an instant. Altitudes are without refraction.
 struct Row {
     double mjd;
-    double lst;  ///< [h]
-    double sunAltitude;
-    double moonAltitude;
-    double moonAzimuth;
-    double illumination;
-    double phase;
+    double lst;           ///< local sidereal time [h]
+    double sunAltitude;   ///< [deg]
+    double moonAltitude;  ///< [deg]
+    double moonAzimuth;   ///< [deg], from north over east
+    double illumination;  ///< fraction of the moon's disc
+    double phase;         ///< age over the mean synodic month
     bool moonUp;
-    std::vector<TargetValues> targets;  ///< in their order
+    std::vector<TargetValues> targets;  ///< in the order of the settings
 };
 
-/// The targets' places in the equinox of date.
-std::vector<MoonTarget> placesOfDate(const Settings& settings, double mjd);
+/// The targets' positions in the equinox of the date `mjd`.
+std::vector<MoonTarget> positionsOfDate(const Settings& settings, double mjd);
 
-/// The instants of a night's table: whole steps of universal time from sunset to sunrise.
+/// The instants of a night's table [MJD]: from sunset to sunrise, whole steps after 0 h UT.
 std::vector<MJD_DATE> instantsOf(const Night& night, double stepMinutes);
 
+/// The rows of a table.
+///
+/// @param targets  in the equinox of date
 /// @param windows  the best window of each target; empty: not asked for
 std::vector<Row> makeRows(const Settings& settings, const std::vector<MJD_DATE>& instants,
                           const std::vector<MoonTarget>& targets,

@@ -13,13 +13,13 @@ public:
     /// @param arguments  the process's arguments, its name first
     explicit CommandLine(std::vector<const char*> arguments);
 
-    /// What the command line asks for.
+    /// What the command line asks for, checked.
     ///
-    /// @param now  the present instant [MJD], for the night that is meant when none is named
-    /// @throw UsageError  naming option and value, or after the parser has logged the details
+    /// @param now  the present instant [MJD]: without a date, tonight is meant
+    /// @throw UsageError  naming option and value; or after the parser has logged what is wrong
     Settings parse(double now);
 
-    /// Writes the options and what a user should know besides to standard output.
+    /// Writes the help to standard output: the options, and notes on how to use them.
     ///
     /// @param ruleOfWords  by which a night is called dark, grey or bright
     void displayFullHelp(const std::string& ruleOfWords) const;

@@ -11,7 +11,7 @@
 #include "zarn-moon/settings/Targets.h"
 
 /// With more targets the lines of a picture cannot be told apart.
-constexpr std::size_t MOST_DRAWN_TARGETS = 12;
+inline constexpr std::size_t MOST_DRAWN_TARGETS = 12;
 
 /// Forms of the result, in the order of the option's words.
 enum class Format { TABLE, CSV, JSON };
@@ -19,6 +19,7 @@ enum class Format { TABLE, CSV, JSON };
 /// To which equinox the targets' positions refer, in the order of the option's words.
 enum class Equinox { J2000, OF_DATE };
 
+/// Everything that options set. A member holds its default until then.
 struct Settings {
     Site site = {};
     std::vector<Target> targets;
@@ -26,20 +27,20 @@ struct Settings {
 
     double date = 0.0;          ///< 0 h of the day that the night begins on [MJD]
     std::optional<double> mjd;  ///< one instant instead of a night [d]
-    unsigned nights = 0;        ///< one line a night for so many; 0: the table of one
-    double step = 30.0;         ///< of the table [minutes]
+    unsigned nights = 0;        ///< number of nights, one line each; 0: the table of one night
+    double step = 30.0;         ///< time between rows of the table [minutes]
 
     double extinction = 0.172;          ///< at the zenith [mag per airmass]
     double darkSky = 21.8;              ///< without moon [V mag per square arc second]
     std::optional<double> minAltitude;  ///< of a target's best window [deg]
 
-    bool local = false;  ///< show times of the process's time zone, too
+    bool local = false;  ///< also show times of the process's time zone
     Format format = Format::TABLE;
-    std::string output;  ///< file; empty: standard output
-    std::string plot;    ///< picture's file; empty: none
-    bool help = false;
-    bool version = false;
-    bool bashCompletion = false;
+    std::string output;           ///< file; empty: standard output
+    std::string plot;             ///< file of the picture; empty: none
+    bool help = false;            ///< show the help, and do nothing else
+    bool version = false;         ///< likewise the version
+    bool bashCompletion = false;  ///< likewise the completion script
 };
 
 #endif  // ZARN_MOON_SETTINGS_H

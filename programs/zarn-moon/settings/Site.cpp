@@ -16,7 +16,7 @@
 
 namespace {
 
-/// An angle with a hemisphere's letter behind it.
+/// An angle followed by the letter of its hemisphere, of which one counts as positive.
 double hemisphereAngle(const std::string& text, char positive, char negative, double most) {
     const int letter = std::toupper(static_cast<unsigned char>(text.back()));
     if (letter != positive && letter != negative) {
@@ -38,12 +38,12 @@ Site telescopeSite(const std::string& name) {
 
 Site siteAt(const std::string& text) {
     constexpr double POLE = 90.0;
-    constexpr double HALF_CIRCLE = 180.0;
+    constexpr double HALF_CIRCLE = FULL_CIRCLE / 2.0;
     std::vector<std::string> words;
     ZarnSys::split(text, " \t", words);
     if (words.size() != 2) {
         throw std::invalid_argument("\"" + printable(text) +
-                                    "\" is no latitude and longitude as 42.5N 12.3E");
+                                    "\" is not a latitude and longitude such as 42.5N 12.3E");
     }
     return {"the place", hemisphereAngle(words[0], 'N', 'S', POLE),
             hemisphereAngle(words[1], 'W', 'E', HALF_CIRCLE)};
@@ -58,9 +58,6 @@ std::string coordinates(const Site& site) {
     return text.str();
 }
 
-double noonOf(const Site& site, double date) {
-    constexpr double CIRCLE = 360.0;  // [deg]
-    return date + 0.5 + site.longitude / CIRCLE;
-}
+double noonOf(const Site& site, double date) { return date + 0.5 + site.longitude / FULL_CIRCLE; }
 
 double nightOf(const Site& site, double mjd) { return std::floor(mjd - noonOf(site, 0.0)); }

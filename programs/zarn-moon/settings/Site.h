@@ -1,9 +1,10 @@
-/// The places that nights are computed for.
+/// The sites that nights are computed for.
 #ifndef ZARN_MOON_SITE_H
 #define ZARN_MOON_SITE_H
 
 #include <string>
 
+/// A site on the Earth.
 struct Site {
     std::string name;  ///< as messages and results call it
     double latitude;   ///< [deg], north positive
@@ -12,19 +13,19 @@ struct Site {
 
 /// The site of a telescope.
 ///
-/// @throw std::invalid_argument  with a text that holds the names, for any other name
+/// @throw WrongValue  listing the names, for any other name
 Site telescopeSite(const std::string& name);
 
-/// The site of a place: latitude and longitude, in degrees or sexagesimal, each followed by its
-/// hemisphere's letter, as "42.5N 12.3E".
+/// The site at a latitude and longitude, in degrees or sexagesimal, each followed by the letter of
+/// its hemisphere, such as "42.5N 12.3E".
 ///
-/// @throw std::invalid_argument  with a text that says what is wrong
+/// @throw std::invalid_argument  saying what is wrong
 Site siteAt(const std::string& text);
 
 /// Local mean noon of a day whose 0 h is `date` [MJD].
 double noonOf(const Site& site, double date);
 
-/// 0 h of the date on which the night begins that an instant belongs to [MJD].
+/// The night that an instant [MJD] belongs to: 0 h of the day that it begins on [MJD].
 double nightOf(const Site& site, double mjd);
 
 /// Latitude and longitude with the letters of their hemispheres.

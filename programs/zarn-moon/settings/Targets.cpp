@@ -21,7 +21,8 @@ std::string trimmed(const std::string& text) {
     return text.substr(begin, text.find_last_not_of(" \t\r") + 1 - begin);
 }
 
-/// The text between two quotes, where two of them stand for one; `at` is left behind the second.
+/// The text between two quotes, where two quotes in a row stand for one. `at` is the position of
+/// the opening quote, and afterwards the one after the closing quote.
 std::string quoted(const std::string& line, std::string::size_type& at) {
     std::string text;
     for (++at; at < line.size(); ++at) {
@@ -37,7 +38,7 @@ std::string quoted(const std::string& line, std::string::size_type& at) {
     throw std::invalid_argument("a quote is not closed");
 }
 
-/// The fields of a line, without blanks around them.
+/// The fields of a line, without the blanks around them.
 std::vector<std::string> fields(const std::string& line) {
     std::vector<std::string> result;
     std::string::size_type at = 0;
@@ -51,13 +52,14 @@ std::vector<std::string> fields(const std::string& line) {
         const std::string::size_type comma = std::min(line.find(',', at), line.size());
         const std::string rest = trimmed(line.substr(at, comma - at));
         if (begin != std::string::npos && line[begin] == '"' && !rest.empty())
-            throw std::invalid_argument("something stands behind a closing quote");
+            throw std::invalid_argument("text after the closing quote");
         result.push_back(field + rest);
         at = comma + 1;
     }
     return result;
 }
 
+/// Whether a line names the columns: it begins with "name" and holds no number.
 bool isTitle(const std::string& line) {
     return ZarnSys::lower(line).rfind("name,", 0) == 0 &&
            line.find_first_of("0123456789") == std::string::npos;
@@ -67,7 +69,7 @@ Target targetOf(const std::string& line) {
     constexpr std::size_t FIELDS = 3;
     const std::vector<std::string> parts = fields(line);
     if (parts.size() != FIELDS)
-        throw std::invalid_argument("is not name, right ascension, declination");
+        throw std::invalid_argument("expected name, right ascension, declination");
     if (parts[0].empty()) throw std::invalid_argument("the name is empty");
     return {parts[0], parsePosition(parts[1], parts[2])};
 }
@@ -100,6 +102,7 @@ std::vector<Target> readTargets(const std::string& fileName) {
                              error.what());
         }
     }
-    if (targets.empty()) throw UsageError("option --targets: no target in " + printable(fileName));
+    if (targets.empty())
+        throw UsageError("option --targets: there is no target in " + printable(fileName));
     return targets;
 }

@@ -7,17 +7,18 @@
 
 #include "shared/sky/Angles.h"
 
+/// One thing to look at.
 struct Target {
-    std::string name;
-    Position place;  ///< as it was given
+    std::string name;   ///< of a target on the command line its position as given
+    Position position;  ///< as given, not precessed
 };
 
-/// The targets of a file: lines of name, right ascension and declination with commas between them,
-/// positions as `parsePosition` takes them. A name with commas or quotes stands in double quotes,
-/// its quotes doubled. Empty lines, lines that begin with #, and a first line "name,ra,dec" do not
-/// count.
+/// The targets of a file. Its lines hold name, right ascension and declination, separated by
+/// commas; `parsePosition` reads the positions. A name with commas or quotes stands in double
+/// quotes, its quotes doubled. Empty lines, lines that begin with #, and a first line "name,ra,dec"
+/// are ignored.
 ///
-/// @throw UsageError  naming file and line
+/// @throw UsageError  naming the file, and the line at fault
 std::vector<Target> readTargets(const std::string& fileName);
 
 #endif  // ZARN_MOON_TARGETS_H

@@ -1,0 +1,87 @@
+#include <zarnsys/util/Astronomy.h>
+
+#include <cmath>
+#include <iterator>
+
+#include "shared/sky/Units.h"
+#include "zarn-moon/night/Night.h"
+
+namespace {
+
+/// The times at which values, one for each minute, cross 0 upwards or downwards. Between two
+/// minutes they are taken as linear, which is right to a fraction of a second.
+std::vector<double> crossings(const Night& night, const std::vector<double>& values, bool upwards) {
+    std::vector<double> times;
+    for (std::size_t i = 1; i < values.size(); ++i) {
+        const double before = values[i - 1];
+        const double after = values[i];
+        const bool crosses = upwards ? before < 0.0 && after >= 0.0 : before >= 0.0 && after < 0.0;
+        if (!crosses) continue;
+        const double step = night.minutes[i] - night.minutes[i - 1];
+        times.push_back(night.minutes[i - 1] + step * before / (before - after));
+    }
+    return times;
+}
+
+/// Altitudes counted from a level, so that it becomes their zero.
+std::vector<double> above(const std::vector<double>& altitudes, double level) {
+    std::vector<double> result(altitudes);
+    for (double& altitude : result) altitude -= level;
+    return result;
+}
+
+/// How far west of the meridian the moon is: negative before its upper transit, positive after it.
+std::vector<double> westOfMeridian(const MoonGrid& moon) {
+    std::vector<double> result(moon.azimuth);
+    for (std::size_t i = 0; i < result.size(); ++i) {
+        // The factor of the altitude: near the zenith, the azimuth alone would jump.
+        result[i] =
+            -std::sin(moon.azimuth[i] / DEG_PER_RAD) * std::cos(moon.altitude[i] / DEG_PER_RAD);
+    }
+    return result;
+}
+
+// What the sun does, in the order of a night.
+constexpr struct {
+    const char* name;
+    double altitude;
+    bool rising;
+} SUN_EVENTS[] = {
+    {"sunset", HORIZON, false},
+    {"civil dusk", CIVIL_TWILIGHT, false},
+    {"nautical dusk", NAUTICAL_TWILIGHT, false},
+    {"astronomical dusk", ASTRONOMICAL_TWILIGHT, false},
+    {"astronomical dawn", ASTRONOMICAL_TWILIGHT, true},
+    {"nautical dawn", NAUTICAL_TWILIGHT, true},
+    {"civil dawn", CIVIL_TWILIGHT, true},
+    {"sunrise", HORIZON, true},
+};
+
+constexpr const char* PHASES[] = {"new moon", "first quarter", "full moon", "last quarter"};
+
+}  // namespace
+
+std::vector<Event> eventsOf(const Night& night) {
+    std::vector<Event> events;
+    for (const auto& [name, altitude, rising] : SUN_EVENTS)
+        events.push_back({name, crossings(night, above(night.sunAltitudes, altitude), rising)});
+    const std::vector<double> moon = above(night.moon.altitude, HORIZON);
+    events.push_back({"moonrise", crossings(night, moon, true)});
+    events.push_back({"moon transit", crossings(night, westOfMeridian(night.moon), true)});
+    events.push_back({"moonset", crossings(night, moon, false)});
+    return events;
+}
+
+std::vector<Phase> nextPhases(double mjd) {
+    constexpr int PHASES_PER_LUNATION = 4;
+    int lunation = 0;
+    lun_age(mjd + JD_OF_MJD_0, &lunation);
+    std::vector<Phase> phases;
+    for (int quarter = 0; phases.size() < std::size(PHASES); ++quarter) {
+        const int phase = quarter % PHASES_PER_LUNATION;
+        double jd = 0;
+        flmoon(lunation + quarter / PHASES_PER_LUNATION, phase, &jd);
+        if (jd - JD_OF_MJD_0 > mjd) phases.push_back({PHASES[phase], jd - JD_OF_MJD_0});
+    }
+    return phases;
+}
