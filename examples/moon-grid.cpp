@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <iomanip>
 #include <iostream>
+#include <iterator>
 
 namespace {
 
@@ -48,6 +49,7 @@ int main(int argc, char** argv) {
     const MJD_DATE begin = std::strtod(argv[1], nullptr);
     const Place place = {std::strtod(argv[2], nullptr), std::strtod(argv[3], nullptr)};
     std::vector<MoonTarget> targets;
+    targets.reserve(std::size(CATALOGUE));
     for (const auto& [name, ra, dec] : CATALOGUE) targets.push_back(precessed(ra, dec, begin));
     std::vector<MJD_DATE> instants;
     for (int step = 0; step < STEPS; ++step) instants.push_back(begin + step * STEP);

@@ -18,11 +18,10 @@ TEST(MoonCardsTest, PositionAndTimeDecideTheState) {
         const char* states[] = {"not asked", "given", "without", "malformed"};
         std::string shown = states[static_cast<int>(moon.state)];
         shown += ", " + std::to_string(moon.lines.size()) + " cards";
-        for (const auto& [line, text, isWarning] : moon.remarks)
-            shown.append(isWarning ? "; " : "; note ")
-                .append(std::to_string(line))
-                .append(": ")
-                .append(text);
+        for (const auto& [line, text, isWarning] : moon.remarks) {
+            shown += isWarning ? "; " : "; note ";
+            shown.append(std::to_string(line)).append(": ").append(text);
+        }
         return shown + "\n";
     });
 }

@@ -2,7 +2,7 @@
 
 #include <ace/Log_Msg.h>
 
-#include <algorithm>
+#include <array>
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
@@ -26,12 +26,13 @@ const char* levelWord(ACE_Log_Priority priority) {
     }
 }
 
-/// Shortens a message to what a line holds, never up to the middle of a UTF-8 sequence.
-void shorten(std::string& message) {
+/// How long a message may be that begins with these characters: never up to the middle of a UTF-8
+/// sequence.
+std::size_t lengthThatFits(const char* message) {
     const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; };
     std::size_t length = LONGEST_MESSAGE;
     while (length > 0 && continues(message[length])) --length;
-    message.resize(length);
+    return length;
 }
 
 }  // namespace
@@ -40,17 +41,17 @@ LogLine::LogLine(ACE_Log_Priority priority, const char* file, int line)
     : priority_(priority), file_(file), line_(line), error_(ACE_Log_Msg::last_error_adapter()) {}
 
 void LogLine::operator()(const char* format, ...) const {
-    std::string message(LONGEST_MESSAGE + 1, '\0');  // one more shows where a character ends
+    ACE_Log_Msg* log = ACE_Log_Msg::instance();
+    log->conditional_set(file_, line_, 0, error_);
+    if (log->log_priority_enabled(priority_) == 0) return;  // nobody is going to read the message
+    std::array<char, LONGEST_MESSAGE + 2> message = {};     // one more shows where a character ends
     va_list arguments;
     va_start(arguments, format);
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): clang 14 does not see va_start
-    const int length = std::vsnprintf(message.data(), message.size() + 1, format, arguments);
+    const int length = std::vsnprintf(message.data(), message.size(), format, arguments);
     va_end(arguments);
-    const std::size_t whole = length > 0 ? static_cast<std::size_t>(length) : 0;
-    message.resize(std::min(whole, message.size()));
-    if (whole > LONGEST_MESSAGE) shorten(message);
+    if (length > 0 && static_cast<std::size_t>(length) > LONGEST_MESSAGE)
+        message[lengthThatFits(message.data())] = '\0';
     const std::string lineFormat = std::string("%D ") + levelWord(priority_) + " [ %t ] %s\n";
-    ACE_Log_Msg* log = ACE_Log_Msg::instance();
-    log->conditional_set(file_, line_, 0, error_);
-    log->log(priority_, lineFormat.c_str(), message.c_str());
+    log->log(priority_, lineFormat.c_str(), message.data());
 }

@@ -1,7 +1,9 @@
 #include "zarnsys/util/StringUtils.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
+#include <climits>
 #include <iterator>
 
 namespace {
@@ -15,12 +17,15 @@ const char rcsId[] = "@(#) $Id: StringUtils.cpp,v " ZARNSYS_VERSION " " ZARNSYS_
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the published signature takes a value
 void ZarnSys::split(const std::string& in, std::string delim, std::vector<std::string>& out) {
+    std::array<bool, UCHAR_MAX + 1> divides = {};
+    for (const char c : delim) divides[static_cast<unsigned char>(c)] = true;
+    const auto isDelimiter = [&divides](unsigned char c) { return divides[c]; };
     std::vector<std::string> fields;  // apart from `out`, in which `in` may lie
-    std::string::size_type begin = in.find_first_not_of(delim);
-    while (begin != std::string::npos) {
-        const std::string::size_type end = std::min(in.find_first_of(delim, begin), in.size());
-        fields.push_back(in.substr(begin, end - begin));
-        begin = in.find_first_not_of(delim, end);
+    auto begin = std::find_if_not(in.begin(), in.end(), isDelimiter);
+    while (begin != in.end()) {
+        const auto end = std::find_if(begin, in.end(), isDelimiter);
+        fields.emplace_back(begin, end);
+        begin = std::find_if_not(end, in.end(), isDelimiter);
     }
     std::move(fields.begin(), fields.end(), std::back_inserter(out));
 }

@@ -38,7 +38,7 @@ std::string dateIn(const std::string& text) {
     if (text.size() == OLD_LENGTH && text[2] == '/' && text[5] == '/')
         return "19" + text.substr(6, 2) + "-" + text.substr(3, 2) + "-" + text.substr(0, 2);
     std::string date = text.substr(0, DATE_LENGTH);
-    for (const std::size_t at : {4, 7}) {
+    for (const std::size_t at : {4U, 7U}) {
         if (date.size() == DATE_LENGTH && date[at] == '/') date[at] = '-';
     }
     return date;

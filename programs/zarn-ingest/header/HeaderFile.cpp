@@ -4,7 +4,6 @@
 #include <cctype>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
 #include <iterator>
 #include <system_error>
@@ -40,8 +39,9 @@ bool isBinary(const std::string& bytes) {
 bool promisesData(const std::string& bytes) {
     const std::string naxis = "NAXIS   =";
     for (std::size_t at = 0; at < bytes.size(); at += CARD_LENGTH) {
-        if (bytes.compare(at, naxis.size(), naxis) == 0)
-            return std::atoi(bytes.substr(at + naxis.size(), CARD_LENGTH).c_str()) != 0;
+        if (bytes.compare(at, naxis.size(), naxis) != 0) continue;
+        const std::string value = bytes.substr(at, bytes.find('/', at) - at);
+        return value.find_first_of("123456789") < CARD_LENGTH;
     }
     return false;
 }
