@@ -6,55 +6,108 @@
 /// processor has. The classic call's results come out within 1e-8 of each unit, angles modulo their
 /// circle, and the phase within one step of single precision. The exceptions are where the formulas
 /// themselves amplify rounding: within an arc second of zenith or nadir the moon's altitude and
-/// azimuth, of a target or its antipode the distance; instants within a microsecond of a new moon,
-/// for which either lunation may be taken; and on 32-bit x86 instants more than 10,000 years away.
+/// azimuth, of a target or its antipode the separation; instants within a microsecond of a new
+/// moon, for which either lunation may be taken; and on 32-bit x86 instants more than 10,000 years
+/// away.
 #ifndef ZARNSYS_UTIL_MOONGRID_H
 #define ZARNSYS_UTIL_MOONGRID_H
 
 #include <cstddef>
+#include <limits>
 #include <vector>
 
 #include "Export.h"
 #include "ZarnMoonVal.h"
 #include "ZarnTime.h"
 
-/// A target's place in the equinox of date, see `computeMoonParam`.
-struct MoonTarget {
-    double ra;   ///< right ascension [deg]
-    double dec;  ///< declination [deg]
+/// A position in the sky, in the equinox of date, see `computeMoonParam`.
+struct SkyPosition {
+    double ra;   ///< right ascension [deg]; whole circles more or less do not matter
+    double dec;  ///< declination [deg], -90 to 90
 };
 
-/// The moon's values. All vectors but the last have one element per instant, in the order given.
-struct MoonGrid {
-    std::vector<double> lst;        ///< local mean sidereal time [h]
-    std::vector<double> moonfli;    ///< illuminated fraction, 0 to 1
-    std::vector<double> moonalt;    ///< moon's altitude [deg], without refraction
-    std::vector<double> moonaz;     ///< moon's azimuth [deg], from north through east
-    std::vector<double> moonphase;  ///< moon's age over the mean synodic month
-    std::vector<double> alphasun;   ///< angle between sun and moon [RADIANS]
-    std::vector<double> objdist;    ///< distance from observer to moon [Earth radii]
+/// An observer's place on the Earth. Its coordinates are set by name, so that none takes the
+/// other's place; they are not-a-number until then.
+struct Place {
+    explicit Place() = default;
 
-    /// Angle between moon and target [deg]: a row of all targets for each instant, so that the
-    /// value of a target at an instant is element instant * (number of targets) + target.
-    std::vector<double> moondist;
+    /// [deg], north positive, -90 to 90
+    double latitude = std::numeric_limits<double>::quiet_NaN();
+    /// [deg], WEST positive; whole circles more or less do not matter
+    double westLongitude = std::numeric_limits<double>::quiet_NaN();
+};
+
+/// The place of a telescope, from the table that `getTelescopeCoord` reads; not-a-number for a
+/// value that is no enumerator. Throws nothing.
+ZARNSYS_EXPORT Place telescopePlace(Telescope telescope);
+
+/// A value for every target at every instant, the targets of an instant side by side in memory.
+///
+/// Indices are not checked. Several threads may read one table, or write different elements of it.
+class TargetTable {
+public:
+    std::size_t instants() const { return instants_; }
+    std::size_t targets() const { return targets_; }
+
+    /// The value of a target at an instant, both by their place in the order given, from 0 on.
+    double operator()(std::size_t instant, std::size_t target) const {
+        return row(instant)[target];
+    }
+
+    /// @{
+    /// The values of an instant, one per target; valid until the table is resized or ends.
+    const double* row(std::size_t instant) const { return values_.data() + instant * targets_; }
+    double* row(std::size_t instant) { return values_.data() + instant * targets_; }
+    /// @}
+
+    /// Makes room for as many instants and targets; what values it holds then is unspecified. Takes
+    /// memory only when it never had as many values, and gives none back.
+    ///
+    /// @throw std::bad_alloc, std::length_error  when there is no such room; nothing has changed
+    ZARNSYS_EXPORT void resize(std::size_t instants, std::size_t targets);
+
+private:
+    std::size_t instants_ = 0;
+    std::size_t targets_ = 0;
+    std::vector<double> values_;
+};
+
+/// The moon's values for an observer. The vectors have one element per instant, in the order given.
+struct MoonGrid {
+    std::vector<double> siderealTime;  ///< local mean sidereal time [h], 0 <= t < 24
+    std::vector<double> altitude;      ///< moon's altitude [deg], -90 to 90, without refraction
+    std::vector<double> azimuth;       ///< moon's azimuth [deg], 0 to 360, from north through east
+    std::vector<double> distance;      ///< from observer to moon [Earth radii], about 55 to 65
+    std::vector<double> elongation;    ///< angle between sun and moon [deg], 0 new to 180 full
+    std::vector<double> illumination;  ///< illuminated fraction, 0 to 1
+    std::vector<double> phase;         ///< age over the mean synodic month, see `lun_age`
+    TargetTable separation;            ///< angle between moon and target [deg], 0 to 180
 };
 
 /// Computes the moon's values for every target at every instant, seen from a place.
 ///
-/// Instants in rising order are the fastest. Not-a-number inputs give not-a-number values; nothing
-/// is written anywhere. Reentrant: several threads may compute parts of a larger grid.
+/// Instants in rising order are the fastest. Not-a-number comes out where the inputs say nothing: a
+/// target whose declination lies beyond a pole, or one of whose coordinates is not finite, has no
+/// separation, an instant that is not finite no value at all; beyond a pole there is only the
+/// sidereal time and the phase, without a longitude only the phase. Nothing is written anywhere.
+/// Reentrant: several threads may compute, each its own grid.
 ///
-/// @param targets    places in the equinox of date [deg]
-/// @param instants   [d], universal time
-/// @param longitude  observer's longitude [deg], WEST positive
-/// @param latitude   observer's latitude [deg]
+/// @param targets   positions in the equinox of date
+/// @param instants  [d], universal time
+/// @param place     the observer's
 /// @throw std::bad_alloc, std::length_error  when the values find no room
-ZARNSYS_EXPORT MoonGrid computeMoonGrid(const std::vector<MoonTarget>& targets,
-                                        const std::vector<MJD_DATE>& instants, double longitude,
-                                        double latitude);
+ZARNSYS_EXPORT MoonGrid computeMoonGrid(const std::vector<SkyPosition>& targets,
+                                        const std::vector<MJD_DATE>& instants, const Place& place);
 
-/// The same for a telescope's place; latitude and longitude 0 for one that is unknown.
-ZARNSYS_EXPORT MoonGrid computeMoonGrid(const std::vector<MoonTarget>& targets,
-                                        const std::vector<MJD_DATE>& instants, Telescope telescope);
+/// The same into a grid that the caller keeps, which gets the sizes of the inputs whatever it held
+/// before. One that once had as many values is filled without taking memory anew, which for large
+/// grids saves most of the time.
+///
+/// @param grid  receives the values; after an exception sizes and values are unspecified, and the
+///              grid can be used again
+/// @throw std::bad_alloc, std::length_error  when the values find no room
+ZARNSYS_EXPORT void computeMoonGrid(const std::vector<SkyPosition>& targets,
+                                    const std::vector<MJD_DATE>& instants, const Place& place,
+                                    MoonGrid& grid);
 
 #endif  // ZARNSYS_UTIL_MOONGRID_H

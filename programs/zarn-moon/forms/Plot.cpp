@@ -167,7 +167,7 @@ std::string scriptOf(const Settings& settings, const std::vector<Row>& rows,
 
 std::string drawNight(const Settings& settings) {
     const Night night = makeNight(settings.site, settings.date);
-    const std::vector<MoonTarget> places =
+    const std::vector<SkyPosition> places =
         placesOfDate(settings, night.minutes[night.minutes.size() / 2]);
     const std::vector<Row> rows = makeRows(settings, instantsToDraw(night), places, {});
     std::string picture = runGnuplot(scriptOf(settings, rows, summaryOf(night)));

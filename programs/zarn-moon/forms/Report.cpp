@@ -23,9 +23,9 @@ void addNight(Report& report) {
     const std::vector<MJD_DATE> instants = instantsOf(night, settings.step);
     checkSize(instants.size(), settings.targets.size());
     const std::size_t middle = night.minutes.size() / 2;
-    const std::vector<MoonTarget> places = placesOfDate(settings, night.minutes[middle]);
+    const std::vector<SkyPosition> places = placesOfDate(settings, night.minutes[middle]);
     if (settings.minAltitude) {
-        for (const MoonTarget& place : places)
+        for (const SkyPosition& place : places)
             report.windows.push_back(bestWindow(night, place, *settings.minAltitude));
     }
     report.rows = makeRows(settings, instants, places, report.windows);

@@ -35,11 +35,11 @@ std::vector<double> above(const std::vector<double>& altitudes, double level) {
 
 /// How far west the moon is: negative before its upper transit, positive after it.
 std::vector<double> westOfMeridian(const MoonGrid& moon) {
-    std::vector<double> result(moon.moonaz);
+    std::vector<double> result(moon.azimuth);
     for (std::size_t i = 0; i < result.size(); ++i) {
         // Times the cosine of the altitude: near the zenith the azimuth alone would jump.
         result[i] =
-            -std::sin(moon.moonaz[i] / DEG_PER_RAD) * std::cos(moon.moonalt[i] / DEG_PER_RAD);
+            -std::sin(moon.azimuth[i] / DEG_PER_RAD) * std::cos(moon.altitude[i] / DEG_PER_RAD);
     }
     return result;
 }
@@ -101,7 +101,7 @@ double sunAltitude(double mjd, double lst, double latitude) {
     return altit(dec, adj_time(lst - ra), latitude, &azimuth);
 }
 
-double altitudeOf(const MoonTarget& target, double lst, double latitude) {
+double altitudeOf(const SkyPosition& target, double lst, double latitude) {
     double azimuth = 0;
     return altit(target.dec, adj_time(lst - target.ra / DEG_PER_HOUR), latitude, &azimuth);
 }
@@ -111,10 +111,10 @@ Night makeNight(const Site& site, double date) {
     const double noon = noonOf(site, date);
     for (int minute = 0; minute <= static_cast<int>(MINUTES_PER_DAY); ++minute)
         night.minutes.push_back(noon + minute / MINUTES_PER_DAY);
-    night.moon = computeMoonGrid({}, night.minutes, site.longitude, site.latitude);
+    night.moon = computeMoonGrid({}, night.minutes, placeOf(site));
     for (std::size_t i = 0; i < night.minutes.size(); ++i)
         night.sunAltitudes.push_back(
-            sunAltitude(night.minutes[i], night.moon.lst[i], site.latitude));
+            sunAltitude(night.minutes[i], night.moon.siderealTime[i], site.latitude));
     return night;
 }
 
@@ -122,7 +122,7 @@ std::vector<Event> eventsOf(const Night& night) {
     std::vector<Event> events;
     for (const auto& [name, altitude, rising] : SUN_EVENTS)
         events.push_back({name, crossings(night, above(night.sunAltitudes, altitude), rising)});
-    const std::vector<double> moon = above(night.moon.moonalt, HORIZON);
+    const std::vector<double> moon = above(night.moon.altitude, HORIZON);
     events.push_back({"moonrise", crossings(night, moon, true)});
     events.push_back({"moon transit", crossings(night, westOfMeridian(night.moon), true)});
     events.push_back({"moonset", crossings(night, moon, false)});
@@ -149,22 +149,22 @@ Summary summaryOf(const Night& night) {
     for (std::size_t i = 1; i < night.minutes.size(); ++i) {  // the last noon is the next one's
         if (night.sunAltitudes[i] >= ASTRONOMICAL_TWILIGHT) continue;
         ++astronomical;
-        if (night.moon.moonalt[i] < HORIZON) ++dark;
+        if (night.moon.altitude[i] < HORIZON) ++dark;
     }
     const std::size_t middle = night.minutes.size() / 2;
     Summary summary = {astronomical / MINUTES_PER_HOUR, dark / MINUTES_PER_HOUR,
-                       night.moon.moonfli[middle], night.moon.moonphase[middle], ""};
+                       night.moon.illumination[middle], night.moon.phase[middle], ""};
     summary.word = wordFor(summary);
     return summary;
 }
 
-Window bestWindow(const Night& night, const MoonTarget& target, double leastAltitude) {
+Window bestWindow(const Night& night, const SkyPosition& target, double leastAltitude) {
     std::vector<bool> high;
     std::vector<bool> highWithoutMoon;
     for (std::size_t i = 0; i < night.minutes.size(); ++i) {
-        const double altitude = altitudeOf(target, night.moon.lst[i], night.site.latitude);
+        const double altitude = altitudeOf(target, night.moon.siderealTime[i], night.site.latitude);
         high.push_back(night.sunAltitudes[i] < ASTRONOMICAL_TWILIGHT && altitude >= leastAltitude);
-        highWithoutMoon.push_back(high.back() && night.moon.moonalt[i] < HORIZON);
+        highWithoutMoon.push_back(high.back() && night.moon.altitude[i] < HORIZON);
     }
     constexpr double LEAST_WITHOUT_MOON = 1.0 / 24.0;  // [d]
     const Window without = longest(night, highWithoutMoon, true);

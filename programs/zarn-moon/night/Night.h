@@ -72,9 +72,9 @@ struct Window {
 /// Of the stretches with the sun below -18 degrees and a target at least at an altitude, the
 /// longest without moon if that lasts an hour, else the longest. `begin` equal to `end`: there is
 /// none.
-Window bestWindow(const Night& night, const MoonTarget& target, double leastAltitude);
+Window bestWindow(const Night& night, const SkyPosition& target, double leastAltitude);
 
 /// A target's altitude [deg], without refraction.
-double altitudeOf(const MoonTarget& target, double lst, double latitude);
+double altitudeOf(const SkyPosition& target, double lst, double latitude);
 
 #endif  // ZARN_MOON_NIGHT_H

@@ -49,20 +49,20 @@ TargetValues valuesOf(const Settings& settings, double altitude, double moonDist
 
 Row rowOf(const Site& site, const MoonGrid& moon, std::size_t i, double mjd) {
     return {mjd,
-            moon.lst[i],
-            sunAltitude(mjd, moon.lst[i], site.latitude),
-            moon.moonalt[i],
-            moon.moonaz[i],
-            moon.moonfli[i],
-            moon.moonphase[i],
-            moon.moonalt[i] >= HORIZON,
+            moon.siderealTime[i],
+            sunAltitude(mjd, moon.siderealTime[i], site.latitude),
+            moon.altitude[i],
+            moon.azimuth[i],
+            moon.illumination[i],
+            moon.phase[i],
+            moon.altitude[i] >= HORIZON,
             {}};
 }
 
 }  // namespace
 
-std::vector<MoonTarget> placesOfDate(const Settings& settings, double mjd) {
-    std::vector<MoonTarget> places;
+std::vector<SkyPosition> placesOfDate(const Settings& settings, double mjd) {
+    std::vector<SkyPosition> places;
     for (const Target& target : settings.targets) {
         const Position place =
             settings.equinoxOfDate ? target.place : precessed(target.place, J2000_EPOCH, mjd);
@@ -86,20 +86,20 @@ std::vector<MJD_DATE> instantsOf(const Night& night, double stepMinutes) {
 }
 
 std::vector<Row> makeRows(const Settings& settings, const std::vector<MJD_DATE>& instants,
-                          const std::vector<MoonTarget>& targets,
+                          const std::vector<SkyPosition>& targets,
                           const std::vector<Window>& windows) {
     const Site& site = settings.site;
-    const MoonGrid moon = computeMoonGrid(targets, instants, site.longitude, site.latitude);
+    const MoonGrid moon = computeMoonGrid(targets, instants, placeOf(site));
     std::vector<Row> rows;
     for (std::size_t i = 0; i < instants.size(); ++i) {
         Row row = rowOf(site, moon, i, instants[i]);
-        const Moonlight light = {moon.alphasun[i] * DEG_PER_RAD, row.moonAltitude, moon.objdist[i],
+        const Moonlight light = {moon.elongation[i], row.moonAltitude, moon.distance[i],
                                  row.moonUp};
         const bool isDark = row.sunAltitude < ASTRONOMICAL_TWILIGHT;
         for (std::size_t t = 0; t < targets.size(); ++t) {
             const double altitude = altitudeOf(targets[t], row.lst, site.latitude);
             row.targets.push_back(
-                valuesOf(settings, altitude, moon.moondist[i * targets.size() + t], light, isDark));
+                valuesOf(settings, altitude, moon.separation(i, t), light, isDark));
             if (!windows.empty()) {
                 row.targets.back().best =
                     instants[i] >= windows[t].begin && instants[i] <= windows[t].end;

@@ -32,14 +32,14 @@ struct Row {
 };
 
 /// The targets' places in the equinox of date.
-std::vector<MoonTarget> placesOfDate(const Settings& settings, double mjd);
+std::vector<SkyPosition> placesOfDate(const Settings& settings, double mjd);
 
 /// The instants of a night's table: whole steps of universal time from sunset to sunrise.
 std::vector<MJD_DATE> instantsOf(const Night& night, double stepMinutes);
 
 /// @param windows  the best window of each target; empty: not asked for
 std::vector<Row> makeRows(const Settings& settings, const std::vector<MJD_DATE>& instants,
-                          const std::vector<MoonTarget>& targets,
+                          const std::vector<SkyPosition>& targets,
                           const std::vector<Window>& windows);
 
 #endif  // ZARN_MOON_ROWS_H

@@ -2,6 +2,8 @@
 #ifndef ZARN_MOON_SITE_H
 #define ZARN_MOON_SITE_H
 
+#include <zarnsys/util/MoonGrid.h>
+
 #include <string>
 
 struct Site {
@@ -20,6 +22,9 @@ Site telescopeSite(const std::string& name);
 ///
 /// @throw std::invalid_argument  with a text that says what is wrong
 Site placeSite(const std::string& text);
+
+/// Where a site is, as the library's grids take it.
+Place placeOf(const Site& site);
 
 /// Local mean noon of a day whose 0 h is `date` [MJD].
 double noonOf(const Site& site, double date);
