@@ -19,7 +19,6 @@ extern "C" {
 #include <algorithm>
 #include <cstddef>
 #include <limits>
-#include <stdexcept>
 
 #include "zarnsys/util/Formulas.h"
 #include "zarnsys/util/Lunation.h"
@@ -249,14 +248,6 @@ Place telescopePlace(Telescope telescope) {
     place.latitude = latitude;
     place.westLongitude = longitude;
     return place;
-}
-
-void TargetTable::resize(std::size_t instants, std::size_t targets) {
-    if (instants > 0 && targets > values_.max_size() / instants)
-        throw std::length_error("the table of targets and instants is too large");
-    values_.resize(instants * targets);
-    instants_ = instants;
-    targets_ = targets;
 }
 
 MoonGrid computeMoonGrid(const std::vector<SkyPosition>& targets,

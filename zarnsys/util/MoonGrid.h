@@ -14,6 +14,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <stdexcept>
 #include <vector>
 
 #include "Export.h"
@@ -64,7 +65,13 @@ public:
     /// memory only when it never had as many values, and gives none back.
     ///
     /// @throw std::bad_alloc, std::length_error  when there is no such room; nothing has changed
-    ZARNSYS_EXPORT void resize(std::size_t instants, std::size_t targets);
+    void resize(std::size_t instants, std::size_t targets) {
+        if (instants > 0 && targets > values_.max_size() / instants)
+            throw std::length_error("the table of targets and instants is too large");
+        values_.resize(instants * targets);
+        instants_ = instants;
+        targets_ = targets;
+    }
 
 private:
     std::size_t instants_ = 0;
@@ -100,8 +107,8 @@ ZARNSYS_EXPORT MoonGrid computeMoonGrid(const std::vector<SkyPosition>& targets,
                                         const std::vector<MJD_DATE>& instants, const Place& place);
 
 /// The same into a grid that the caller keeps, which gets the sizes of the inputs whatever it held
-/// before. One that once had as many values is filled without taking memory anew, which for large
-/// grids saves most of the time.
+/// before. One that once had as many values is filled without taking memory anew: with tables of
+/// tens of megabytes that saves most of the time.
 ///
 /// @param grid  receives the values; after an exception sizes and values are unspecified, and the
 ///              grid can be used again
