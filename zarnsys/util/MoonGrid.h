@@ -47,8 +47,8 @@ ZARNSYS_EXPORT Place telescopePlace(Telescope telescope);
 /// Indices are not checked. Several threads may read one table, or write different elements of it.
 class TargetTable {
 public:
-    std::size_t instants() const { return instants_; }
-    std::size_t targets() const { return targets_; }
+    std::size_t instants() const { return instants_; }  ///< how many
+    std::size_t targets() const { return targets_; }    ///< how many
 
     /// The value of a target at an instant, both by their place in the order given, from 0 on.
     double operator()(std::size_t instant, std::size_t target) const {
@@ -110,8 +110,11 @@ ZARNSYS_EXPORT MoonGrid computeMoonGrid(const std::vector<SkyPosition>& targets,
 /// before. One that once had as many values is filled without taking memory anew: with tables of
 /// tens of megabytes that saves most of the time.
 ///
-/// @param grid  receives the values; after an exception sizes and values are unspecified, and the
-///              grid can be used again
+/// @param targets   positions in the equinox of date
+/// @param instants  [d], universal time; not a vector of the grid
+/// @param place     the observer's
+/// @param grid      receives the values; after an exception its sizes and values are unspecified,
+///                  and it can be used again
 /// @throw std::bad_alloc, std::length_error  when the values find no room
 ZARNSYS_EXPORT void computeMoonGrid(const std::vector<SkyPosition>& targets,
                                     const std::vector<MJD_DATE>& instants, const Place& place,
