@@ -212,6 +212,22 @@ testVerbose() {
     check "no log line of the library" grep -qE '^[-0-9]+ [0-9:.]+ DEBUG \[ [0-9]+ \] Setting' err.txt
 }
 
+# On a terminal; each conversion takes 0.6 s. Times, and what hangs on them, count as T.
+testProgress() {
+    needsTracing || return
+    local file; for file in a b c; do header $file; done
+    local slow="strace -f -o trace -e inject=renameat2:delay_exit=600000 '$program'"
+    script -qec "$slow -o out a b missing c" /dev/null </dev/null | sed -E 's/[0-9]\/s, 0:[0-9]+/T/g; s/in [0-9.]+/in T/' |
+        tr '\r' '<' >out.txt
+    local blanks; blanks=$(printf '%38s' '')
+    check "other progress" diff - out.txt <<TEXT
+zarn-ingest: 2/4 files, T left<$blanks<zarn-ingest: missing: no such file, and no file matches it as a pattern<
+zarn-ingest: 4/4 files, T left<$blanks<zarn-ingest: 3 converted, 1 failed in T s<
+TEXT
+    script -qec "$slow -q -o quiet a b c" /dev/null </dev/null >out.txt
+    check "not quiet" [ ! -s out.txt ]
+}
+
 testSignals() {
     header a
     mkfifo names
