@@ -15,8 +15,10 @@ int main(int argc, char** argv) {
     constexpr double DEG_PER_HOUR = 15.0;
     constexpr double EXTINCTION = 0.172;  // at the zenith [mag per airmass]
     const MJD_DATE mjd = std::strtod(argv[1], nullptr);
-    const Place place = {std::strtod(argv[2], nullptr), std::strtod(argv[3], nullptr)};
-    const MoonTarget target = {std::strtod(argv[4], nullptr), std::strtod(argv[5], nullptr)};
+    Place place;
+    place.latitude = std::strtod(argv[2], nullptr);
+    place.westLongitude = std::strtod(argv[3], nullptr);
+    const SkyPosition target = {std::strtod(argv[4], nullptr), std::strtod(argv[5], nullptr)};
 
     // The first and only instant of a grid, and its first and only target.
     const MoonGrid moon = computeMoonGrid({target}, {mjd}, place);

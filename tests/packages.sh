@@ -14,14 +14,14 @@ install() {
         die "cannot install: $(cat log)"
 }
 
-install "$packages"/libzarnsysutil0_*.deb "$packages"/zarn-tools_*.deb jq
+install "$packages"/libzarnsysutil0_*.deb "$packages"/zarn-tools_*.deb
 ! dpkg -l '*-dev' 2>/dev/null | grep '^ii' || die "with these, it does not show whether the programs need them"
 for test in zarn-ingest/files zarn-ingest/moon zarn-ingest/service zarn-moon/nights; do
     "$project/tests/$test.sh" "/usr/bin/${test%/*}" "$project/examples/headers" >log 2>&1 || die "$test: $(cat log)"
     echo "$test: $(tail -n 1 log)"
 done
 
-install "$packages"/libzarnsysutil-dev_*.deb "$packages"/zarnsysutil-doc_*.deb cmake g++ liberfa-dev make
+install "$packages"/libzarnsysutil-dev_*.deb "$packages"/zarnsysutil-doc_*.deb cmake g++ make liberfa-dev
 cp -r "$project/tests/install" consumer
 { cmake -S consumer -B cmake && cmake --build cmake; } >log 2>&1 || die "CMake: $(cat log)"
 cmake/consumer 2>/dev/null || die "the consumer built by CMake does not work"

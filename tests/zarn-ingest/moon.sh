@@ -19,7 +19,7 @@ equal() {
 place=('RA      =            83.822083' 'DEC     =            -5.391111')
 pointed=("DATE-OBS= '2026-11-20T02:14:07.5'" "${place[@]}")
 # Of this instant and place, seen from VEK1, by PyEphem 4.1.4: altitude 47.89, azimuth 314.57,
-# distance 87.70, lit 0.7501, age 0.3657; the series are good for 0.4 degrees and 0.003.
+# distance 87.70, lit 0.7501, age 0.3657; the series are at worst 0.38 degrees and 0.003 off.
 moon=('MOONALT =                47.83 / [deg] moon altitude, no refraction (VEK1)'
     'MOONAZ  =               314.53 / [deg] moon azimuth, N through E (VEK1)'
     'MOONDIST=                87.76 / [deg] angle between moon and RA, DEC (VEK1)'

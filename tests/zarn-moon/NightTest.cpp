@@ -93,7 +93,7 @@ TEST(NightTest, WordsHaveTheirLimits) {
 }
 
 TEST(NightTest, TheBestWindowIsWithoutMoonIfThatLastsAnHour) {
-    const MoonTarget pole = {0.0, 90.0};  // stands at the latitude, 30 degrees, all night
+    const SkyPosition pole = {0.0, 90.0};  // stands at the latitude, 30 degrees, all night
     const struct {
         int dark, moonlit;  // [minutes]
         double begin, end;

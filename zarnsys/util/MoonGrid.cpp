@@ -19,7 +19,6 @@ extern "C" {
 #include <algorithm>
 #include <cstddef>
 #include <limits>
-#include <stdexcept>
 
 #include "zarnsys/util/Formulas.h"
 #include "zarnsys/util/Lunation.h"
@@ -35,7 +34,6 @@ constexpr double DEG_PER_HOUR = 15.0;
 constexpr double SYNODIC_MONTH = 29.5305888531;         // mean [d]
 constexpr double FULL_DEG_PER_RAD = 57.29577951308238;  // of separations, as in the classic call
 constexpr double POLE = 90.0;                           // [deg]
-constexpr double NO_NUMBER = std::numeric_limits<double>::quiet_NaN();
 
 constexpr std::size_t BLOCK = 64;  // instants worked on together: they stay in the nearest cache
 using Values = double[BLOCK];      // a plain array: gcc 12 does not vectorise over std::array
@@ -51,7 +49,7 @@ struct Angles {
 
 /// What is needed of the observer's place.
 struct Observer {
-    double longitude;  ///< [h], positive west
+    double westLongitude;  ///< [h]
     Pair latitude;
 };
 
@@ -61,10 +59,7 @@ struct Instants {
     Values siderealTime;
     Angles sidereal, moonLongitude, moonLatitude, moonParallax, sunLongitude, obliquity;
     Values moonX, moonY, moonZ;  ///< direction of the moon
-    Values distance;
-    Values altitude, azimuth;
-    Values elongation;
-    Values illumination;
+    Values altitude, azimuth, distance, elongation, illumination;
 };
 
 /// Directions, an array per coordinate.
@@ -76,9 +71,9 @@ struct Directions {
     std::vector<double> z;
 };
 
-/// A latitude or declination [deg], or not-a-number beyond the poles.
+/// A latitude or declination [deg] that is one; else not-a-number.
 [[gnu::always_inline]] inline double withinPoles(double angle) {
-    return angle >= -POLE && angle <= POLE ? angle : NO_NUMBER;
+    return std::fabs(angle) <= POLE ? angle : std::numeric_limits<double>::quiet_NaN();
 }
 
 [[gnu::always_inline]] inline void fillPairs(Angles& angles) {
@@ -88,7 +83,7 @@ struct Directions {
 
 [[gnu::always_inline]] inline void fillAngles(const Observer& observer, Instants& at) {
     for (std::size_t i = 0; i < BLOCK; ++i) {
-        at.siderealTime[i] = formulas::siderealTime(at.jd[i], observer.longitude);
+        at.siderealTime[i] = formulas::siderealTime(at.jd[i], observer.westLongitude);
         at.sidereal.angle[i] = at.siderealTime[i] / formulas::HOURS_PER_RAD;
     }
     for (std::size_t i = 0; i < BLOCK; ++i) {
@@ -130,7 +125,7 @@ struct Directions {
 }
 
 /// The directions of the targets from `begin` on, at most a block of them.
-[[gnu::always_inline]] inline void computeDirections(const std::vector<MoonTarget>& targets,
+[[gnu::always_inline]] inline void computeDirections(const std::vector<SkyPosition>& targets,
                                                      std::size_t begin, Directions& directions) {
     const std::size_t count = std::min(BLOCK, targets.size() - begin);
     Angles ra = {};
@@ -170,18 +165,19 @@ struct Directions {
                     result.begin() + static_cast<std::vector<double>::difference_type>(begin));
     };
     keep(at.siderealTime, grid.siderealTime);
-    keep(at.illumination, grid.illumination);
     keep(at.altitude, grid.altitude);
     keep(at.azimuth, grid.azimuth);
-    keep(at.elongation, grid.elongation);
     keep(at.distance, grid.distance);
-    double* row = grid.separations.data() + begin * targets.x.size();
-    for (std::size_t i = 0; i < count; ++i, row += targets.x.size())
-        computeSeparations(targets, {at.moonX[i], at.moonY[i], at.moonZ[i]}, row);
+    keep(at.elongation, grid.elongation);
+    keep(at.illumination, grid.illumination);
+    for (std::size_t i = 0; i < count; ++i) {
+        computeSeparations(targets, {at.moonX[i], at.moonY[i], at.moonZ[i]},
+                           grid.separation.row(begin + i));
+    }
 }
 
 /// Computes all but the phases.
-[[gnu::always_inline]] inline void compute(const std::vector<MoonTarget>& targets,
+[[gnu::always_inline]] inline void compute(const std::vector<SkyPosition>& targets,
                                            const std::vector<MJD_DATE>& instants,
                                            const Observer& observer, MoonGrid& grid) {
     Directions directions(targets.size());
@@ -192,22 +188,22 @@ struct Directions {
         computeBlock(directions, instants, observer, begin, at, grid);
 }
 
-using Compute = void(const std::vector<MoonTarget>&, const std::vector<MJD_DATE>&, const Observer&,
+using Compute = void(const std::vector<SkyPosition>&, const std::vector<MJD_DATE>&, const Observer&,
                      MoonGrid&);
 
-void computeAnywhere(const std::vector<MoonTarget>& targets, const std::vector<MJD_DATE>& instants,
+void computeAnywhere(const std::vector<SkyPosition>& targets, const std::vector<MJD_DATE>& instants,
                      const Observer& observer, MoonGrid& grid) {
     compute(targets, instants, observer, grid);
 }
 
 #ifdef ZARNSYS_VECTOR_FUNCTIONS
-[[gnu::target("avx2")]] void computeAvx2(const std::vector<MoonTarget>& targets,
+[[gnu::target("avx2")]] void computeAvx2(const std::vector<SkyPosition>& targets,
                                          const std::vector<MJD_DATE>& instants,
                                          const Observer& observer, MoonGrid& grid) {
     compute(targets, instants, observer, grid);
 }
 
-[[gnu::target("avx512f,avx512dq")]] void computeAvx512(const std::vector<MoonTarget>& targets,
+[[gnu::target("avx512f,avx512dq")]] void computeAvx512(const std::vector<SkyPosition>& targets,
                                                        const std::vector<MJD_DATE>& instants,
                                                        const Observer& observer, MoonGrid& grid) {
     compute(targets, instants, observer, grid);
@@ -224,7 +220,7 @@ Compute* chooseCompute() {
     return computeAnywhere;
 }
 
-void fillPhases(const std::vector<MJD_DATE>& instants, std::vector<double>& phases) {
+void computePhases(const std::vector<MJD_DATE>& instants, std::vector<double>& phases) {
     Lunation lunation = {};
     for (std::size_t i = 0; i < instants.size(); ++i) {
         const double jd = instants[i] + JD_OF_MJD_0;
@@ -234,40 +230,39 @@ void fillPhases(const std::vector<MJD_DATE>& instants, std::vector<double>& phas
     }
 }
 
-/// Makes room for the values of so many targets and instants.
-void resize(MoonGrid& grid, std::size_t targets, std::size_t instants) {
-    if (instants > 0 && targets > grid.separations.max_size() / instants)
-        throw std::length_error("the moon grid is too large");
+void resize(MoonGrid& grid, std::size_t instants, std::size_t targets) {
     for (std::vector<double>* values :
-         {&grid.siderealTime, &grid.illumination, &grid.altitude, &grid.azimuth, &grid.phase,
-          &grid.elongation, &grid.distance})
+         {&grid.siderealTime, &grid.altitude, &grid.azimuth, &grid.distance, &grid.elongation,
+          &grid.illumination, &grid.phase})
         values->resize(instants);
-    grid.separations.resize(targets * instants);
-    grid.targetCount = targets;
+    grid.separation.resize(instants, targets);
 }
 
 }  // namespace
 
-void computeMoonGrid(const std::vector<MoonTarget>& targets, const std::vector<MJD_DATE>& instants,
-                     const Place& place, MoonGrid& grid) {
-    static Compute* const chosen = chooseCompute();
-    resize(grid, targets.size(), instants.size());
-    fillPhases(instants, grid.phase);
-    const double latitude = withinPoles(place.latitude) / formulas::DEG_PER_RAD;
-    chosen(targets, instants,
-           {place.longitude / DEG_PER_HOUR, {std::sin(latitude), std::cos(latitude)}}, grid);
+Place telescopePlace(Telescope telescope) {
+    Place place;
+    double latitude = 0;
+    double longitude = 0;
+    if (getTelescopeCoord(latitude, longitude, telescope) != 0) return place;
+    place.latitude = latitude;
+    place.westLongitude = longitude;
+    return place;
 }
 
-MoonGrid computeMoonGrid(const std::vector<MoonTarget>& targets,
+MoonGrid computeMoonGrid(const std::vector<SkyPosition>& targets,
                          const std::vector<MJD_DATE>& instants, const Place& place) {
     MoonGrid grid;
     computeMoonGrid(targets, instants, place, grid);
     return grid;
 }
 
-MoonGrid computeMoonGrid(const std::vector<MoonTarget>& targets,
-                         const std::vector<MJD_DATE>& instants, Telescope telescope) {
-    Place place = {};
-    getTelescopeCoord(place.latitude, place.longitude, telescope);
-    return computeMoonGrid(targets, instants, place);
+void computeMoonGrid(const std::vector<SkyPosition>& targets, const std::vector<MJD_DATE>& instants,
+                     const Place& place, MoonGrid& grid) {
+    static Compute* const chosen = chooseCompute();
+    resize(grid, instants.size(), targets.size());
+    computePhases(instants, grid.phase);
+    const double latitude = withinPoles(place.latitude) / formulas::DEG_PER_RAD;
+    chosen(targets, instants,
+           {place.westLongitude / DEG_PER_HOUR, {std::sin(latitude), std::cos(latitude)}}, grid);
 }

@@ -32,7 +32,7 @@ std::vector<MJD_DATE> instantsToDraw(const Night& night) {
 std::string drawNight(const Report& report) {
     const Settings& settings = report.settings;
     const Night& night = *report.night;
-    const std::vector<MoonTarget> positions =
+    const std::vector<SkyPosition> positions =
         positionsOfDate(settings, night.minutes[night.minutes.size() / 2]);
     const std::vector<Row> rows = makeRows(settings, instantsToDraw(night), positions, {});
     std::string picture = runGnuplot(scriptOf(settings, rows, report.nights.front().summary));

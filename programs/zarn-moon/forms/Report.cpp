@@ -25,9 +25,9 @@ void addNight(Report& report) {
     const std::vector<MJD_DATE> instants = instantsOf(night, settings.step);
     checkSize(instants.size(), settings.targets.size());
     const std::size_t middle = night.minutes.size() / 2;
-    const std::vector<MoonTarget> positions = positionsOfDate(settings, night.minutes[middle]);
+    const std::vector<SkyPosition> positions = positionsOfDate(settings, night.minutes[middle]);
     if (settings.minAltitude) {
-        for (const MoonTarget& position : positions)
+        for (const SkyPosition& position : positions)
             report.windows.push_back(bestWindow(night, position, *settings.minAltitude));
     }
     report.rows = makeRows(settings, instants, positions, report.windows);

@@ -42,7 +42,7 @@ double sunAltitude(double mjd, double lst, double latitude) {
     return altit(dec, adj_time(lst - ra), latitude, &azimuth);
 }
 
-double altitudeOf(const MoonTarget& target, double lst, double latitude) {
+double altitudeOf(const SkyPosition& target, double lst, double latitude) {
     double azimuth = 0;
     return altit(target.dec, adj_time(lst - target.ra / DEG_PER_HOUR), latitude, &azimuth);
 }
@@ -52,7 +52,7 @@ Night makeNight(const Site& site, double date) {
     const double noon = noonOf(site, date);
     for (int minute = 0; minute <= static_cast<int>(MINUTES_PER_DAY); ++minute)
         night.minutes.push_back(noon + minute / MINUTES_PER_DAY);
-    night.moon = computeMoonGrid({}, night.minutes, {site.latitude, site.longitude});
+    night.moon = computeMoonGrid({}, night.minutes, placeOf(site));
     for (std::size_t i = 0; i < night.minutes.size(); ++i)
         night.sunAltitudes.push_back(
             sunAltitude(night.minutes[i], night.moon.siderealTime[i], site.latitude));
@@ -74,7 +74,7 @@ Summary summaryOf(const Night& night) {
     return summary;
 }
 
-Window bestWindow(const Night& night, const MoonTarget& target, double leastAltitude) {
+Window bestWindow(const Night& night, const SkyPosition& target, double leastAltitude) {
     std::vector<bool> high;
     std::vector<bool> highWithoutMoon;
     for (std::size_t i = 0; i < night.minutes.size(); ++i) {

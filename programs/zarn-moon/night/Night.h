@@ -81,12 +81,12 @@ struct Window {
 
 /// A target's best window: of the stretches with the sun below -18 degrees and the target at least
 /// at an altitude [deg], the longest without moon if it lasts an hour, else the longest.
-Window bestWindow(const Night& night, const MoonTarget& target, double leastAltitude);
+Window bestWindow(const Night& night, const SkyPosition& target, double leastAltitude);
 
 /// A target's altitude [deg], without refraction.
 ///
 /// @param lst       local sidereal time [h]
 /// @param latitude  of the site [deg], north positive
-double altitudeOf(const MoonTarget& target, double lst, double latitude);
+double altitudeOf(const SkyPosition& target, double lst, double latitude);
 
 #endif  // ZARN_MOON_NIGHT_H

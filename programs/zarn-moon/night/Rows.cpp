@@ -63,8 +63,8 @@ Row rowOf(const Site& site, const MoonGrid& moon, std::size_t i, double mjd) {
 
 }  // namespace
 
-std::vector<MoonTarget> positionsOfDate(const Settings& settings, double mjd) {
-    std::vector<MoonTarget> positions;
+std::vector<SkyPosition> positionsOfDate(const Settings& settings, double mjd) {
+    std::vector<SkyPosition> positions;
     for (const Target& target : settings.targets) {
         const Position position = settings.equinox == Equinox::OF_DATE
                                       ? target.position
@@ -89,10 +89,10 @@ std::vector<MJD_DATE> instantsOf(const Night& night, double stepMinutes) {
 }
 
 std::vector<Row> makeRows(const Settings& settings, const std::vector<MJD_DATE>& instants,
-                          const std::vector<MoonTarget>& targets,
+                          const std::vector<SkyPosition>& targets,
                           const std::vector<Window>& windows) {
     const Site& site = settings.site;
-    const MoonGrid moon = computeMoonGrid(targets, instants, {site.latitude, site.longitude});
+    const MoonGrid moon = computeMoonGrid(targets, instants, placeOf(site));
     std::vector<Row> rows;
     for (std::size_t i = 0; i < instants.size(); ++i) {
         Row row = rowOf(site, moon, i, instants[i]);

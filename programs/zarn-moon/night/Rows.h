@@ -34,7 +34,7 @@ struct Row {
 };
 
 /// The targets' positions in the equinox of the date `mjd`.
-std::vector<MoonTarget> positionsOfDate(const Settings& settings, double mjd);
+std::vector<SkyPosition> positionsOfDate(const Settings& settings, double mjd);
 
 /// The instants of a night's table [MJD]: from sunset to sunrise, whole steps after 0 h UT.
 std::vector<MJD_DATE> instantsOf(const Night& night, double stepMinutes);
@@ -44,7 +44,7 @@ std::vector<MJD_DATE> instantsOf(const Night& night, double stepMinutes);
 /// @param targets  in the equinox of date
 /// @param windows  the best window of each target; empty: not asked for
 std::vector<Row> makeRows(const Settings& settings, const std::vector<MJD_DATE>& instants,
-                          const std::vector<MoonTarget>& targets,
+                          const std::vector<SkyPosition>& targets,
                           const std::vector<Window>& windows);
 
 #endif  // ZARN_MOON_ROWS_H

@@ -49,6 +49,13 @@ Site siteAt(const std::string& text) {
             hemisphereAngle(words[1], 'W', 'E', HALF_CIRCLE)};
 }
 
+Place placeOf(const Site& site) {
+    Place place;
+    place.latitude = site.latitude;
+    place.westLongitude = site.longitude;
+    return place;
+}
+
 std::string coordinates(const Site& site) {
     constexpr int DECIMALS = 4;
     std::ostringstream text;

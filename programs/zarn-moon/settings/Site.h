@@ -2,6 +2,8 @@
 #ifndef ZARN_MOON_SITE_H
 #define ZARN_MOON_SITE_H
 
+#include <zarnsys/util/MoonGrid.h>
+
 #include <string>
 
 /// A site on the Earth.
@@ -21,6 +23,9 @@ Site telescopeSite(const std::string& name);
 ///
 /// @throw std::invalid_argument  saying what is wrong
 Site siteAt(const std::string& text);
+
+/// Where a site is, as the library's grids take it.
+Place placeOf(const Site& site);
 
 /// Local mean noon of a day whose 0 h is `date` [MJD].
 double noonOf(const Site& site, double date);
