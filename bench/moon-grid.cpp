@@ -71,7 +71,7 @@ double timeClassic(const Input& input, const MoonGrid& grid, double& worst) {
     }
     const double seconds = secondsSince(start);
     for (std::size_t i = 0; i < separations.size(); ++i)
-        worst = std::max(worst, std::fabs(separations[i] - grid.moondist[i * stride]));
+        worst = std::max(worst, std::fabs(separations[i] - grid.separations[i * stride]));
     return seconds / static_cast<double>(separations.size());
 }
 
@@ -82,8 +82,8 @@ void measure(const Shape& shape, int rounds) {
     double worst = 0;
     for (int round = 0; round < rounds; ++round) {
         const auto start = std::chrono::steady_clock::now();
-        const MoonGrid grid = computeMoonGrid(input.targets, input.instants, LONGITUDE, LATITUDE);
-        const double perValue = secondsSince(start) / static_cast<double>(grid.moondist.size());
+        const MoonGrid grid = computeMoonGrid(input.targets, input.instants, {LATITUDE, LONGITUDE});
+        const double perValue = secondsSince(start) / static_cast<double>(grid.separations.size());
         ratios.push_back(timeClassic(input, grid, worst) / perValue);
         nanoseconds.push_back(perValue * 1e9);
     }

@@ -1,8 +1,9 @@
 /// Whatever a header text file holds: it is refused for a fault of its own, or gives one FITS file
-/// no larger than its header, and nothing else is left.
+/// no larger than its headers, and nothing else is left.
 
 #include <ace/Log_Msg.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -14,14 +15,15 @@
 
 namespace {
 
-constexpr std::uintmax_t CARD = 80;
-constexpr std::uintmax_t BLOCK = 2880;
-constexpr std::uintmax_t ADDED_CARDS = 9;  // NAXIS, DATASUM, CHECKSUM, END, five of the moon
+constexpr std::uintmax_t BLOCK = 2880;  // the most that a header, or what is added to it, can need
 
-std::uintmax_t sizeOfHeader(const std::string& text) {
-    std::uintmax_t cards = ADDED_CARDS + 1;
-    for (const char c : text) cards += c == '\n' ? 1 : 0;
-    return (cards * CARD + BLOCK - 1) / BLOCK * BLOCK;
+/// A bound for a result: a block for each line and for each 80 columns, where a header can begin, and
+/// a card for each 20 characters of long texts.
+std::uintmax_t mostBytes(const std::string& text) {
+    constexpr std::uintmax_t CARD = 80;
+    constexpr std::uintmax_t SHORTEST = 20;
+    const auto lines = static_cast<std::uintmax_t>(std::count(text.begin(), text.end(), '\n'));
+    return (lines + text.size() / CARD + 3) * BLOCK + text.size() / SHORTEST * CARD;
 }
 
 void convert(const std::string& text) {
@@ -39,7 +41,7 @@ void convert(const std::string& text) {
         if (!converter.convert({dir / "x.hdr", ""}).isFinal()) std::abort();
     }
     for (const auto& entry : std::filesystem::directory_iterator(output.name())) {
-        if (entry.path().filename() != "x.fits" || entry.file_size() > sizeOfHeader(text))
+        if (entry.path().filename() != "x.fits" || entry.file_size() > mostBytes(text))
             std::abort();
         std::filesystem::remove(entry.path());
     }

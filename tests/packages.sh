@@ -14,14 +14,14 @@ install() {
         die "cannot install: $(cat log)"
 }
 
-install "$packages"/libzarnsysutil0_*.deb "$packages"/zarn-tools_*.deb
+install "$packages"/libzarnsysutil0_*.deb "$packages"/zarn-tools_*.deb jq
 ! dpkg -l '*-dev' 2>/dev/null | grep '^ii' || die "with these, it does not show whether the programs need them"
 for test in zarn-ingest/files zarn-ingest/moon zarn-ingest/service zarn-moon/nights; do
     "$project/tests/$test.sh" "/usr/bin/${test%/*}" "$project/examples/headers" >log 2>&1 || die "$test: $(cat log)"
     echo "$test: $(tail -n 1 log)"
 done
 
-install "$packages"/libzarnsysutil-dev_*.deb "$packages"/zarnsysutil-doc_*.deb cmake g++ make
+install "$packages"/libzarnsysutil-dev_*.deb "$packages"/zarnsysutil-doc_*.deb cmake g++ liberfa-dev make
 cp -r "$project/tests/install" consumer
 { cmake -S consumer -B cmake && cmake --build cmake; } >log 2>&1 || die "CMake: $(cat log)"
 cmake/consumer 2>/dev/null || die "the consumer built by CMake does not work"
@@ -30,7 +30,7 @@ g++ -std=c++17 consumer/main.cpp -o by-pkg-config $(pkg-config --cflags --libs z
 ./by-pkg-config 2>/dev/null || die "the consumer built by pkg-config does not work"
 for example in /usr/share/doc/zarnsysutil-doc/examples/*.cpp; do
     # shellcheck disable=SC2046
-    g++ -std=c++17 "$example" -o example $(pkg-config --cflags --libs zarnsysutil) || die "$example"
+    g++ -std=c++17 "$example" -o example $(pkg-config --cflags --libs zarnsysutil erfa) || die "$example"
 done
 echo "consumers: built by CMake and by pkg-config"
 

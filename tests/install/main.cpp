@@ -36,7 +36,7 @@ int main(int argc, char** argv) {
                            ZarnSys::getFilesystemInfo(".", &total, &available) == 0 &&
                            config.parseCommandLine(false) == 0 &&
                            ZarnSysFits::RECORD_MAX_LENGTH == FLEN_CARD && adj_time(36.5) == -11.5 &&
-                           computeMoonGrid({}, {51544.5}, OLAN).moonfli.at(0) > 0 &&
+                           computeMoonGrid({}, {51544.5}, OLAN).illumination.at(0) > 0 &&
                            ZarnMoonVal(0, 0, MJD_DATE(51544.5), OLAN).getFLI() > 0;
         return works ? 0 : 1;
     }

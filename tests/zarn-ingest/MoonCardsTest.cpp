@@ -9,7 +9,7 @@ namespace {
 
 MoonCards cardsOf(const std::string& cards, Telescope telescope) {
     const std::string start = "SIMPLE  = T\nBITPIX  = 8\nNAXIS   = 0\n";  // lines 1 to 3
-    return moonCards(HeaderText(start + unescaped(cards)), telescope);
+    return moonCards(HeaderText(start + unescaped(cards), {}), telescope);
 }
 
 TEST(MoonCardsTest, PositionAndTimeDecideTheState) {
@@ -18,8 +18,8 @@ TEST(MoonCardsTest, PositionAndTimeDecideTheState) {
         const char* states[] = {"not asked", "given", "without", "malformed"};
         std::string shown = states[static_cast<int>(moon.state)];
         shown += ", " + std::to_string(moon.lines.size()) + " cards";
-        for (const auto& [line, text] : moon.remarks)
-            shown.append("; ").append(std::to_string(line)).append(": ").append(text);
+        for (const auto& [line, text, isWarning] : moon.remarks)
+            shown.append(isWarning ? "; " : "; note ").append(std::to_string(line)).append(": ").append(text);
         return shown + "\n";
     });
 }

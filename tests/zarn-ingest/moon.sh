@@ -47,7 +47,7 @@ testMoonCardsStandBeforeEnd() {
 
 # What is there already stays, in whatever form.
 testMoonKept() {
-    local kept=('MOONALT =                 12.3 / ours' "HIERARCH moonfli = 'dark'" 'MOONAZ' 'COMMENT MOONDIST= 1')
+    local kept=('MOONALT =                 12.3 / ours' "HIERARCH moonfli = 'dark'" 'MOONAZ  =' 'COMMENT MOONDIST= 1')
     header a "${pointed[@]}" "${kept[@]}"
     run 0 -m VEK1 -o out a
     equal "remarks" err.txt 'zarn-ingest: a:8: warning: keywords that became upper case: 1, the first in this line' \

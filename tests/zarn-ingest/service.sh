@@ -10,18 +10,18 @@ program=$(realpath "$1") samples=$(realpath "$2")
 testOneRun() {
     properties; arrive a.hdr b.hdr; cp "$samples/broken.hdr" in/; mkdir in/d.hdr; ln -s none in/dangling.hdr
     run 1 -p p.ini
-    says "broken.hdr:7:"; says 'in/dangling.hdr: cannot be read: No such file'
+    says 'broken.hdr: only 1 of 4 lines'; says 'in/dangling.hdr: cannot be read: No such file'
     rm failed/dangling.hdr*; sed -i /dangling/d journal/*
     check "results" [ "$(ls fits)" = "$(printf 'a.fits\nb.fits')" ]
     check "done" [ "$(ls done)" = "$(printf 'a.hdr\nb.hdr')" ]
     check "failed" [ "$(ls failed)" = "$(printf 'broken.hdr\nbroken.hdr.reason')" ]
-    check "the reason" grep -q '^in/broken.hdr:7: a blank stands' failed/broken.hdr.reason
+    check "the reason" grep -q '^in/broken.hdr: only 1 of 4 lines are cards' failed/broken.hdr.reason
     check "sources left" hasFiles in 0
     check "journal" [ "$(journalFields 3-7)" = "$(printf '%s\t%s\t%s\t%s\t%s\n' \
         in/a.hdr fits/a.fits converted 18 2880 in/b.hdr fits/b.fits converted 18 2880 \
         in/broken.hdr fits/broken.fits failed 0 0)" ]
     check "times" [ "$(journalFields 1,2 | grep -cE '^[0-9-]{10}T[0-9:]{8}\.([0-9]{6})	[0-9]{10}\.\1$')" = 3 ]
-    sed -i 's/EXP TIME/EXPTIME /' failed/broken.hdr
+    cp "$samples/imager.hdr" failed/broken.hdr
     run 0 -q -p p.ini --retry-failed; silent
     has fits/broken.fits; has done/broken.hdr
     arrive a.hdr; sed -i 's/Field 17/Field 18/' in/a.hdr
@@ -185,7 +185,7 @@ testRetry() {
     told <<'MESSAGES'
 zarn-ingest: failed/x.hdr.~1~: cannot be put back to in/x.hdr: File exists
 zarn-ingest: failed/y.hdr: cannot be put back to in/y.hdr: File exists
-zarn-ingest: in/x.hdr:7: a blank stands within the keyword: "EXP TIME=                 60.0 / a keyword must not hold a blank" (CFITSIO status 207)
+zarn-ingest: in/x.hdr: only 1 of 4 lines are cards, so it is no header text
 zarn-ingest: 1 converted, 1 failed
 MESSAGES
     check "places" [ "$(ls -A failed | tr '\n' ' ')" = \

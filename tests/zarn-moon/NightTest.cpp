@@ -24,12 +24,12 @@ Night nightOfPaths(Sun sun, MoonAltitude altitude, MoonAzimuth azimuth) {
     for (int minute = 0; minute < NOONS; ++minute) {
         night.minutes.push_back(NOON + minute * MINUTE);
         night.sunAltitudes.push_back(sun(minute));
-        night.moon.moonalt.push_back(altitude(minute));
-        night.moon.moonaz.push_back(azimuth(minute));
+        night.moon.altitude.push_back(altitude(minute));
+        night.moon.azimuth.push_back(azimuth(minute));
     }
-    night.moon.lst.assign(NOONS, 0.0);
-    night.moon.moonfli.assign(NOONS, 0.0);
-    night.moon.moonphase.assign(NOONS, 0.0);
+    night.moon.siderealTime.assign(NOONS, 0.0);
+    night.moon.illumination.assign(NOONS, 0.0);
+    night.moon.phase.assign(NOONS, 0.0);
     return night;
 }
 
@@ -81,8 +81,8 @@ TEST(NightTest, WordsHaveTheirLimits) {
         double lit = 0.0;
         std::istringstream(command) >> dark >> moonlit >> lit;
         Night night = nightWith(dark, moonlit);
-        night.moon.moonfli[720] = lit;
-        night.moon.moonphase[720] = 0.125;
+        night.moon.illumination[720] = lit;
+        night.moon.phase[720] = 0.125;
         const Summary summary = summaryOf(night);
         EXPECT_EQ(summary.astronomicalHours, dark / 60.0);
         EXPECT_EQ(summary.darkHours, (dark - moonlit) / 60.0);

@@ -18,6 +18,7 @@ extern "C" {
 
 #include <algorithm>
 #include <cstddef>
+#include <limits>
 #include <stdexcept>
 
 #include "zarnsys/util/Formulas.h"
@@ -33,6 +34,8 @@ constexpr double JD_OF_MJD_0 = 2400000.5;
 constexpr double DEG_PER_HOUR = 15.0;
 constexpr double SYNODIC_MONTH = 29.5305888531;         // mean [d]
 constexpr double FULL_DEG_PER_RAD = 57.29577951308238;  // of separations, as in the classic call
+constexpr double POLE = 90.0;                           // [deg]
+constexpr double NO_NUMBER = std::numeric_limits<double>::quiet_NaN();
 
 constexpr std::size_t BLOCK = 64;  // instants worked on together: they stay in the nearest cache
 using Values = double[BLOCK];      // a plain array: gcc 12 does not vectorise over std::array
@@ -55,13 +58,13 @@ struct Observer {
 /// Instants and what depends on them alone; the units are those of `MoonGrid`.
 struct Instants {
     Values jd;  ///< Julian Date [d]
-    Values lst;
+    Values siderealTime;
     Angles sidereal, moonLongitude, moonLatitude, moonParallax, sunLongitude, obliquity;
     Values moonX, moonY, moonZ;  ///< direction of the moon
-    Values objdist;
+    Values distance;
     Values altitude, azimuth;
-    Values alphasun;
-    Values fli;
+    Values elongation;
+    Values illumination;
 };
 
 /// Directions, an array per coordinate.
@@ -73,6 +76,11 @@ struct Directions {
     std::vector<double> z;
 };
 
+/// A latitude or declination [deg], or not-a-number beyond the poles.
+[[gnu::always_inline]] inline double withinPoles(double angle) {
+    return angle >= -POLE && angle <= POLE ? angle : NO_NUMBER;
+}
+
 [[gnu::always_inline]] inline void fillPairs(Angles& angles) {
     for (std::size_t i = 0; i < BLOCK; ++i) angles.sine[i] = std::sin(angles.angle[i]);
     for (std::size_t i = 0; i < BLOCK; ++i) angles.cosine[i] = std::cos(angles.angle[i]);
@@ -80,8 +88,8 @@ struct Directions {
 
 [[gnu::always_inline]] inline void fillAngles(const Observer& observer, Instants& at) {
     for (std::size_t i = 0; i < BLOCK; ++i) {
-        at.lst[i] = formulas::siderealTime(at.jd[i], observer.longitude);
-        at.sidereal.angle[i] = at.lst[i] / formulas::HOURS_PER_RAD;
+        at.siderealTime[i] = formulas::siderealTime(at.jd[i], observer.longitude);
+        at.sidereal.angle[i] = at.siderealTime[i] / formulas::HOURS_PER_RAD;
     }
     for (std::size_t i = 0; i < BLOCK; ++i) {
         at.moonLongitude.angle[i] = formulas::moonLongitude(at.jd[i]);
@@ -113,11 +121,11 @@ struct Directions {
         at.moonX[i] = moon.x;
         at.moonY[i] = moon.y;
         at.moonZ[i] = moon.z;
-        at.objdist[i] = distance;
+        at.distance[i] = distance;
         at.altitude[i] = std::asin(formulas::withinOne(horizon.x)) * formulas::DEG_PER_RAD;
         at.azimuth[i] = formulas::circleAngle(horizon.y, horizon.z) * formulas::DEG_PER_RAD;
-        at.alphasun[i] = std::acos(cosSun);
-        at.fli[i] = (1.0 - cosSun) * 0.5;
+        at.elongation[i] = std::acos(cosSun) * FULL_DEG_PER_RAD;
+        at.illumination[i] = (1.0 - cosSun) * 0.5;
     }
 }
 
@@ -129,7 +137,7 @@ struct Directions {
     Angles dec = {};
     for (std::size_t i = 0; i < count; ++i) {
         ra.angle[i] = targets[begin + i].ra / DEG_PER_HOUR / formulas::HOURS_PER_RAD;
-        dec.angle[i] = targets[begin + i].dec / formulas::DEG_PER_RAD;
+        dec.angle[i] = withinPoles(targets[begin + i].dec) / formulas::DEG_PER_RAD;
     }
     fillPairs(ra);
     fillPairs(dec);
@@ -161,13 +169,13 @@ struct Directions {
         std::copy_n(values, count,
                     result.begin() + static_cast<std::vector<double>::difference_type>(begin));
     };
-    keep(at.lst, grid.lst);
-    keep(at.fli, grid.moonfli);
-    keep(at.altitude, grid.moonalt);
-    keep(at.azimuth, grid.moonaz);
-    keep(at.alphasun, grid.alphasun);
-    keep(at.objdist, grid.objdist);
-    double* row = grid.moondist.data() + begin * targets.x.size();
+    keep(at.siderealTime, grid.siderealTime);
+    keep(at.illumination, grid.illumination);
+    keep(at.altitude, grid.altitude);
+    keep(at.azimuth, grid.azimuth);
+    keep(at.elongation, grid.elongation);
+    keep(at.distance, grid.distance);
+    double* row = grid.separations.data() + begin * targets.x.size();
     for (std::size_t i = 0; i < count; ++i, row += targets.x.size())
         computeSeparations(targets, {at.moonX[i], at.moonY[i], at.moonZ[i]}, row);
 }
@@ -216,43 +224,50 @@ Compute* chooseCompute() {
     return computeAnywhere;
 }
 
-std::vector<double> phases(const std::vector<MJD_DATE>& instants) {
-    std::vector<double> result;
-    result.reserve(instants.size());
+void fillPhases(const std::vector<MJD_DATE>& instants, std::vector<double>& phases) {
     Lunation lunation = {};
-    for (const MJD_DATE instant : instants) {
-        const double jd = instant + JD_OF_MJD_0;
+    for (std::size_t i = 0; i < instants.size(); ++i) {
+        const double jd = instants[i] + JD_OF_MJD_0;
         if (!holds(lunation, jd)) lunation = findLunation(jd);
         const auto age = static_cast<float>(jd - lunation.newMoon);
-        result.push_back(static_cast<double>(age) / SYNODIC_MONTH);
+        phases[i] = static_cast<double>(age) / SYNODIC_MONTH;
     }
-    return result;
+}
+
+/// Makes room for the values of so many targets and instants.
+void resize(MoonGrid& grid, std::size_t targets, std::size_t instants) {
+    if (instants > 0 && targets > grid.separations.max_size() / instants)
+        throw std::length_error("the moon grid is too large");
+    for (std::vector<double>* values :
+         {&grid.siderealTime, &grid.illumination, &grid.altitude, &grid.azimuth, &grid.phase,
+          &grid.elongation, &grid.distance})
+        values->resize(instants);
+    grid.separations.resize(targets * instants);
+    grid.targetCount = targets;
 }
 
 }  // namespace
 
-MoonGrid computeMoonGrid(const std::vector<MoonTarget>& targets,
-                         const std::vector<MJD_DATE>& instants, double longitude, double latitude) {
+void computeMoonGrid(const std::vector<MoonTarget>& targets, const std::vector<MJD_DATE>& instants,
+                     const Place& place, MoonGrid& grid) {
     static Compute* const chosen = chooseCompute();
-    const std::size_t count = instants.size();
-    MoonGrid grid;
-    if (count > 0 && targets.size() > grid.moondist.max_size() / count)
-        throw std::length_error("the moon grid is too large");
-    for (std::vector<double>* values :
-         {&grid.lst, &grid.moonfli, &grid.moonalt, &grid.moonaz, &grid.alphasun, &grid.objdist})
-        values->resize(count);
-    grid.moondist.resize(count * targets.size());
-    grid.moonphase = phases(instants);
-    const double radLatitude = latitude / formulas::DEG_PER_RAD;
+    resize(grid, targets.size(), instants.size());
+    fillPhases(instants, grid.phase);
+    const double latitude = withinPoles(place.latitude) / formulas::DEG_PER_RAD;
     chosen(targets, instants,
-           {longitude / DEG_PER_HOUR, {std::sin(radLatitude), std::cos(radLatitude)}}, grid);
+           {place.longitude / DEG_PER_HOUR, {std::sin(latitude), std::cos(latitude)}}, grid);
+}
+
+MoonGrid computeMoonGrid(const std::vector<MoonTarget>& targets,
+                         const std::vector<MJD_DATE>& instants, const Place& place) {
+    MoonGrid grid;
+    computeMoonGrid(targets, instants, place, grid);
     return grid;
 }
 
 MoonGrid computeMoonGrid(const std::vector<MoonTarget>& targets,
                          const std::vector<MJD_DATE>& instants, Telescope telescope) {
-    double latitude = 0;
-    double longitude = 0;
-    getTelescopeCoord(latitude, longitude, telescope);
-    return computeMoonGrid(targets, instants, longitude, latitude);
+    Place place = {};
+    getTelescopeCoord(place.latitude, place.longitude, telescope);
+    return computeMoonGrid(targets, instants, place);
 }

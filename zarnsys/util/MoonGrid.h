@@ -18,40 +18,57 @@
 #include "ZarnMoonVal.h"
 #include "ZarnTime.h"
 
-/// A target's place in the equinox of date, see `computeMoonParam`.
-struct MoonTarget {
-    double ra;   ///< right ascension [deg]
-    double dec;  ///< declination [deg]
+/// Where an observer stands. In the order of `getTelescopeCoord`: mind that EAST is negative.
+struct Place {
+    double latitude;   ///< [deg], -90 to 90, north positive
+    double longitude;  ///< [deg], WEST positive, any number of circles
 };
 
-/// The moon's values. All vectors but the last have one element per instant, in the order given.
-struct MoonGrid {
-    std::vector<double> lst;        ///< local mean sidereal time [h]
-    std::vector<double> moonfli;    ///< illuminated fraction, 0 to 1
-    std::vector<double> moonalt;    ///< moon's altitude [deg], without refraction
-    std::vector<double> moonaz;     ///< moon's azimuth [deg], from north through east
-    std::vector<double> moonphase;  ///< moon's age over the mean synodic month
-    std::vector<double> alphasun;   ///< angle between sun and moon [RADIANS]
-    std::vector<double> objdist;    ///< distance from observer to moon [Earth radii]
+/// A target's direction in the equinox of date, to which catalogue positions are precessed first.
+struct MoonTarget {
+    double ra;   ///< right ascension [deg], any number of circles
+    double dec;  ///< declination [deg], -90 to 90
+};
 
-    /// Angle between moon and target [deg]: a row of all targets for each instant, so that the
-    /// value of a target at an instant is element instant * (number of targets) + target.
-    std::vector<double> moondist;
+/// The moon's values, one element per instant in the order given; separations per target, too.
+struct MoonGrid {
+    std::vector<double> siderealTime;  ///< local mean sidereal time [h], 0 to 24
+    std::vector<double> illumination;  ///< illuminated fraction, 0 to 1, seen from the place
+    std::vector<double> altitude;      ///< of the moon's centre [deg], with parallax, unrefracted
+    std::vector<double> azimuth;       ///< [deg], 0 to 360 from north through east
+    std::vector<double> phase;         ///< age over the mean synodic month, 0 to 1.01
+    std::vector<double> elongation;    ///< angle between moon and sun [deg], 0 to 180
+    std::vector<double> distance;      ///< from the observer [Earth radii]
+    std::vector<double> separations;   ///< rows of all targets, one row per instant [deg]
+    std::size_t targetCount = 0;       ///< length of such a row
+
+    /// Angle between the moon at an instant and a target [deg], 0 to 180; both by their positions in
+    /// what was given, unchecked.
+    double separation(std::size_t instant, std::size_t target) const {
+        return separations[instant * targetCount + target];
+    }
 };
 
 /// Computes the moon's values for every target at every instant, seen from a place.
 ///
-/// Instants in rising order are the fastest. Not-a-number inputs give not-a-number values; nothing
-/// is written anywhere. Reentrant: several threads may compute parts of a larger grid.
+/// Instants in rising order are the fastest. What is not a number or out of its range gives
+/// not-a-number for each value that depends on it: a declination the separations from its target, an
+/// instant all of its values, a latitude all but sidereal time and phase. Nothing is written
+/// anywhere. Reentrant: several threads may compute parts of a larger grid.
 ///
-/// @param targets    places in the equinox of date [deg]
-/// @param instants   [d], universal time
-/// @param longitude  observer's longitude [deg], WEST positive
-/// @param latitude   observer's latitude [deg]
+/// @param targets   directions in the equinox of date [deg]
+/// @param instants  Modified Julian Dates [d], universal time
+/// @param place     where the observer stands
 /// @throw std::bad_alloc, std::length_error  when the values find no room
 ZARNSYS_EXPORT MoonGrid computeMoonGrid(const std::vector<MoonTarget>& targets,
-                                        const std::vector<MJD_DATE>& instants, double longitude,
-                                        double latitude);
+                                        const std::vector<MJD_DATE>& instants, const Place& place);
+
+/// The same into a grid that the caller keeps: what it held is replaced, and its memory used again,
+/// which saves more than half of the time of a large grid. After a throw its values mean nothing.
+/// One thread at a time may use a grid.
+ZARNSYS_EXPORT void computeMoonGrid(const std::vector<MoonTarget>& targets,
+                                    const std::vector<MJD_DATE>& instants, const Place& place,
+                                    MoonGrid& grid);
 
 /// The same for a telescope's place; latitude and longitude 0 for one that is unknown.
 ZARNSYS_EXPORT MoonGrid computeMoonGrid(const std::vector<MoonTarget>& targets,

@@ -33,6 +33,13 @@ std::size_t fitting(const std::string& text, std::size_t begin, std::size_t room
     return end - begin;
 }
 
+/// The words at a text's beginning that fit, or of a longer first word its beginning.
+std::string wordsOf(const std::string& text, std::size_t room) {
+    if (text.size() <= room) return text;
+    const std::size_t blank = text.rfind(' ', room);
+    return withoutTrailing(text.substr(0, blank == std::string::npos || blank == 0 ? room : blank));
+}
+
 /// A text over several cards: all but the last end in '&'. Its comment goes on behind it.
 std::vector<std::string> continuedCards(std::string prefix, const std::string& text,
                                         const std::string& comment) {
@@ -51,8 +58,10 @@ std::vector<std::string> continuedCards(std::string prefix, const std::string& t
         const bool ends = at == text.size() && comment.size() - said <= room;
         card += ends ? "'" : "&'";
         if (at == text.size() && (ends || room > LEAST_COMMENT)) {
-            card = withComment(card, comment.substr(said, room));
-            said += std::min(room, comment.size() - said);
+            const std::string part = wordsOf(comment.substr(said, room + 1), room);
+            card = withComment(card, part);
+            said += part.size();
+            while (said < comment.size() && comment[said] == ' ') ++said;  // readers put one back
         }
         cards.push_back(withoutTrailing(card));
         if (ends) return cards;
@@ -172,7 +181,7 @@ private:
 
     void writeAnew(HeaderLine line, const std::vector<const HeaderLine*>& parts) {
         joinParts(line.value, parts);
-        noteValue(line, parts);
+        const HeaderLine joined = line;
         if (line.value.kind == CardValue::Kind::UNKNOWN) line.value.kind = CardValue::Kind::TEXT;
         const bool fits = prefixOf(line).size() + LEAST_COMMENT < CARD_LENGTH;
         const bool isText = line.value.kind == CardValue::Kind::TEXT;
@@ -180,6 +189,7 @@ private:
         if (fits && isText) cards = textCards(prefixOf(line), line.value);
         if (fits && !isText) cards = numberCard(line, repairs_);
         if (cards.empty()) return takeOther(line);
+        noteValue(joined, parts);
         if (line.isHierarch && !line.hasHierarch) repairs_[Repair::OTHER_KEYWORDS].add(line.number);
         cards_.push_back(logicalCard(line, std::move(cards)));
         cards_.back().isContinuedAnew = cards_.back().cards.size() > 1;

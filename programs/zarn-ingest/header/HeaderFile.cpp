@@ -4,6 +4,7 @@
 #include <cctype>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <iterator>
 #include <system_error>
@@ -35,11 +36,21 @@ bool isBinary(const std::string& bytes) {
            unprintable > bytes.size() / UNPRINTABLE_SHARE;
 }
 
-/// Whether the bytes are a file of FITS blocks, rather than a header text whose cards stand in a row.
+/// Whether cards that stand in a row say that data follow.
+bool promisesData(const std::string& bytes) {
+    const std::string naxis = "NAXIS   =";
+    for (std::size_t at = 0; at < bytes.size(); at += CARD_LENGTH) {
+        if (bytes.compare(at, naxis.size(), naxis) == 0)
+            return std::atoi(bytes.substr(at + naxis.size(), CARD_LENGTH).c_str()) != 0;
+    }
+    return false;
+}
+
+/// Whether the bytes are a FITS file, rather than the header of one, whose cards stand in a row, too.
 bool isFits(const std::string& bytes) {
     const bool begins = bytes.rfind("SIMPLE  =", 0) == 0 || bytes.rfind("XTENSION=", 0) == 0;
-    const bool hasLines = bytes.find_first_of("\r\n") < 2 * CARD_LENGTH;
-    return begins && !hasLines && (bytes.size() % FITS_BLOCK == 0 || isBinary(bytes));
+    if (!begins || bytes.find_first_of("\r\n") < 2 * CARD_LENGTH) return false;
+    return isBinary(bytes) || (bytes.size() % FITS_BLOCK == 0 && !promisesData(bytes));
 }
 
 // Errors of a name that leads to no file; any other may pass.

@@ -121,11 +121,11 @@ void HeaderText::addHeader(const Section& section, std::size_t count) {
     cardCount_ += section.lines.size();
     std::vector<LogicalCard> cards = cardsOf(section.lines, repairs_, notes_.upperCased);
     announceLongTexts(cards);
-    for (const LogicalCard& card : cards) {
-        if (isChecksum(card.keyword)) notes_.oldChecksums.add(card.number);
-    }
     headers_.push_back(headerOf(
         structured(std::move(cards), titlesOf(section, repairs_), position, repairs_)));
+    for (const Card& card : headers_.back()) {
+        if (isChecksum(card.keyword)) notes_.oldChecksums.add(card.number);
+    }
 }
 
 void HeaderText::append(const std::vector<std::string>& lines) {

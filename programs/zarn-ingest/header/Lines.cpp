@@ -51,7 +51,9 @@ Lines linesOf(const std::string& bytes) {
     Lines result;
     const char lineEnd = bytes.find('\n') == std::string::npos ? '\r' : '\n';
     std::size_t number = 0;
-    std::size_t at = bytes.rfind(BYTE_ORDER_MARK, 0) == 0 ? sizeof BYTE_ORDER_MARK - 1 : 0;
+    const bool marked = bytes.rfind(BYTE_ORDER_MARK, 0) == 0;
+    if (marked) result.repairs[Repair::BYTE_ORDER_MARK].add(1);
+    std::size_t at = marked ? sizeof BYTE_ORDER_MARK - 1 : 0;
     while (at < bytes.size()) {
         const std::size_t end = std::min(bytes.find(lineEnd, at), bytes.size());
         const bool carriage = end > at && bytes[end - 1] == '\r';

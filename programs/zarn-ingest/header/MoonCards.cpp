@@ -93,7 +93,7 @@ double azimuthOf(const ZarnMoonVal& moon) {
     return moon.getMoonAz() < ROUNDS_TO_CIRCLE ? moon.getMoonAz() : 0.0;
 }
 
-// In the order of the result. The series are good for 0.3 degrees: more digits would say nothing.
+// In the order of the result. The series are good for 0.4 degrees: more digits would say nothing.
 const struct Value {
     const char* keyword;
     double (*of)(const ZarnMoonVal&);

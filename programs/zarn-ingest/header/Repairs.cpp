@@ -3,6 +3,7 @@
 namespace {
 
 constexpr RepairKind KINDS[] = {
+    {"preamble", "byte-order marks", "left out"},
     {"preamble", "blank lines before the first card", "left out"},
     {"preamble", "lines of title or separation", "kept as COMMENT cards"},
     {"columns", "lines of several cards", "cut every 80 columns"},

@@ -21,6 +21,7 @@ struct Tally {
 
 /// The kinds, in the order of the table.
 enum class Repair {
+    BYTE_ORDER_MARK,
     BLANK_START,
     TITLES,
     CUT_LINES,

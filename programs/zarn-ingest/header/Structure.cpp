@@ -53,7 +53,10 @@ bool isOne(const std::string& number) {
 class Structure {
 public:
     Structure(std::vector<LogicalCard> cards, Position position, Repairs& repairs)
-        : cards_(std::move(cards)), position_(position), repairs_(repairs) {}
+        : cards_(std::move(cards)),
+          position_(position),
+          repairs_(repairs),
+          isForExtensions_(position == Position::FIRST && cards_.empty()) {}
 
     std::vector<LogicalCard> structured(const std::vector<LogicalCard>& titles) {
         demoteHierarch();
@@ -150,8 +153,10 @@ private:
         for (LogicalCard& card : cards_) {
             if (card.keyword != "ZIMAGE" || card.isHierarch) continue;
             repairs_[Repair::COMPRESSED].add(card.number);
-            card.cards = {withoutTrailing("HIERARCH WAS ZIMAGE = " + card.value.text)};
             card.keyword = "WAS ZIMAGE";
+            std::string text = "HIERARCH " + card.keyword + " = " + card.value.text;
+            if (!card.value.comment.empty()) text += " / " + card.value.comment;
+            card.cards = {withoutTrailing(text.substr(0, CARD_LENGTH))};
             card.isHierarch = true;
         }
     }
@@ -270,11 +275,15 @@ private:
 
     bool describesData(const LogicalCard& card) {
         if (card.isHierarch) return false;
+        const std::string& keyword = card.keyword;
         const std::string& text = card.value.text;
-        if (card.keyword == "GROUPS") return text != "F" || !seenAxes_.insert(card.keyword).second;
-        if (card.keyword == "PCOUNT") return !isZero(text) || !seenAxes_.insert(card.keyword).second;
-        if (card.keyword == "GCOUNT") return !isOne(text) || !seenAxes_.insert(card.keyword).second;
-        return card.keyword == "THEAP" && table_.has_value();
+        if (keyword == "THEAP") return table_.has_value();
+        if (keyword != "GROUPS" && keyword != "PCOUNT" && keyword != "GCOUNT") return false;
+        const bool isNumber = card.value.kind == CardValue::Kind::NUMBER;
+        const bool isHarmless = (keyword == "GROUPS" && text == "F") ||
+                                (keyword == "PCOUNT" && isNumber && isZero(text)) ||
+                                (keyword == "GCOUNT" && isNumber && isOne(text));
+        return !isHarmless || !seenAxes_.insert(keyword).second;
     }
 
     /// A further primary header becomes an extension: that is no fault of its cards.
@@ -286,9 +295,10 @@ private:
         leaveRepeated(keyword);
     }
 
-    /// Cards that a former primary header, or an image without data, need not have had.
+    /// Cards that come with other repairs, or that a header need not have had.
     bool isImplied(const std::string& keyword) const {
-        return (isFormerPrimary_ && (keyword == "XTENSION" || keyword == "PCOUNT" ||
+        return isForExtensions_ || keyword == "EXTEND" ||
+               (isFormerPrimary_ && (keyword == "XTENSION" || keyword == "PCOUNT" ||
                                      keyword == "GCOUNT")) ||
                (keyword == "NAXIS1" || keyword == "NAXIS2");
     }
@@ -330,6 +340,7 @@ private:
     std::string tableName_;
     std::optional<TableColumns> table_;
     std::set<std::string> seenAxes_;  ///< and other counts of data
+    bool isForExtensions_;  ///< an empty primary header before a text's extension
     bool isFormerPrimary_ = false;
 };
 

@@ -4,8 +4,9 @@
 
 inline constexpr char HELP_NOTES[] = R"(
 Each line of a header text file becomes one card of a FITS file that holds this
-header and no data. The result of dir/name.ext is DIR/name.fits: it appears only
-when it is complete and has been read back. Nothing else is touched.
+header and no data; a text of several headers gives as many HDUs. The result of
+dir/name.ext is DIR/name.fits: it appears only when it is complete and has been
+read back. Nothing else is touched.
 
   zarn-ingest -o fits night1/*.hdr
   zarn-ingest -o fits 'night1/*.hdr'                    (more names than fit a line)
@@ -17,10 +18,16 @@ shell pattern. Names from lists are never patterns. Write a name that begins wit
 a dash as ./-name.hdr, also where an option takes it. Flags take no value:
 --force=no means --force.
 
---moon adds MOONALT, MOONAZ, MOONDIST, MOONFLI and MOONPHAS to headers that give
-a position, RA and DEC in degrees or as '05:35:17.3', and a time in UTC, such as
-MJD-OBS or DATE-OBS. Other headers are converted without them, and counted.
-Keywords of these names that a header already has are kept.
+What does not meet the FITS standard is repaired without losing a card. Each kind
+of repair has a word, used in messages, summary and report: preamble, columns,
+characters, keyword, value, long, axes, mandatory and extensions. The manual page
+describes them. --strict refuses headers that need a repair.
+
+--moon adds MOONALT, MOONAZ, MOONDIST, MOONFLI and MOONPHAS to texts that give a
+position, RA and DEC in degrees or as '05:35:17.3', and a time in UTC: MJD-OBS or
+DATE-OBS, or a day in DATE-OBS with the time in TIME-OBS, UT or the like. Other
+texts are converted without them, and counted. Keywords of these names that the
+primary header already has are kept.
 
 --resume continues after a run that was killed. A result that already holds the
 same cards counts as converted, and each result is safe on disk before the next

@@ -32,11 +32,11 @@ std::vector<double> above(const std::vector<double>& altitudes, double level) {
 
 /// How far west of the meridian the moon is: negative before its upper transit, positive after it.
 std::vector<double> westOfMeridian(const MoonGrid& moon) {
-    std::vector<double> result(moon.moonaz);
+    std::vector<double> result(moon.azimuth);
     for (std::size_t i = 0; i < result.size(); ++i) {
         // The factor of the altitude: near the zenith, the azimuth alone would jump.
         result[i] =
-            -std::sin(moon.moonaz[i] / DEG_PER_RAD) * std::cos(moon.moonalt[i] / DEG_PER_RAD);
+            -std::sin(moon.azimuth[i] / DEG_PER_RAD) * std::cos(moon.altitude[i] / DEG_PER_RAD);
     }
     return result;
 }
@@ -65,7 +65,7 @@ std::vector<Event> eventsOf(const Night& night) {
     std::vector<Event> events;
     for (const auto& [name, altitude, rising] : SUN_EVENTS)
         events.push_back({name, crossings(night, above(night.sunAltitudes, altitude), rising)});
-    const std::vector<double> moon = above(night.moon.moonalt, HORIZON);
+    const std::vector<double> moon = above(night.moon.altitude, HORIZON);
     events.push_back({"moonrise", crossings(night, moon, true)});
     events.push_back({"moon transit", crossings(night, westOfMeridian(night.moon), true)});
     events.push_back({"moonset", crossings(night, moon, false)});

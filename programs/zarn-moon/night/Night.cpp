@@ -52,10 +52,10 @@ Night makeNight(const Site& site, double date) {
     const double noon = noonOf(site, date);
     for (int minute = 0; minute <= static_cast<int>(MINUTES_PER_DAY); ++minute)
         night.minutes.push_back(noon + minute / MINUTES_PER_DAY);
-    night.moon = computeMoonGrid({}, night.minutes, site.longitude, site.latitude);
+    night.moon = computeMoonGrid({}, night.minutes, {site.latitude, site.longitude});
     for (std::size_t i = 0; i < night.minutes.size(); ++i)
         night.sunAltitudes.push_back(
-            sunAltitude(night.minutes[i], night.moon.lst[i], site.latitude));
+            sunAltitude(night.minutes[i], night.moon.siderealTime[i], site.latitude));
     return night;
 }
 
@@ -65,11 +65,11 @@ Summary summaryOf(const Night& night) {
     for (std::size_t i = 1; i < night.minutes.size(); ++i) {  // the last noon is the next one's
         if (night.sunAltitudes[i] >= ASTRONOMICAL_TWILIGHT) continue;
         ++astronomical;
-        if (night.moon.moonalt[i] < HORIZON) ++dark;
+        if (night.moon.altitude[i] < HORIZON) ++dark;
     }
     const std::size_t middle = night.minutes.size() / 2;
     Summary summary = {astronomical / MINUTES_PER_HOUR, dark / MINUTES_PER_HOUR,
-                       night.moon.moonfli[middle], night.moon.moonphase[middle], ""};
+                       night.moon.illumination[middle], night.moon.phase[middle], ""};
     summary.word = wordFor(summary);
     return summary;
 }
@@ -78,9 +78,9 @@ Window bestWindow(const Night& night, const MoonTarget& target, double leastAlti
     std::vector<bool> high;
     std::vector<bool> highWithoutMoon;
     for (std::size_t i = 0; i < night.minutes.size(); ++i) {
-        const double altitude = altitudeOf(target, night.moon.lst[i], night.site.latitude);
+        const double altitude = altitudeOf(target, night.moon.siderealTime[i], night.site.latitude);
         high.push_back(night.sunAltitudes[i] < ASTRONOMICAL_TWILIGHT && altitude >= leastAltitude);
-        highWithoutMoon.push_back(high.back() && night.moon.moonalt[i] < HORIZON);
+        highWithoutMoon.push_back(high.back() && night.moon.altitude[i] < HORIZON);
     }
     constexpr double LEAST_WITHOUT_MOON = 1.0 / HOURS_PER_DAY;  // [d]
     const Window without = longest(night, highWithoutMoon, true);

@@ -51,13 +51,13 @@ TargetValues valuesOf(const Settings& settings, double altitude, double moonDist
 /// The row of the i-th instant, without its targets.
 Row rowOf(const Site& site, const MoonGrid& moon, std::size_t i, double mjd) {
     return {mjd,
-            moon.lst[i],
-            sunAltitude(mjd, moon.lst[i], site.latitude),
-            moon.moonalt[i],
-            moon.moonaz[i],
-            moon.moonfli[i],
-            moon.moonphase[i],
-            moon.moonalt[i] >= HORIZON,
+            moon.siderealTime[i],
+            sunAltitude(mjd, moon.siderealTime[i], site.latitude),
+            moon.altitude[i],
+            moon.azimuth[i],
+            moon.illumination[i],
+            moon.phase[i],
+            moon.altitude[i] >= HORIZON,
             {}};
 }
 
@@ -92,17 +92,17 @@ std::vector<Row> makeRows(const Settings& settings, const std::vector<MJD_DATE>&
                           const std::vector<MoonTarget>& targets,
                           const std::vector<Window>& windows) {
     const Site& site = settings.site;
-    const MoonGrid moon = computeMoonGrid(targets, instants, site.longitude, site.latitude);
+    const MoonGrid moon = computeMoonGrid(targets, instants, {site.latitude, site.longitude});
     std::vector<Row> rows;
     for (std::size_t i = 0; i < instants.size(); ++i) {
         Row row = rowOf(site, moon, i, instants[i]);
-        const Moonlight light = {moon.alphasun[i] * DEG_PER_RAD, row.moonAltitude, moon.objdist[i],
+        const Moonlight light = {moon.elongation[i], row.moonAltitude, moon.distance[i],
                                  row.moonUp};
         const bool isDark = row.sunAltitude < ASTRONOMICAL_TWILIGHT;
         for (std::size_t t = 0; t < targets.size(); ++t) {
             const double altitude = altitudeOf(targets[t], row.lst, site.latitude);
             row.targets.push_back(
-                valuesOf(settings, altitude, moon.moondist[i * targets.size() + t], light, isDark));
+                valuesOf(settings, altitude, moon.separation(i, t), light, isDark));
             if (!windows.empty()) {
                 row.targets.back().best =
                     instants[i] >= windows[t].begin && instants[i] <= windows[t].end;
