@@ -27,13 +27,13 @@ public:
     /// signal comes.
     ///
     /// @return  false when it ended early because the journal could not be written
-    bool run();
+    [[nodiscard]] bool run();
 
 private:
     void openJournal();
     bool isOurs(const Input& input, std::size_t position) const;
     void begin(const std::vector<Input>& inputs);
-    bool record(const Input& input, const Outcome& outcome);
+    [[nodiscard]] bool record(const Input& input, const Outcome& outcome);
 
     const Settings& settings_;
     const StopSignals& signals_;

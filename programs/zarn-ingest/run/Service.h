@@ -32,8 +32,8 @@ public:
     /// file system is mounted.
     ///
     /// @return  false when a signal came first
-    static bool awaitIncoming(const Settings& settings, const StopSignals& signals,
-                              Reporter& reporter);
+    [[nodiscard]] static bool awaitIncoming(const Settings& settings, const StopSignals& signals,
+                                            Reporter& reporter);
 
     /// Prepares the directories and locks them for this process.
     ///
@@ -43,7 +43,7 @@ public:
     /// Works until a signal comes or, if it does not watch, until all present files are done.
     ///
     /// @return  false when settled files were left or could not be moved away
-    bool run();
+    [[nodiscard]] bool run();
 
 private:
     /// A source that is in the journal but could not be moved away.
@@ -52,13 +52,13 @@ private:
         Outcome outcome;
     };
 
-    bool look();
-    bool doSettled();
+    bool look();  ///< a watching service may ignore whether all was done
+    [[nodiscard]] bool doSettled();
     void keepDirectories();
     std::vector<Input> nextBatch();
-    bool hasRoom();
-    bool handle(const Input& input);
-    bool record(const Input& input, const Outcome& outcome);
+    [[nodiscard]] bool hasRoom();
+    [[nodiscard]] bool handle(const Input& input);
+    [[nodiscard]] bool record(const Input& input, const Outcome& outcome);
     void move(const std::string& source, const Outcome& outcome);
 
     const Settings& settings_;
