@@ -174,4 +174,5 @@ int main(int argc, char** argv) {
     }
     std::cout << "minutes             times   median      95 %    worst  grazing  unmatched\n";
     for (const Kind& kind : KINDS) print(kind, tallies[kind.name]);
+    return 0;
 }

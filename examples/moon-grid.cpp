@@ -13,20 +13,20 @@
 
 namespace {
 
-constexpr int STEPS = 145;          // every five minutes
+constexpr int STEPS = 145;           // every five minutes
 constexpr double STEP = 5 / 1440.0;  // [d]
 
 // Of the equinox J2000 [deg].
 const struct {
     const char* name;
     double ra, dec;
-} CATALOGUE[] = {{"M 1", 83.63, 22.01},    {"M 13", 250.42, 36.46}, {"M 15", 322.49, 12.17},
-                 {"M 27", 299.90, 22.72},  {"M 31", 10.68, 41.27},  {"M 33", 23.46, 30.66},
-                 {"M 35", 92.27, 24.34},   {"M 42", 83.82, -5.39},  {"M 44", 130.05, 19.62},
-                 {"M 45", 56.60, 24.11},   {"M 46", 115.45, -14.81}, {"M 51", 202.47, 47.20},
-                 {"M 57", 283.40, 33.03},  {"M 63", 198.96, 42.03}, {"M 65", 169.73, 13.09},
-                 {"M 74", 24.17, 15.78},   {"M 77", 40.67, -0.01},  {"M 81", 148.89, 69.07},
-                 {"M 97", 168.70, 55.02},  {"M 104", 190.00, -11.62}};
+} CATALOGUE[] = {{"M 1", 83.63, 22.01},   {"M 13", 250.42, 36.46},  {"M 15", 322.49, 12.17},
+                 {"M 27", 299.90, 22.72}, {"M 31", 10.68, 41.27},   {"M 33", 23.46, 30.66},
+                 {"M 35", 92.27, 24.34},  {"M 42", 83.82, -5.39},   {"M 44", 130.05, 19.62},
+                 {"M 45", 56.60, 24.11},  {"M 46", 115.45, -14.81}, {"M 51", 202.47, 47.20},
+                 {"M 57", 283.40, 33.03}, {"M 63", 198.96, 42.03},  {"M 65", 169.73, 13.09},
+                 {"M 74", 24.17, 15.78},  {"M 77", 40.67, -0.01},   {"M 81", 148.89, 69.07},
+                 {"M 97", 168.70, 55.02}, {"M 104", 190.00, -11.62}};
 
 /// A catalogue position in the equinox of date, in which the moon's position is.
 MoonTarget precessed(double ra, double dec, MJD_DATE mjd) {
@@ -58,10 +58,10 @@ int main(int argc, char** argv) {
         for (std::size_t i = 1; i < instants.size(); ++i) {
             if (moon.separation(i, target) < moon.separation(closest, target)) closest = i;
         }
-        std::cout << std::left << std::setw(6) << CATALOGUE[target].name << std::right
-                  << std::fixed << std::setprecision(1) << std::setw(6)
-                  << moon.separation(closest, target) << " degrees after " << std::setw(4)
-                  << (instants[closest] - begin) * 24 << " h\n";
+        std::cout << std::left << std::setw(6) << CATALOGUE[target].name << std::right << std::fixed
+                  << std::setprecision(1) << std::setw(6) << moon.separation(closest, target)
+                  << " degrees after " << std::setw(4) << (instants[closest] - begin) * 24
+                  << " h\n";
     }
     return 0;
 }

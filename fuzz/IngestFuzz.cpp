@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::uintmax_t BLOCK = 2880;  // the most that a header, or what is added to it, can need
 
-/// A bound for a result: a block for each line and for each 80 columns, where a header can begin, and
-/// a card for each 20 characters of long texts.
+/// A bound for a result: a block for each line and for each 80 columns, where a header can begin,
+/// and a card for each 20 characters of long texts.
 std::uintmax_t mostBytes(const std::string& text) {
     constexpr std::uintmax_t CARD = 80;
     constexpr std::uintmax_t SHORTEST = 20;

@@ -112,9 +112,8 @@ TEST(MoonGridTest, SeveralThreadsMayComputeParts) {
 
 TEST(MoonGridTest, NotANumberStaysWhereItCameInAsDoesWhatIsBeyondThePoles) {
     constexpr double INFINITE = std::numeric_limits<double>::infinity();
-    const MoonGrid grid =
-        computeMoonGrid({{NAN_VALUE, 1.0}, {2.0, 3.0}, {2.0, 90.1}, {2.0, -90.0}},
-                        {NAN_VALUE, 60000.0, INFINITE}, {45.0, 0.0});
+    const MoonGrid grid = computeMoonGrid({{NAN_VALUE, 1.0}, {2.0, 3.0}, {2.0, 90.1}, {2.0, -90.0}},
+                                          {NAN_VALUE, 60000.0, INFINITE}, {45.0, 0.0});
     for (const std::size_t instant : {0U, 2U})
         for (const double value : valuesOf(grid, instant, 1)) EXPECT_TRUE(std::isnan(value));
     for (const std::size_t target : {0U, 2U}) EXPECT_TRUE(std::isnan(grid.separation(1, target)));

@@ -97,8 +97,9 @@ TEST(HeaderTextTest, AppendedCardsStandInThePrimaryHeaderAndOldChecksumsLeaveAll
     HeaderText text(START + "CHECKSUM= 'x'\nEND\nXTENSION= 'IMAGE   '\nDATASUM = '1'\n", {});
     text.append({"OBJECT  = 'x'"});
     text.dropChecksums();
-    EXPECT_EQ(shown(text.headers()[0]), "| ...\n| EXTEND  =                    T / extensions follow\n"
-                                        "| OBJECT  = 'x'\n");
+    EXPECT_EQ(shown(text.headers()[0]),
+              "| ...\n| EXTEND  =                    T / extensions follow\n"
+              "| OBJECT  = 'x'\n");
     EXPECT_EQ(text.headers()[1].size(), 5U);
     EXPECT_EQ(text.notes().oldChecksums.count, 0U);
 }

@@ -19,7 +19,10 @@ TEST(MoonCardsTest, PositionAndTimeDecideTheState) {
         std::string shown = states[static_cast<int>(moon.state)];
         shown += ", " + std::to_string(moon.lines.size()) + " cards";
         for (const auto& [line, text, isWarning] : moon.remarks)
-            shown.append(isWarning ? "; " : "; note ").append(std::to_string(line)).append(": ").append(text);
+            shown.append(isWarning ? "; " : "; note ")
+                .append(std::to_string(line))
+                .append(": ")
+                .append(text);
         return shown + "\n";
     });
 }

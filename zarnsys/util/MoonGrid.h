@@ -42,8 +42,8 @@ struct MoonGrid {
     std::vector<double> separations;   ///< rows of all targets, one row per instant [deg]
     std::size_t targetCount = 0;       ///< length of such a row
 
-    /// Angle between the moon at an instant and a target [deg], 0 to 180; both by their positions in
-    /// what was given, unchecked.
+    /// Angle between the moon at an instant and a target [deg], 0 to 180; both by their positions
+    /// in what was given, unchecked.
     double separation(std::size_t instant, std::size_t target) const {
         return separations[instant * targetCount + target];
     }
@@ -52,8 +52,8 @@ struct MoonGrid {
 /// Computes the moon's values for every target at every instant, seen from a place.
 ///
 /// Instants in rising order are the fastest. What is not a number or out of its range gives
-/// not-a-number for each value that depends on it: a declination the separations from its target, an
-/// instant all of its values, a latitude all but sidereal time and phase. Nothing is written
+/// not-a-number for each value that depends on it: a declination the separations from its target,
+/// an instant all of its values, a latitude all but sidereal time and phase. Nothing is written
 /// anywhere. Reentrant: several threads may compute parts of a larger grid.
 ///
 /// @param targets   directions in the equinox of date [deg]

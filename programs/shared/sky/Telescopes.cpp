@@ -12,4 +12,6 @@ Telescope telescopeOf(const std::string& name) {
     throw WrongValue(alternatives(TELESCOPES));
 }
 
-std::string telescopeName(Telescope telescope) { return wordsOf(TELESCOPES)[telescope]; }
+std::string telescopeName(Telescope telescope) {
+    return wordsOf(TELESCOPES).at(static_cast<std::size_t>(telescope));
+}

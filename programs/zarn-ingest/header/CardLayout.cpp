@@ -49,8 +49,7 @@ std::vector<std::string> continuedCards(std::string prefix, const std::string& t
     std::size_t at = 0;    // in the text
     std::size_t said = 0;  // of the comment
     for (;;) {
-        const std::size_t length =
-            fitting(text, at, CARD_LENGTH - prefix.size() - QUOTES_AND_SIGN);
+        const std::size_t length = fitting(text, at, CARD_LENGTH - prefix.size() - QUOTES_AND_SIGN);
         std::string card = prefix + "'" + withDoubledQuotes(text.substr(at, length));
         at += length;
         const std::size_t used = card.size() + QUOTES_AND_SIGN + DIVIDER_LENGTH;
@@ -72,8 +71,8 @@ std::vector<std::string> continuedCards(std::string prefix, const std::string& t
 std::vector<std::string> textCards(const std::string& prefix, const CardValue& value) {
     const std::string card = prefix + quoted(value.text);
     const std::size_t column = KEYWORD_LENGTH + 2 + VALUE_WIDTH;
-    for (const std::string& tried : {withComment(padded(card, column), value.comment),
-                                     withComment(card, value.comment)}) {
+    for (const std::string& tried :
+         {withComment(padded(card, column), value.comment), withComment(card, value.comment)}) {
         if (tried.size() <= CARD_LENGTH) return {withoutTrailing(tried)};
     }
     return continuedCards(prefix, value.text, value.comment);
@@ -83,9 +82,8 @@ std::vector<std::string> textCards(const std::string& prefix, const CardValue& v
 std::vector<std::string> numberCard(const HeaderLine& line, Repairs& repairs) {
     const std::string prefix = prefixOf(line);
     const CardValue& value = line.value;
-    const std::size_t indent = line.isHierarch || value.text.size() > VALUE_WIDTH
-                                   ? 0
-                                   : VALUE_WIDTH - value.text.size();
+    const std::size_t indent =
+        line.isHierarch || value.text.size() > VALUE_WIDTH ? 0 : VALUE_WIDTH - value.text.size();
     const std::string card = prefix + std::string(indent, ' ') + value.text;
     if (card.size() > CARD_LENGTH) return {};
     const std::string full = withComment(card, value.comment);
@@ -98,8 +96,7 @@ std::vector<std::string> commentaryCards(const std::string& keyword, const std::
     std::vector<std::string> cards;
     std::size_t at = 0;
     do {
-        cards.push_back(
-            withoutTrailing(padded(keyword, KEYWORD_LENGTH) + text.substr(at, ROOM)));
+        cards.push_back(withoutTrailing(padded(keyword, KEYWORD_LENGTH) + text.substr(at, ROOM)));
         at += ROOM;
     } while (at < text.size());
     return cards;
@@ -255,6 +252,6 @@ std::string fixedCard(const std::string& keyword, const std::string& value,
     const std::size_t indent = value.size() < VALUE_WIDTH ? VALUE_WIDTH - value.size() : 0;
     const std::string blanks(indent, ' ');
     const std::string field = isText ? value + blanks : blanks + value;
-    return withoutTrailing(
-        withComment(padded(keyword, KEYWORD_LENGTH) + "= " + field, comment).substr(0, CARD_LENGTH));
+    return withoutTrailing(withComment(padded(keyword, KEYWORD_LENGTH) + "= " + field, comment)
+                               .substr(0, CARD_LENGTH));
 }

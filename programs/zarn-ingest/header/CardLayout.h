@@ -16,7 +16,7 @@ struct LogicalCard {
     std::vector<std::string> cards;  ///< without blanks at their ends, 80 characters at most
     std::size_t number = 0;          ///< of its line, counted from 1; 0: of none
     bool isHierarch = false;
-    bool isContinuedAnew = false;    ///< a text goes on in CONTINUE cards that the line did not have
+    bool isContinuedAnew = false;  ///< a text goes on in CONTINUE cards that the line did not have
 };
 
 /// Turns lines into cards, byte for byte where they stand as the standard wants them.

@@ -19,9 +19,8 @@ constexpr double HOURS_PER_DAY = 24.0;
 // In the order in which they are looked for.
 constexpr const char* MJD_KEYWORDS[] = {"MJD-OBS", "MJD_OBS"};
 constexpr const char* DATE_KEYWORDS[] = {"DATE-OBS", "DATE_OBS", "DATE-BEG"};
-constexpr const char* TIME_KEYWORDS[] = {"TIME-OBS", "TIME_OBS", "TIME-BEG", "UTSTART",
-                                         "UT-START", "UTC-OBS",  "UT-OBS",   "UTC",
-                                         "UT",       "TIME"};
+constexpr const char* TIME_KEYWORDS[] = {"TIME-OBS", "TIME_OBS", "TIME-BEG", "UTSTART", "UT-START",
+                                         "UTC-OBS",  "UT-OBS",   "UTC",      "UT",      "TIME"};
 
 template <typename Keywords>
 std::optional<Field> firstOf(const HeaderText& text, const Keywords& keywords) {
@@ -91,8 +90,9 @@ ExposureTime onDay(const HeaderText& text, const Field& date) {
         const std::optional<double> time = field ? timeOfDay(field->value) : std::nullopt;
         if (time) return {day + *time, field->keyword, field->line};
     }
-    throw Malformed(date.keyword + ": holds the day alone, and no TIME-OBS, UT or the like the time",
-                    date.line);
+    throw Malformed(
+        date.keyword + ": holds the day alone, and no TIME-OBS, UT or the like the time",
+        date.line);
 }
 
 }  // namespace

@@ -46,7 +46,8 @@ bool promisesData(const std::string& bytes) {
     return false;
 }
 
-/// Whether the bytes are a FITS file, rather than the header of one, whose cards stand in a row, too.
+/// Whether the bytes are a FITS file, rather than the header of one, whose cards stand in a row,
+/// too.
 bool isFits(const std::string& bytes) {
     const bool begins = bytes.rfind("SIMPLE  =", 0) == 0 || bytes.rfind("XTENSION=", 0) == 0;
     if (!begins || bytes.find_first_of("\r\n") < 2 * CARD_LENGTH) return false;

@@ -42,8 +42,7 @@ bool isKeywordOfHierarch(const std::string& name, const CardValue& value) {
 void readValue(HeaderLine& line, std::size_t equals) {
     const std::string before = line.text.substr(0, equals);
     line.hasHierarch = upper(before.substr(0, HIERARCH_LENGTH)) == HIERARCH;
-    const std::string name =
-        normalized(line.hasHierarch ? before.substr(HIERARCH_LENGTH) : before);
+    const std::string name = normalized(line.hasHierarch ? before.substr(HIERARCH_LENGTH) : before);
     line.value = valueIn(line.text.substr(equals + 1));
     line.keyword = upper(name);
     line.isUpperCase = line.keyword == name;

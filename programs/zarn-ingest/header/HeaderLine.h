@@ -18,15 +18,15 @@ struct HeaderLine {
     };
 
     Kind kind = Kind::BLANK;
-    std::string text;            ///< the whole line in ASCII, without blanks at its end
-    std::size_t number = 0;      ///< counted from 1; 0: of no line
-    std::string keyword;         ///< in upper case; HIERARCH names without that word
-    CardValue value;             ///< of VALUE and CONTINUE
-    bool isHierarch = false;     ///< the keyword is one that only a HIERARCH card can have
-    bool hasHierarch = false;    ///< the line says so itself
-    bool isInColumns = true;     ///< keyword and equals sign stand where cards have them
-    std::string commentary;      ///< of COMMENTARY: what follows column 8
-    bool isUpperCase = true;     ///< the keyword is written so
+    std::string text;          ///< the whole line in ASCII, without blanks at its end
+    std::size_t number = 0;    ///< counted from 1; 0: of no line
+    std::string keyword;       ///< in upper case; HIERARCH names without that word
+    CardValue value;           ///< of VALUE and CONTINUE
+    bool isHierarch = false;   ///< the keyword is one that only a HIERARCH card can have
+    bool hasHierarch = false;  ///< the line says so itself
+    bool isInColumns = true;   ///< keyword and equals sign stand where cards have them
+    std::string commentary;    ///< of COMMENTARY: what follows column 8
+    bool isUpperCase = true;   ///< the keyword is written so
 
     /// Whether nobody would doubt that the line is a card: a blank keyword could also begin an
     /// indented line of any text.

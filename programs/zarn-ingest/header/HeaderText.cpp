@@ -46,9 +46,8 @@ std::vector<LogicalCard> titlesOf(const Section& section, Repairs& repairs) {
 
 /// Says that texts go on in CONTINUE cards, where that is new.
 void announceLongTexts(std::vector<LogicalCard>& cards) {
-    const bool continues = std::any_of(cards.begin(), cards.end(), [](const LogicalCard& card) {
-        return card.isContinuedAnew;
-    });
+    const bool continues = std::any_of(
+        cards.begin(), cards.end(), [](const LogicalCard& card) { return card.isContinuedAnew; });
     const bool announced = std::any_of(cards.begin(), cards.end(), [](const LogicalCard& card) {
         return card.keyword == "LONGSTRN";
     });
@@ -83,9 +82,9 @@ void refuseRepairs(const Repairs& repairs) {
     const auto first = std::min_element(repairs.begin(), repairs.end(), earlier);
     if (first == repairs.end()) return;
     const RepairKind& kind = kindOf(first->first);
-    throw IngestError(std::string("needs a repair (") + kind.word + "), which --strict forbids: " +
-                          kind.found + ": " + std::to_string(first->second.count) +
-                          ", the first in this line",
+    throw IngestError(std::string("needs a repair (") + kind.word +
+                          "), which --strict forbids: " + kind.found + ": " +
+                          std::to_string(first->second.count) + ", the first in this line",
                       first->second.firstLine);
 }
 
@@ -121,8 +120,8 @@ void HeaderText::addHeader(const Section& section, std::size_t count) {
     cardCount_ += section.lines.size();
     std::vector<LogicalCard> cards = cardsOf(section.lines, repairs_, notes_.upperCased);
     announceLongTexts(cards);
-    headers_.push_back(headerOf(
-        structured(std::move(cards), titlesOf(section, repairs_), position, repairs_)));
+    headers_.push_back(
+        headerOf(structured(std::move(cards), titlesOf(section, repairs_), position, repairs_)));
     for (const Card& card : headers_.back()) {
         if (isChecksum(card.keyword)) notes_.oldChecksums.add(card.number);
     }
@@ -141,8 +140,8 @@ void HeaderText::dropChecksums() {
 }
 
 std::size_t HeaderText::fileSize() const {
-    constexpr std::size_t BLOCK = 2880;       // the unit of a file's size [bytes]
-    constexpr std::size_t END_AND_SUMS = 3;   // cards that every header may get
+    constexpr std::size_t BLOCK = 2880;      // the unit of a file's size [bytes]
+    constexpr std::size_t END_AND_SUMS = 3;  // cards that every header may get
     std::size_t size = 0;
     for (const Header& header : headers_)
         size += ((header.size() + END_AND_SUMS) * CARD_LENGTH / BLOCK + 1) * BLOCK;

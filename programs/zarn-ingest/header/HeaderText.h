@@ -1,8 +1,8 @@
 /// A header text file, examined and repaired before CFITSIO gets its cards.
 ///
-/// CFITSIO takes lines with few questions: it cuts, blanks and hides what it cannot hold, and writes
-/// as much data as a header describes. So each line becomes cards of the standard first, and each
-/// change that this takes is counted.
+/// CFITSIO takes lines with few questions: it cuts, blanks and hides what it cannot hold, and
+/// writes as much data as a header describes. So each line becomes cards of the standard first, and
+/// each change that this takes is counted.
 #ifndef ZARN_INGEST_HEADERTEXT_H
 #define ZARN_INGEST_HEADERTEXT_H
 

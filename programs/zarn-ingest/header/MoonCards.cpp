@@ -71,8 +71,8 @@ void checkTimeScale(const std::string& value) {
     if (!isNear) refuseValue(value, "is no time scale near universal time");
 }
 
-/// The moon's values for a text's headers, and when they hold; nothing where there is no position or
-/// no time.
+/// The moon's values for a text's headers, and when they hold; nothing where there is no position
+/// or no time.
 std::optional<Moment> valuesFor(const HeaderText& text, Telescope telescope) {
     const std::optional<Field> ra = fieldOf(text, "RA");
     const std::optional<Field> dec = fieldOf(text, "DEC");
@@ -134,14 +134,16 @@ MoonCards moonCards(const HeaderText& text, Telescope telescope) {
         if (!moment) return result;
         const auto& [mjd, keyword, line] = moment->time;
         if (keyword != "MJD-OBS" && keyword != "DATE-OBS")
-            result.remarks.push_back({line, "the moon's values are for the time in " + keyword, false});
+            result.remarks.push_back(
+                {line, "the moon's values are for the time in " + keyword, false});
         for (const Value& value : VALUES) {
             const Card* const own = cardOf(text.headers().front(), value.keyword);
             if (own == nullptr) {
                 result.lines.push_back(cardLine(value, moment->moon, telescope));
             } else {
                 result.remarks.push_back(
-                    {own->number, std::string(value.keyword) + " is there already and is kept", true});
+                    {own->number, std::string(value.keyword) + " is there already and is kept",
+                     true});
             }
         }
     } catch (const Malformed& problem) {

@@ -8,7 +8,7 @@
 struct Remark {
     std::size_t line;  ///< counted from 1
     std::string text;
-    bool isWarning;    ///< perhaps the operator should do something about it
+    bool isWarning;  ///< perhaps the operator should do something about it
 };
 
 #endif  // ZARN_INGEST_REMARK_H

@@ -16,9 +16,8 @@ constexpr const char* RULERS[] = {"---", "===", "***", "###", "# "};
 
 template <typename Words>
 bool containsAny(const std::string& text, const Words& words) {
-    return std::any_of(std::begin(words), std::end(words), [&text](const char* word) {
-        return text.find(word) != std::string::npos;
-    });
+    return std::any_of(std::begin(words), std::end(words),
+                       [&text](const char* word) { return text.find(word) != std::string::npos; });
 }
 
 /// "--- HDU 1 ---", "# HDU 2 in file.fits:", "===> extension 3 <==="

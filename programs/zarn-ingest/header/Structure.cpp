@@ -17,9 +17,9 @@ constexpr const char* BITPIX_VALUES[] = {"8", "16", "32", "64", "-32", "-64"};
 constexpr const char* TABLES[] = {"BINTABLE", "A3DTABLE"};
 
 // CFITSIO takes HIERARCH cards of these names for the keywords themselves.
-constexpr const char* STRUCTURE[] = {"SIMPLE", "XTENSION", "BITPIX",   "NAXIS",   "EXTEND", "GROUPS",
-                                     "PCOUNT", "GCOUNT",   "CHECKSUM", "DATASUM", "TFIELDS",
-                                     "THEAP",  "END"};
+constexpr const char* STRUCTURE[] = {"SIMPLE",  "XTENSION", "BITPIX", "NAXIS",    "EXTEND",
+                                     "GROUPS",  "PCOUNT",   "GCOUNT", "CHECKSUM", "DATASUM",
+                                     "TFIELDS", "THEAP",    "END"};
 
 template <typename Words>
 bool contains(const Words& words, const std::string& word) {
@@ -99,9 +99,12 @@ private:
     }
 
     void beginPrimary() {
-        require("SIMPLE", [](const std::string& text) -> std::string {
-            return text == "F" || text == "f" ? "F" : "T";
-        }, "file conforms to the FITS standard");
+        require(
+            "SIMPLE",
+            [](const std::string& text) -> std::string {
+                return text == "F" || text == "f" ? "F" : "T";
+            },
+            "file conforms to the FITS standard");
         beginImage();
         if (position_ == Position::FIRST) promiseExtensions();
         demoteAll("XTENSION");
@@ -109,7 +112,7 @@ private:
 
     /// EXTEND may stand anywhere.
     void promiseExtensions() {
-        const auto found = position("EXTEND");
+        const auto found = locate("EXTEND");
         if (found == cards_.end()) return place("EXTEND", "T", "extensions follow", true);
         if (found->value.text == "T" && isWellFormed(*found)) return;
         repairs_[Repair::ARRANGED].add(found->number);
@@ -117,10 +120,13 @@ private:
     }
 
     void beginImage() {
-        require("BITPIX", [](const std::string& text) -> std::string {
-            const std::string number = withoutPlus(text);
-            return contains(BITPIX_VALUES, number) ? number : "8";
-        }, "bits per data value");
+        require(
+            "BITPIX",
+            [](const std::string& text) -> std::string {
+                const std::string number = withoutPlus(text);
+                return contains(BITPIX_VALUES, number) ? number : "8";
+            },
+            "bits per data value");
         requireAs("NAXIS", "0", "# of axes in frame");
     }
 
@@ -177,7 +183,7 @@ private:
     /// @param keeps  the card's own value is legal, or no matter
     void place(const std::string& keyword, const std::string& value, const std::string& comment,
                bool keeps) {
-        const auto found = position(keyword);
+        const auto found = locate(keyword);
         LogicalCard card;
         card.keyword = keyword;
         if (found == cards_.end()) {
@@ -219,17 +225,17 @@ private:
     }
 
     void leaveRepeated(const std::string& keyword) {
-        leaveFrom(cards_.begin(), cards_.end(), [this, &keyword](const LogicalCard& card) {
+        leaveWhere([this, &keyword](const LogicalCard& card) {
             const bool again = isKeyword(card, keyword);
             if (again) repairs_[Repair::REPEATED].add(card.number);
             return again;
         });
     }
 
-    /// Leaves out cards of a range, in the order of which the condition sees them.
+    /// Leaves out the cards for which a condition, asked in their order, is true.
     template <typename Condition>
-    void leaveFrom(Cards::iterator begin, Cards::iterator end, Condition isLeft) {
-        cards_.erase(std::remove_if(begin, end, isLeft), end);
+    void leaveWhere(Condition isLeft) {
+        cards_.erase(std::remove_if(cards_.begin(), cards_.end(), isLeft), cards_.end());
     }
 
     /// Leaves out the axes that stand next: those beyond the second are told of.
@@ -262,7 +268,7 @@ private:
 
     /// Leaves out what would describe data.
     void leaveData() {
-        leaveFrom(cards_.begin(), cards_.end(), [this](const LogicalCard& card) {
+        leaveWhere([this](const LogicalCard& card) {
             if (isAxis(card)) {
                 leaveAxis(card);
                 return true;
@@ -288,7 +294,7 @@ private:
 
     /// A further primary header becomes an extension: that is no fault of its cards.
     void takeFormer(const std::string& keyword) {
-        const auto found = position(keyword);
+        const auto found = locate(keyword);
         if (found == cards_.end()) return;
         isFormerPrimary_ = true;
         cards_.erase(found);
@@ -298,13 +304,13 @@ private:
     /// Cards that come with other repairs, or that a header need not have had.
     bool isImplied(const std::string& keyword) const {
         return isForExtensions_ || keyword == "EXTEND" ||
-               (isFormerPrimary_ && (keyword == "XTENSION" || keyword == "PCOUNT" ||
-                                     keyword == "GCOUNT")) ||
+               (isFormerPrimary_ &&
+                (keyword == "XTENSION" || keyword == "PCOUNT" || keyword == "GCOUNT")) ||
                (keyword == "NAXIS1" || keyword == "NAXIS2");
     }
 
     void keepAsComment(const std::string& keyword) {
-        const auto found = position(keyword);
+        const auto found = locate(keyword);
         cards_.push_back(commentOf(found->cards.front(), found->number));
     }
 
@@ -320,14 +326,14 @@ private:
         return card.keyword == keyword && !card.isHierarch;
     }
 
-    Cards::iterator position(const std::string& keyword) {
+    Cards::iterator locate(const std::string& keyword) {
         return std::find_if(cards_.begin(), cards_.end(), [&keyword](const LogicalCard& card) {
             return isKeyword(card, keyword);
         });
     }
 
     const LogicalCard* find(const std::string& keyword) {
-        const auto found = position(keyword);
+        const auto found = locate(keyword);
         return found == cards_.end() ? nullptr : &*found;
     }
 
@@ -339,8 +345,8 @@ private:
     Repairs& repairs_;
     std::string tableName_;
     std::optional<TableColumns> table_;
-    std::set<std::string> seenAxes_;  ///< and other counts of data
-    bool isForExtensions_;  ///< an empty primary header before a text's extension
+    std::set<std::string> seenAxes_;  ///< and counts of data: a second one is left out
+    bool isForExtensions_;            ///< an empty primary header before a text's extension
     bool isFormerPrimary_ = false;
 };
 

@@ -1,7 +1,7 @@
 /// The report: JSON Lines, one object for each input.
 ///
-/// Each object holds "time" (UTC), "source", "result", "status" ("converted", "failed" or, where the
-/// machine is to blame, "waits"), "hdus", "cards", "bytes", "repairs" (of each word "count" and
+/// Each object holds "time" (UTC), "source", "result", "status" ("converted", "failed" or, where
+/// the machine is to blame, "waits"), "hdus", "cards", "bytes", "repairs" (of each word "count" and
 /// "first_line") and "warnings" ("line", "text"); for an input that was not converted also "line",
 /// "text" and "cfitsio_status", with null for what there is not. Names are printable: control
 /// characters read \xHH.

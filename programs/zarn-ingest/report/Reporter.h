@@ -64,7 +64,7 @@ private:
     std::size_t total_ = 0;  ///< 0: no progress is shown
     std::size_t files_ = 0;  ///< to be done; 0: unknown
     std::size_t converted_ = 0;
-    std::size_t warned_ = 0;  ///< files with a warning
+    std::size_t warned_ = 0;                      ///< files with a warning
     std::size_t repaired_ = 0;                    ///< files
     std::map<std::string, std::size_t> repairs_;  ///< files by the words of their repairs
     std::size_t failed_ = 0;

@@ -46,9 +46,7 @@ std::string resultName(const std::string& input) {
 /// An input's text, and the version of the file that it was read from.
 struct Converter::Source {
     Source(const std::string& fileName, const ReadingOptions& options)
-        : name(fileName),
-          version(versionOf(fileName)),
-          text(HeaderText::read(fileName, options)) {}
+        : name(fileName), version(versionOf(fileName)), text(HeaderText::read(fileName, options)) {}
 
     bool isUnchanged() const { return versionOf(name) == version; }
 
