@@ -14,6 +14,8 @@
 #include "zarn-ingest/run/StopSignals.h"
 #include "zarn-ingest/settings/Settings.h"
 
+namespace zarn::ingest {
+
 /// Converts the named inputs of one run. Keeps references to what it is made of, which must outlive
 /// it.
 class Batch {
@@ -42,5 +44,7 @@ private:
     std::unique_ptr<DirectoryLocks> locks_;
     std::unique_ptr<Journal> journal_;  ///< none if the settings name no directory
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_BATCH_H

@@ -25,6 +25,8 @@
 #include "zarn-ingest/run/Troubles.h"
 #include "zarn-ingest/settings/Settings.h"
 
+namespace zarn::ingest {
+
 /// Does the work of a service. Keeps references to what it is made of, which must outlive it.
 class Service {
 public:
@@ -74,5 +76,7 @@ private:
     bool recalled_ = false;                 ///< whether the journal of earlier runs was read
     std::map<std::string, Stuck> stuck_;    ///< sources to move away, by name
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_SERVICE_H

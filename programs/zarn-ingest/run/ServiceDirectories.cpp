@@ -14,6 +14,8 @@
 #include "shared/files/SystemError.h"
 #include "zarn-ingest/run/Moving.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 dev_t fileSystemOf(const std::string& directory) {
@@ -82,3 +84,5 @@ void putBackFailed(const Settings& settings, Reporter& reporter) {
     syncToDisk(incoming);
     syncToDisk(settings.failedDir);
 }
+
+}  // namespace zarn::ingest
