@@ -43,8 +43,8 @@ double longitudeOf(double jdTT, double direction[3], double* latitude) {
     eraEcm06(jdTT, 0.0, toEcliptic);
     eraRxp(toEcliptic, direction, ecliptic);
     eraC2s(ecliptic, &longitude, latitude);
-    *latitude *= DEG_PER_RAD;
-    return eraAnp(longitude) * DEG_PER_RAD;
+    *latitude *= zarn::DEG_PER_RAD;
+    return eraAnp(longitude) * zarn::DEG_PER_RAD;
 }
 
 Vector rotated(double rotation[3][3], double au[3]) {
@@ -66,16 +66,16 @@ SkyPlace placeOf(Vector direction) {
     double ra = 0;
     double dec = 0;
     eraC2s(direction.xyz, &ra, &dec);
-    return {eraAnp(ra) * HOUR_PER_RAD, dec * DEG_PER_RAD};
+    return {eraAnp(ra) * HOUR_PER_RAD, dec * zarn::DEG_PER_RAD};
 }
 
 Vector directionOf(const SkyPlace& place) {
     Vector direction{};
-    eraS2c(place.ra / HOUR_PER_RAD, place.dec / DEG_PER_RAD, direction.xyz);
+    eraS2c(place.ra / HOUR_PER_RAD, place.dec / zarn::DEG_PER_RAD, direction.xyz);
     return direction;
 }
 
-double angleBetween(Vector a, Vector b) { return eraSepp(a.xyz, b.xyz) * DEG_PER_RAD; }
+double angleBetween(Vector a, Vector b) { return eraSepp(a.xyz, b.xyz) * zarn::DEG_PER_RAD; }
 
 double lengthOf(Vector vector) { return eraPm(vector.xyz); }
 
@@ -95,7 +95,7 @@ double elongationInLongitude(double jdTT) {
     double latitude = 0;
     const double difference =
         longitudeOf(jdTT, seen.moon, &latitude) - longitudeOf(jdTT, seen.sun, &latitude);
-    return std::remainder(difference, FULL_CIRCLE);
+    return std::remainder(difference, zarn::FULL_CIRCLE);
 }
 
 TrueSky::TrueSky(double jd) {
@@ -109,16 +109,16 @@ TrueSky::TrueSky(double jd) {
 }
 
 double TrueSky::siderealTime(const Observer& observer) const {
-    return eraAnp(greenwich_ - observer.longitude / DEG_PER_RAD) * HOUR_PER_RAD;
+    return eraAnp(greenwich_ - observer.longitude / zarn::DEG_PER_RAD) * HOUR_PER_RAD;
 }
 
 Vector TrueSky::moonFor(const Observer& observer, Earth earth) const {
     const double meridian = siderealTime(observer) / HOUR_PER_RAD;
     double place[3];
     if (earth == Earth::SPHERE) {
-        eraS2c(meridian, observer.latitude / DEG_PER_RAD, place);
+        eraS2c(meridian, observer.latitude / zarn::DEG_PER_RAD, place);
     } else {
-        eraGd2gc(ERFA_WGS84, meridian, observer.latitude / DEG_PER_RAD, 0.0, place);
+        eraGd2gc(ERFA_WGS84, meridian, observer.latitude / zarn::DEG_PER_RAD, 0.0, place);
         eraSxp(1.0 / EARTH_RADIUS, place, place);
     }
     Vector moon = moon_;
@@ -143,7 +143,7 @@ double TrueSky::phaseAngle(Vector moon) const {
 bool agreesWithPublishedValues() {
     // ERFA's own test of eraMoon98.
     double moon[2][3];
-    eraMoon98(JD_OF_MJD_0, 43999.9, moon);
+    eraMoon98(zarn::JD_OF_MJD_0, 43999.9, moon);
     bool agrees = isNear("eraMoon98 x", moon[0][0], -0.2601295959971044180e-2, 1e-11);
     agrees = isNear("eraMoon98 z", moon[0][2], 0.2640794528229828909e-3, 1e-11) && agrees;
     // Meeus 1998, the moon of example 47.a without its nutation, and for example 25.b the sun's

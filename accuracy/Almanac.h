@@ -8,7 +8,7 @@
 
 #include "programs/shared/sky/Units.h"
 
-constexpr double HOUR_PER_RAD = DEG_PER_RAD / DEG_PER_HOUR;
+constexpr double HOUR_PER_RAD = zarn::DEG_PER_RAD / zarn::DEG_PER_HOUR;
 
 enum class Earth { SPHERE, ELLIPSOID };  // of the equatorial radius; WGS84
 

@@ -25,20 +25,20 @@ struct Step {
 /// Of 0.1 to 1 arc second, in any direction.
 Step smallStep(Random& random) {
     const double length = random.between(0.1, 1.0) * ARC_SECOND;
-    const double direction = random.between(0.0, FULL_CIRCLE);
+    const double direction = random.between(0.0, zarn::FULL_CIRCLE);
     return {length * sinDegrees(direction), length * cosDegrees(direction)};
 }
 
 void setDate(Inputs& in, double jd) {
     in[JD] = jd;
-    in[MJD] = jd - JD_OF_MJD_0;
+    in[MJD] = jd - zarn::JD_OF_MJD_0;
 }
 
 void nearZenith(Inputs& in, Random& random) {
     const Step step = smallStep(random);
     in[LAT] = random.between(-89.0, 89.0);
     in[DEC] = in[LAT] + step.north;
-    in[HA] = step.east / cosDegrees(in[LAT]) / DEG_PER_HOUR;
+    in[HA] = step.east / cosDegrees(in[LAT]) / zarn::DEG_PER_HOUR;
 }
 
 void atZenith(Inputs& in, Random&) {
@@ -71,7 +71,7 @@ void secondApart(Inputs& in, Random& random) {
     const Step step = smallStep(random);
     in[DEC1] = random.between(-89.0, 89.0);
     in[DEC2] = in[DEC1] + step.north;
-    in[RA2] = in[RA1] + step.east / cosDegrees(in[DEC1]) / DEG_PER_HOUR;
+    in[RA2] = in[RA1] + step.east / cosDegrees(in[DEC1]) / zarn::DEG_PER_HOUR;
 }
 
 void acrossZeroHours(Inputs& in, Random& random) {
@@ -142,11 +142,11 @@ struct Place {
 
 /// The moon's place for `computeMoonParam`.
 Place moonFor(const Inputs& in) {
-    const double sidereal = lst(in[MJD] + JD_OF_MJD_0, in[LONGITUDE] / DEG_PER_HOUR);
+    const double sidereal = lst(in[MJD] + zarn::JD_OF_MJD_0, in[LONGITUDE] / zarn::DEG_PER_HOUR);
     double distance = 0;
     Place moon{};
-    lpmoon(in[MJD] + JD_OF_MJD_0, in[LAT], sidereal, &moon.ra, &moon.dec, &distance);
-    return {moon.ra * DEG_PER_HOUR, moon.dec};
+    lpmoon(in[MJD] + zarn::JD_OF_MJD_0, in[LAT], sidereal, &moon.ra, &moon.dec, &distance);
+    return {moon.ra * zarn::DEG_PER_HOUR, moon.dec};
 }
 
 void onTheMoon(Inputs& in, Random& random) {
@@ -159,13 +159,13 @@ void onTheMoon(Inputs& in, Random& random) {
 void oppositeTheMoon(Inputs& in, Random& random) {
     onTheMoon(in, random);
     in[STAR_DEC] = -in[STAR_DEC];
-    in[STAR_RA] += FULL_CIRCLE / 2.0;
+    in[STAR_RA] += zarn::FULL_CIRCLE / 2.0;
 }
 
 /// Puts the observer where the sidereal time is this [deg].
 void setSiderealTime(Inputs& in, double sidereal) {
-    const double greenwich = lst(in[MJD] + JD_OF_MJD_0, 0.0) * DEG_PER_HOUR;
-    in[LONGITUDE] = std::remainder(greenwich - sidereal, FULL_CIRCLE);
+    const double greenwich = lst(in[MJD] + zarn::JD_OF_MJD_0, 0.0) * zarn::DEG_PER_HOUR;
+    in[LONGITUDE] = std::remainder(greenwich - sidereal, zarn::FULL_CIRCLE);
 }
 
 void underTheMoon(Inputs& in, Random& random) {
@@ -185,7 +185,7 @@ struct Vector {
 };
 
 Vector toVector(double raHours, double dec, double length) {
-    const double ra = raHours * DEG_PER_HOUR;
+    const double ra = raHours * zarn::DEG_PER_HOUR;
     return {length * cosDegrees(dec) * cosDegrees(ra), length * cosDegrees(dec) * sinDegrees(ra),
             length * sinDegrees(dec)};
 }
@@ -287,11 +287,11 @@ Inputs randomInputs(Random& random) {
         in[dec] = std::asin(random.between(-1.0, 1.0)) / RAD_PER_DEG;
     in[LUNATION] = random.integer(620, 2470);  // of the same years
     in[QUARTER] = random.integer(0, 3);
-    for (const Input angle : {ALPHA, RHO}) in[angle] = random.between(0.0, FULL_CIRCLE / 2.0);
+    for (const Input angle : {ALPHA, RHO}) in[angle] = random.between(0.0, zarn::FULL_CIRCLE / 2.0);
     in[KZEN] = random.between(0.05, 1.0);
     for (const Input altitude : {ALTMOON, ALT}) in[altitude] = random.between(-90.0, 90.0);
     in[MOONDIST] = random.between(55.0, 65.0);
-    in[STAR_RA] = random.between(0.0, FULL_CIRCLE);
-    in[LONGITUDE] = random.between(-FULL_CIRCLE / 2.0, FULL_CIRCLE / 2.0);
+    in[STAR_RA] = random.between(0.0, zarn::FULL_CIRCLE);
+    in[LONGITUDE] = random.between(-zarn::FULL_CIRCLE / 2.0, zarn::FULL_CIRCLE / 2.0);
     return in;
 }

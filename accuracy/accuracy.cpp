@@ -39,10 +39,10 @@ struct Moon {
 
 Moon libraryMoon(const Scene& scene) {
     Moon moon{};
-    computeMoonParam(scene.target.ra * DEG_PER_HOUR, scene.target.dec, scene.jd - JD_OF_MJD_0,
-                     scene.observer.longitude, scene.observer.latitude, &moon.sidereal, &moon.fli,
-                     &moon.distanceToTarget, &moon.altitude, &moon.azimuth, &moon.phase,
-                     &moon.alphaSun, &moon.distance);
+    computeMoonParam(scene.target.ra * zarn::DEG_PER_HOUR, scene.target.dec,
+                     scene.jd - zarn::JD_OF_MJD_0, scene.observer.longitude,
+                     scene.observer.latitude, &moon.sidereal, &moon.fli, &moon.distanceToTarget,
+                     &moon.altitude, &moon.azimuth, &moon.phase, &moon.alphaSun, &moon.distance);
     return moon;
 }
 
@@ -112,7 +112,7 @@ double altitudeRate(const Scene& scene) {
         const TrueSky sky(jd);
         return sky.altitude(scene.observer, sky.moonFor(scene.observer, Earth::ELLIPSOID));
     };
-    constexpr double MINUTE = 1.0 / MINUTES_PER_DAY;
+    constexpr double MINUTE = 1.0 / zarn::MINUTES_PER_DAY;
     return (altitudeAt(scene.jd + MINUTE) - altitudeAt(scene.jd - MINUTE)) / 2.0;
 }
 
@@ -134,8 +134,8 @@ void Positions::add(const Scene& scene, const TrueSky& sky, const Moon& moon) {
     SkyPlace sunPlace{};
     lpsun(scene.jd, &sunPlace.ra, &sunPlace.dec);
     sun.add(angleBetween(directionOf(sunPlace), sky.sun()), scene);
-    alphaSun.add(moon.alphaSun * DEG_PER_RAD - angleBetween(sky.sun(), onEllipsoid), scene);
-    const double lit = (1.0 + std::cos(sky.phaseAngle(onEllipsoid) / DEG_PER_RAD)) / 2.0;
+    alphaSun.add(moon.alphaSun * zarn::DEG_PER_RAD - angleBetween(sky.sun(), onEllipsoid), scene);
+    const double lit = (1.0 + std::cos(sky.phaseAngle(onEllipsoid) / zarn::DEG_PER_RAD)) / 2.0;
     fli.add(moon.fli - lit, scene);
     phase.add(1.0 - std::fabs(1.0 - 2.0 * moon.phase) - lit, scene);
     sidereal.add(std::remainder(moon.sidereal - sky.siderealTime(scene.observer), 24.0) * 3600.0,
@@ -157,12 +157,12 @@ void Positions::print() const {
 double publishedBrightness(double phaseAngle, double rho, double extinction, double moonAltitude,
                            double altitude) {
     const auto airmass = [](double degrees) {
-        const double sinZ = std::cos(degrees / DEG_PER_RAD);
+        const double sinZ = std::cos(degrees / zarn::DEG_PER_RAD);
         return std::pow(1.0 - 0.96 * sinZ * sinZ, -0.5);
     };
     const double illuminance = std::pow(
         10.0, -0.4 * (3.84 + 0.026 * std::fabs(phaseAngle) + 4e-9 * std::pow(phaseAngle, 4)));
-    const double cosRho = std::cos(rho / DEG_PER_RAD);
+    const double cosRho = std::cos(rho / zarn::DEG_PER_RAD);
     const double scattering =
         std::pow(10.0, 5.36) * (1.06 + cosRho * cosRho) + std::pow(10.0, 6.15 - rho / 40.0);
     const double nanolamberts = scattering * illuminance *
@@ -190,7 +190,7 @@ SkyPlace highPlace(Random& random, const TrueSky& sky, const Observer& observer)
     SkyPlace place{};
     do {
         place.ra = random.between(0.0, 24.0);
-        place.dec = std::asin(random.between(-1.0, 1.0)) * DEG_PER_RAD;
+        place.dec = std::asin(random.between(-1.0, 1.0)) * zarn::DEG_PER_RAD;
     } while (sky.altitude(observer, directionOf(place)) < LOWEST);
     return place;
 }
@@ -223,7 +223,7 @@ void Moonlight::add(const Scene& scene, const TrueSky& sky, const Moon& moon) {
     double azimuth = 0;
     const double ownAltitude = altit(scene.target.dec, adj_time(moon.sidereal - scene.target.ra),
                                      scene.observer.latitude, &azimuth);
-    const double whole = lunskybright(moon.alphaSun * DEG_PER_RAD, moon.distanceToTarget,
+    const double whole = lunskybright(moon.alphaSun * zarn::DEG_PER_RAD, moon.distanceToTarget,
                                       scene.extinction, moon.altitude, ownAltitude, moon.distance);
     const bool surges = phaseAngle < SURGE;
     (surges ? formulaFull : formula).add(ours(MEAN_DISTANCE) - published, scene);
@@ -248,7 +248,7 @@ double truePhase(double jd, int quarter) {
     double jdTT = jd + deltaT(jd);
     double ahead = 1.0;
     while (std::fabs(ahead) > CLOSE) {
-        ahead = std::remainder(elongationInLongitude(jdTT) - 90.0 * quarter, FULL_CIRCLE);
+        ahead = std::remainder(elongationInLongitude(jdTT) - 90.0 * quarter, zarn::FULL_CIRCLE);
         jdTT -= ahead / DEG_PER_DAY;
     }
     return jdTT - deltaT(jd);
@@ -268,8 +268,8 @@ void comparePhases() {
             double jd = 0;
             flmoon(lunation, quarter, &jd);
             const double late = jd - truePhase(jd, quarter);
-            quarters[quarter].add(late * MINUTES_PER_DAY, {jd, {}, {}, 0});
-            dynamical.add((late - deltaT(jd)) * MINUTES_PER_DAY, {jd, {}, {}, 0});
+            quarters[quarter].add(late * zarn::MINUTES_PER_DAY, {jd, {}, {}, 0});
+            dynamical.add((late - deltaT(jd)) * zarn::MINUTES_PER_DAY, {jd, {}, {}, 0});
         }
     }
     printHeading("times of the phases");
@@ -291,7 +291,7 @@ void compareAges(unsigned long count, Random& random) {
         if (theirs < 0.0 || jd > truePhase(newMoon + 29.53, 0)) {
             ++otherLunation;
         } else {
-            age.add((ours - theirs) * MINUTES_PER_DAY, {jd, {}, {}, 0});
+            age.add((ours - theirs) * zarn::MINUTES_PER_DAY, {jd, {}, {}, 0});
         }
     }
     printHeading("age");
@@ -323,7 +323,7 @@ double precessionTo2050() {
     double rotation[3];
     eraPmat06(JD_2050, 0.0, from2000);
     eraRm2v(from2000, rotation);
-    return eraPm(rotation) * DEG_PER_RAD;
+    return eraPm(rotation) * zarn::DEG_PER_RAD;
 }
 
 }  // namespace

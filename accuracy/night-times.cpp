@@ -20,6 +20,8 @@
 #include "shared/sky/Units.h"
 #include "zarn-moon/night/Night.h"
 
+namespace zarn::moon {
+
 namespace {
 
 constexpr double GRAZING = 1.0;  // [deg]
@@ -156,9 +158,7 @@ void print(const Kind& kind, Tally& tally) {
               << tally.grazing << std::setw(11) << tally.unmatched << "\n";
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int runProgram(int argc, char** argv) {
     const int nights = argc > 1 ? std::stoi(argv[1]) : 200;
     if (!agreesWithPublishedValues()) return 1;
     std::mt19937_64 random(2026);
@@ -174,4 +174,11 @@ int main(int argc, char** argv) {
     }
     std::cout << "minutes             times   median      95 %    worst  grazing  unmatched\n";
     for (const Kind& kind : KINDS) print(kind, tallies[kind.name]);
+    return 0;
 }
+
+}  // namespace
+
+}  // namespace zarn::moon
+
+int main(int argc, char** argv) { return zarn::moon::runProgram(argc, argv); }

@@ -18,6 +18,8 @@
 #include <string>
 #include <vector>
 
+#include "shared/sky/Units.h"
+
 namespace {
 
 Place somePlace() {
@@ -46,14 +48,13 @@ struct Input {
 
 Input makeInput(const Shape& shape) {
     std::mt19937_64 random(1);
-    std::uniform_real_distribution<double> circle(0.0, 360.0);
+    std::uniform_real_distribution<double> circle(0.0, zarn::FULL_CIRCLE);
     std::uniform_real_distribution<double> sine(-1.0, 1.0);
-    constexpr double DEG_PER_RAD = 57.29577951308238;
     constexpr double FIRST = 60000.0;  // MJD
     constexpr double STEP = 0.01;      // [d]
     Input input;
     for (std::size_t i = 0; i < shape.targets; ++i)
-        input.targets.push_back({circle(random), std::asin(sine(random)) * DEG_PER_RAD});
+        input.targets.push_back({circle(random), std::asin(sine(random)) * zarn::DEG_PER_RAD});
     for (std::size_t i = 0; i < shape.instants; ++i)
         input.instants.push_back(FIRST + STEP * static_cast<double>(i));
     return input;

@@ -13,6 +13,8 @@
 #include "tests/support/TempDir.h"
 #include "zarn-ingest/result/Converter.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr std::uintmax_t BLOCK = 2880;  // the most that a header, or what is added to it, can need
@@ -59,3 +61,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     convert(std::string(reinterpret_cast<const char*>(data), size));
     return 0;
 }
+
+}  // namespace zarn::ingest

@@ -21,6 +21,8 @@
 #include "zarn-ingest/run/StopSignals.h"
 #include "zarn-ingest/settings/CommandLine.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 void displayVersion() {
@@ -91,9 +93,7 @@ int runReporting(CommandLine& commandLine) {
     return EXIT_SOME_FAILED;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int runProgram(int argc, char** argv) {
     reserveStandardStreams();
     ignoreWriteSignals();
     setPriorityMask(ERROR_AND_ABOVE);
@@ -105,3 +105,9 @@ int main(int argc, char** argv) {
     }
     return status;
 }
+
+}  // namespace
+
+}  // namespace zarn::ingest
+
+int main(int argc, char** argv) { return zarn::ingest::runProgram(argc, argv); }

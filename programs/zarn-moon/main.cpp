@@ -17,6 +17,8 @@
 #include "zarn-moon/night/Night.h"
 #include "zarn-moon/settings/CommandLine.h"
 
+namespace zarn::moon {
+
 namespace {
 
 /// The present instant [MJD].
@@ -75,9 +77,7 @@ int runReporting(CommandLine& commandLine) {
     }
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int runProgram(int argc, char** argv) {
     reserveStandardStreams();
     ignoreWriteSignals();
     setPriorityMask(ERROR_AND_ABOVE);
@@ -89,3 +89,9 @@ int main(int argc, char** argv) {
     }
     return status;
 }
+
+}  // namespace
+
+}  // namespace zarn::moon
+
+int main(int argc, char** argv) { return zarn::moon::runProgram(argc, argv); }

@@ -12,6 +12,8 @@
 #include "zarn-ingest/header/HeaderText.h"
 #include "zarn-ingest/header/IngestError.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 /// The first three lines.
@@ -105,3 +107,5 @@ TEST(HeaderTextTest, AppendedCardsStandInThePrimaryHeaderAndOldChecksumsLeaveAll
 }
 
 }  // namespace
+
+}  // namespace zarn::ingest

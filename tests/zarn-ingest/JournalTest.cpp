@@ -12,6 +12,8 @@
 #include "tests/support/TempDir.h"
 #include "zarn-ingest/run/Journal.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 const char OLD[] = "zarn-ingest-2001-09-09.journal";
@@ -180,3 +182,5 @@ TEST_F(JournalTest, ADirectorysNameIsNoPattern) {
 }
 
 }  // namespace
+
+}  // namespace zarn::ingest

@@ -5,6 +5,8 @@
 #include "tests/support/Transcript.h"
 #include "zarn-ingest/header/MoonCards.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 MoonCards cardsOf(const std::string& cards, Telescope telescope) {
@@ -45,3 +47,5 @@ TEST(MoonCardsTest, ValuesAreThoseOfTheExposure) {
 }
 
 }  // namespace
+
+}  // namespace zarn::ingest

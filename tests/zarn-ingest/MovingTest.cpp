@@ -7,6 +7,8 @@
 #include "tests/support/TempDir.h"
 #include "zarn-ingest/run/Moving.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 class MovingTest : public ::testing::Test {
@@ -64,3 +66,5 @@ TEST_F(MovingTest, ReasonsStandBesideTheirFiles) {
 }
 
 }  // namespace
+
+}  // namespace zarn::ingest

@@ -7,6 +7,8 @@
 
 #include "zarn-ingest/settings/SettingTable.h"
 
+namespace zarn::ingest {
+
 // Each property stands once in its section; one in a comment shows the default, if there is one.
 TEST(SettingTableTest, SampleFileShowsEveryProperty) {
     std::map<std::string, std::string> defaults;
@@ -29,3 +31,5 @@ TEST(SettingTableTest, SampleFileShowsEveryProperty) {
     }
     for (const auto& [property, value] : defaults) ADD_FAILURE() << "without " << property;
 }
+
+}  // namespace zarn::ingest

@@ -8,6 +8,8 @@
 #include "tests/support/Child.h"
 #include "zarn-ingest/run/StopSignals.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr int DIED = -1;  // of a signal, as `inChild` says
@@ -49,3 +51,5 @@ TEST(StopSignalsTest, WhatWasIgnoredStaysIgnored) {
 }
 
 }  // namespace
+
+}  // namespace zarn::ingest

@@ -10,6 +10,8 @@
 #include "tests/support/Transcript.h"
 #include "zarn-moon/forms/Report.h"
 
+namespace zarn::moon {
+
 namespace {
 
 constexpr double MINUTE = 1.0 / 1440.0;
@@ -145,3 +147,5 @@ TEST(NightTest, AMillionRowsAreTheMost) {
     settings.targets.push_back({});
     EXPECT_THROW(makeReport(settings), UsageError);
 }
+
+}  // namespace zarn::moon

@@ -18,6 +18,8 @@
 #include "tests/support/TempDir.h"
 #include "tests/support/Transcript.h"
 
+namespace zarn::moon {
+
 namespace {
 
 constexpr double MILLION = 1e6;  // for as many more digits
@@ -116,3 +118,5 @@ TEST(ReadingTest, FilesAreReadWholeAndClosed) {
     std::string read;
     EXPECT_TRUE(readChunk(reader.get(), read)) << "nothing yet, but not the end";
 }
+
+}  // namespace zarn::moon

@@ -6,6 +6,8 @@
 #include "shared/cli/Printable.h"
 #include "shared/cli/Value.h"
 
+namespace zarn {
+
 namespace {
 
 /// The option as a pattern of the shell: "-o | --output".
@@ -70,3 +72,5 @@ bool OptionTable::given(const std::string& option) const { return !values(option
 const GenConfig::ValueVect& OptionTable::values(const std::string& option) const {
     return optionMap_.at(option).availValues_;
 }
+
+}  // namespace zarn

@@ -10,6 +10,8 @@
 
 #include "shared/cli/UsageError.h"
 
+namespace zarn {
+
 /// One option; without an argument it is a flag.
 struct OptionRow {
     std::string name;
@@ -44,5 +46,7 @@ protected:
 private:
     std::vector<OptionRow> rows_;
 };
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_OPTIONTABLE_H

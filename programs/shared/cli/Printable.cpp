@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+namespace zarn {
+
 namespace {
 
 constexpr unsigned char DELETE = 0x7F;     // the control character after the printable ones
@@ -56,3 +58,5 @@ std::string printable(const std::string& text) {
     }
     return line;
 }
+
+}  // namespace zarn

@@ -6,6 +6,8 @@
 
 #include <csignal>
 
+namespace zarn {
+
 const u_long ERROR_AND_ABOVE = LM_ERROR | LM_CRITICAL | LM_ALERT | LM_EMERGENCY;
 
 void setPriorityMask(u_long mask) {
@@ -29,3 +31,5 @@ void reserveStandardStreams() {
             static_cast<void>(::open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY));
     }
 }
+
+}  // namespace zarn

@@ -6,6 +6,8 @@
 
 #include <vector>
 
+namespace zarn {
+
 /// Exit statuses; 0 is success.
 inline constexpr int EXIT_SOME_FAILED = 1;
 inline constexpr int EXIT_WRONG_USAGE = 2;
@@ -28,5 +30,7 @@ void ignoreWriteSignals();
 /// Fills closed standard streams, so that no other file gets their descriptors. Each is opened in
 /// the wrong direction: its use still fails, as it would have.
 void reserveStandardStreams();
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_PROCESS_H

@@ -5,8 +5,12 @@
 #include <exception>
 #include <string>
 
+namespace zarn {
+
 /// What an exception says. The library's own exception keeps its text where `std::exception::what`
 /// does not find it.
 std::string reasonOf(const std::exception& error);
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_REASON_H

@@ -10,6 +10,8 @@
 #include <variant>
 #include <vector>
 
+namespace zarn {
+
 /// The kinds of members that a program's `Settings` may have. The kind says how a value is read.
 template <typename Settings>
 struct Kinds {
@@ -73,5 +75,7 @@ constexpr typename Kinds<Settings>::Choice choice() {
         [](Settings& settings, std::size_t index) { settings.*MEMBER = static_cast<Value>(index); },
         [](const Settings& settings) { return static_cast<std::size_t>(settings.*MEMBER); }};
 }
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_SETTINGROW_H

@@ -15,6 +15,8 @@
 #include "shared/cli/Value.h"
 #include "shared/sky/Angles.h"
 
+namespace zarn {
+
 /// Puts one value, as the user wrote it, where its row says. Keeps references to what it is made
 /// of: for use within a call.
 template <typename Settings>
@@ -158,5 +160,7 @@ private:
 
     std::vector<SettingRow<Settings>> rows_;
 };
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_SETTINGTABLE_H

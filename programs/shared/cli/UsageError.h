@@ -4,10 +4,14 @@
 
 #include <stdexcept>
 
+namespace zarn {
+
 /// A command line, or a file that it names, is wrong; the text says what is.
 class UsageError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_USAGEERROR_H

@@ -9,6 +9,8 @@
 
 #include "shared/cli/Printable.h"
 
+namespace zarn {
+
 void refuseText(const std::string& text, const std::string& problem) {
     throw std::invalid_argument("\"" + printable(text) + "\" " + problem);
 }
@@ -55,3 +57,5 @@ std::string shortest(double number) {
     text << number;
     return text.str();
 }
+
+}  // namespace zarn

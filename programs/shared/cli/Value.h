@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace zarn {
+
 /// A value that its setting cannot take. The text says what it must be, as "a whole number": who
 /// catches it knows the value and where it came from, and says those.
 class WrongValue : public std::invalid_argument {
@@ -41,5 +43,7 @@ bool parseFlag(const std::string& text);
 
 /// A number as a person would write it: "0.172", "30".
 std::string shortest(double number);
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_VALUE_H

@@ -9,6 +9,8 @@
 #include "shared/files/Reading.h"
 #include "shared/files/SystemError.h"
 
+namespace zarn {
+
 bool renameToNew(const std::string& from, const std::string& to) {
     return renameToNew(AT_FDCWD, from, AT_FDCWD, to);
 }
@@ -28,3 +30,5 @@ void syncToDisk(const std::string& path) {
     const Descriptor file = openForReading(path);
     if (::fsync(file.get()) != 0) throwSystemError(path + " cannot be made safe on disk");
 }
+
+}  // namespace zarn

@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace zarn {
+
 /// Gives a file a name that no other file has, in one step. False, with `errno` set, if that
 /// failed.
 [[nodiscard]] bool renameToNew(const std::string& from, const std::string& to);
@@ -16,5 +18,7 @@
 ///
 /// @throw std::system_error  when the system cannot confirm it
 void syncToDisk(const std::string& path);
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_DURABLE_H

@@ -2,6 +2,8 @@
 
 #include <sys/stat.h>
 
+namespace zarn {
+
 std::optional<FileVersion> versionOf(const std::string& name) {
     constexpr std::int64_t NANOSECONDS = 1000000000;
     struct stat status = {};
@@ -10,3 +12,5 @@ std::optional<FileVersion> versionOf(const std::string& name) {
     return FileVersion{status.st_ino, status.st_size,
                        status.st_mtim.tv_sec * NANOSECONDS + status.st_mtim.tv_nsec};
 }
+
+}  // namespace zarn

@@ -8,6 +8,8 @@
 #include <optional>
 #include <string>
 
+namespace zarn {
+
 /// The state of a file at one moment. Another file of its name, or other content, differs in one of
 /// these.
 struct FileVersion {
@@ -23,5 +25,7 @@ struct FileVersion {
 /// The version of a regular file, also through links, or of a dangling link itself. None for
 /// anything else, and, with `errno` set, if the system does not say.
 std::optional<FileVersion> versionOf(const std::string& name);
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_FILEVERSION_H

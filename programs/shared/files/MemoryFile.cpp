@@ -5,6 +5,8 @@
 
 #include "shared/files/SystemError.h"
 
+namespace zarn {
+
 namespace {
 
 void rewind(const Descriptor& file) { ::lseek(file.get(), 0, SEEK_SET); }
@@ -24,3 +26,5 @@ std::string MemoryFile::content() const {
     }
     return bytes;
 }
+
+}  // namespace zarn

@@ -6,6 +6,8 @@
 
 #include "shared/files/Reading.h"
 
+namespace zarn {
+
 /// Passes text to and from a library or a process that knows only files: neither side waits for the
 /// other, and nothing is left on disk. Owns the file, which is gone when the object is.
 class MemoryFile {
@@ -26,5 +28,7 @@ public:
 private:
     Descriptor file_;
 };
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_MEMORYFILE_H

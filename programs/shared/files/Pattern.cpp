@@ -12,6 +12,8 @@
 #include <memory>
 #include <utility>
 
+namespace zarn {
+
 namespace {
 
 // `glob` gives its callbacks no context, so they note here what it would pass over in silence.
@@ -103,3 +105,5 @@ bool matches(const std::string& pattern, const std::string& fileName) {
            ::fnmatch(patternName.getBaseName().c_str(), name.getBaseName().c_str(), FNM_PERIOD) ==
                0;
 }
+
+}  // namespace zarn

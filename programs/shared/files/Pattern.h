@@ -6,6 +6,8 @@
 #include <system_error>
 #include <vector>
 
+namespace zarn {
+
 /// A directory that may hold matches and cannot be listed.
 struct Unlisted {
     std::string directory;
@@ -24,5 +26,7 @@ Matches matchesOf(const std::string& pattern);
 
 /// Whether a name matches a pattern whose directory has no wildcards; the file need not exist.
 bool matches(const std::string& pattern, const std::string& fileName);
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_PATTERN_H

@@ -8,6 +8,8 @@
 
 #include "shared/files/SystemError.h"
 
+namespace zarn {
+
 namespace {
 
 constexpr std::size_t CHUNK = 65536;  // bytes per read call
@@ -59,3 +61,5 @@ void writeAll(int fd, const std::string& bytes) {
         if (count > 0) done += static_cast<std::size_t>(count);
     }
 }
+
+}  // namespace zarn

@@ -9,6 +9,8 @@
 #include <string>
 #include <utility>
 
+namespace zarn {
+
 /// Owns a file descriptor and closes it when destroyed. A move hands it on; -1 stands for none.
 class Descriptor {
 public:
@@ -53,5 +55,7 @@ std::string readFileOrPipe(const std::string& fileName);
 ///
 /// @throw std::system_error  when writing fails
 void writeAll(int fd, const std::string& bytes);
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_READING_H

@@ -15,6 +15,8 @@
 #include "shared/files/Reading.h"
 #include "shared/files/SystemError.h"
 
+namespace zarn {
+
 namespace {
 
 [[noreturn]] void throwNaming(const std::string& fileName) {
@@ -123,3 +125,5 @@ void writeWhole(const std::string& fileName, const std::string& content) {
     file.fill(content);
     file.replace();
 }
+
+}  // namespace zarn

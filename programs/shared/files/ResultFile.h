@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace zarn {
+
 /// Gives a file this content in one step. If that fails, it keeps its old content or stays missing.
 /// A pipe or a device is written to directly.
 ///
@@ -12,5 +14,7 @@
 ///
 /// @throw std::system_error  naming the file
 void writeWhole(const std::string& fileName, const std::string& content);
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_RESULTFILE_H

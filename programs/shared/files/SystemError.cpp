@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <system_error>
 
+namespace zarn {
+
 void throwSystemError(const std::string& what) {
     throw std::system_error(errno, std::generic_category(), what);
 }
@@ -10,3 +12,5 @@ void throwSystemError(const std::string& what) {
 void throwSystemError() { throw std::system_error(errno, std::generic_category()); }
 
 std::string systemReason(int error) { return std::generic_category().message(error); }
+
+}  // namespace zarn

@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace zarn {
+
 /// Throws what `errno` says now; call it before anything else can change that.
 ///
 /// @param what  the action or the name concerned
@@ -15,5 +17,7 @@
 
 /// What an error number means, in words.
 std::string systemReason(int error);
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_SYSTEMERROR_H

@@ -10,6 +10,8 @@
 
 #include "shared/cli/Value.h"
 
+namespace zarn {
+
 namespace {
 
 constexpr double PARTS = 60.0;  // minutes to the first unit, seconds to the minute
@@ -93,3 +95,5 @@ Position parsePosition(const std::string& text) {
     if (words.size() != 2) refuseText(text, "is not a right ascension and a declination");
     return parsePosition(words[0], words[1]);
 }
+
+}  // namespace zarn

@@ -9,6 +9,8 @@
 
 #include "shared/sky/Units.h"
 
+namespace zarn {
+
 /// A direction in the sky [deg].
 struct Position {
     double ra;   ///< 0 <= ra < 360
@@ -36,5 +38,7 @@ Position parsePosition(const std::string& ra, const std::string& dec);
 
 /// The same from one text, with blanks between the two.
 Position parsePosition(const std::string& text);
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_ANGLES_H

@@ -11,6 +11,8 @@
 #include "shared/cli/Value.h"
 #include "shared/sky/Angles.h"
 
+namespace zarn {
+
 namespace {
 
 /// Whether a text has digits where the pattern has a 0 and else the pattern's own characters.
@@ -85,3 +87,5 @@ std::string minuteOf(double mjd) {
     const std::string seconds = rounded(mjd, MINUTES_PER_DAY);
     return seconds.substr(0, seconds.size() - std::string(":00").size());
 }
+
+}  // namespace zarn

@@ -8,6 +8,8 @@
 
 #include "shared/sky/Units.h"
 
+namespace zarn {
+
 /// The Modified Julian Date of 0 h on a date YYYY-MM-DD.
 double mjdOfDate(const std::string& text);
 
@@ -26,5 +28,7 @@ double nearestMinute(double mjd);
 
 /// An instant rounded to the minute, as YYYY-MM-DDThh:mm.
 std::string minuteOf(double mjd);
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_CALENDAR_H

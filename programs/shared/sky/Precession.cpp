@@ -5,6 +5,8 @@
 
 #include <array>
 
+namespace zarn {
+
 namespace {
 
 using Vector = std::array<double, 3>;
@@ -36,3 +38,5 @@ Position precessed(const Position& position, double epoch, double mjd) {
     eraC2s(v.data(), &ra, &dec);
     return {eraAnp(ra) * ERFA_DR2D, dec * ERFA_DR2D};
 }
+
+}  // namespace zarn

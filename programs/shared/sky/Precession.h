@@ -4,6 +4,8 @@
 
 #include "shared/sky/Angles.h"
 
+namespace zarn {
+
 /// A Julian epoch [yr] whose mean equinox is taken for the ICRS, 0.02 arc seconds off.
 inline constexpr double J2000_EPOCH = 2000.0;
 
@@ -17,5 +19,7 @@ inline constexpr double J2000_EPOCH = 2000.0;
 /// @param epoch     its equinox [yr]
 /// @param mjd       the date [MJD]
 Position precessed(const Position& position, double epoch, double mjd);
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_PRECESSION_H

@@ -4,6 +4,8 @@
 
 #include "shared/cli/Value.h"
 
+namespace zarn {
+
 Telescope telescopeOf(const std::string& name) {
     const std::vector<std::string> names = wordsOf(TELESCOPES);
     for (std::size_t i = 0; i < names.size(); ++i) {
@@ -15,3 +17,5 @@ Telescope telescopeOf(const std::string& name) {
 std::string telescopeName(Telescope telescope) {
     return wordsOf(TELESCOPES).at(static_cast<std::size_t>(telescope));
 }
+
+}  // namespace zarn

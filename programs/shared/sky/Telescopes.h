@@ -6,6 +6,8 @@
 
 #include <string>
 
+namespace zarn {
+
 /// All names, as a choice, in the order of the library's enumeration.
 inline constexpr char TELESCOPES[] = "OLAN|VEK1|VEK2|VEK3|VEK4";
 
@@ -16,5 +18,7 @@ Telescope telescopeOf(const std::string& name);
 
 /// The name of a telescope, in upper case.
 std::string telescopeName(Telescope telescope);
+
+}  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_TELESCOPES_H

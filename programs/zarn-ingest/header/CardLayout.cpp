@@ -5,6 +5,8 @@
 
 #include "zarn-ingest/header/Columns.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 using Kind = HeaderLine::Kind;
@@ -255,3 +257,5 @@ std::string fixedCard(const std::string& keyword, const std::string& value,
     return withoutTrailing(withComment(padded(keyword, KEYWORD_LENGTH) + "= " + field, comment)
                                .substr(0, CARD_LENGTH));
 }
+
+}  // namespace zarn::ingest

@@ -9,6 +9,8 @@
 #include "zarn-ingest/header/HeaderLine.h"
 #include "zarn-ingest/header/Repairs.h"
 
+namespace zarn::ingest {
+
 /// A keyword with all that belongs to it: one card, or several where a text goes on.
 struct LogicalCard {
     std::string keyword;             ///< in upper case; HIERARCH names without that word
@@ -32,5 +34,7 @@ LogicalCard commentOf(const std::string& text, std::size_t number);
 /// A card in the fixed format: what is no text ends in column 30.
 std::string fixedCard(const std::string& keyword, const std::string& value,
                       const std::string& comment);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_CARDLAYOUT_H

@@ -4,6 +4,8 @@
 
 #include "zarn-ingest/header/Columns.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr std::size_t SHORTEST_TEXT = 8;  // of the fixed format, blanks included [characters]
@@ -109,3 +111,5 @@ std::string withDoubledQuotes(const std::string& text) {
 std::string quoted(const std::string& text) {
     return QUOTE + padded(withDoubledQuotes(text), SHORTEST_TEXT) + QUOTE;
 }
+
+}  // namespace zarn::ingest

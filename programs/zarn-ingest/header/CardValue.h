@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace zarn::ingest {
+
 struct CardValue {
     enum class Kind {
         TEXT,     ///< in quotes
@@ -29,5 +31,7 @@ std::string quoted(const std::string& text);
 
 /// The text with the quotes within doubled.
 std::string withDoubledQuotes(const std::string& text);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_CARDVALUE_H

@@ -8,6 +8,8 @@
 #include <functional>
 #include <stdexcept>
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr std::size_t TAB_STOP = 8;  // [columns]
@@ -134,3 +136,5 @@ std::string inAscii(const std::string& line, std::size_t number, Repairs& repair
     std::replace_if(text.begin(), text.end(), std::not_fn(isPrintable), ' ');
     return text;
 }
+
+}  // namespace zarn::ingest

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cctype>
 
+namespace zarn::ingest {
+
 std::string withoutTrailing(const std::string& text) {
     return text.substr(0, text.find_last_not_of(' ') + 1);  // npos + 1 is 0: nothing
 }
@@ -24,3 +26,5 @@ std::string padded(std::string text, std::size_t width) {
     if (text.size() < width) text.resize(width, ' ');
     return text;
 }
+
+}  // namespace zarn::ingest

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string>
 
+namespace zarn::ingest {
+
 inline constexpr std::size_t CARD_LENGTH = 80;    // [characters]
 inline constexpr std::size_t KEYWORD_LENGTH = 8;  // the equals sign stands behind, in column 9
 
@@ -21,5 +23,7 @@ bool isBlank(const std::string& text);
 
 /// Blanks after the text, up to a width.
 std::string padded(std::string text, std::size_t width);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_COLUMNS_H

@@ -7,6 +7,8 @@
 #include "shared/sky/Calendar.h"
 #include "zarn-ingest/header/Fields.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 // What is plausible; outside, a placeholder or another unit is likelier than an exposure.
@@ -105,3 +107,5 @@ std::optional<ExposureTime> exposureTime(const HeaderText& text) {
     if (isDay(field->value)) return onDay(text, *field);
     return ExposureTime{parsed(*field, mjdOfDateObs), field->keyword, field->line};
 }
+
+}  // namespace zarn::ingest

@@ -8,6 +8,8 @@
 
 #include "zarn-ingest/header/HeaderText.h"
 
+namespace zarn::ingest {
+
 struct ExposureTime {
     double mjd;           ///< universal time [d]
     std::string keyword;  ///< that held the time of day
@@ -20,5 +22,7 @@ struct ExposureTime {
 ///
 /// @throw Malformed  for a value of another form, and a day without a time
 std::optional<ExposureTime> exposureTime(const HeaderText& text);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_EXPOSURETIME_H

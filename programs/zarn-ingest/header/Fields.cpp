@@ -6,6 +6,8 @@
 #include "shared/sky/Angles.h"
 #include "zarn-ingest/header/Fits.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 /// The value, and what CFITSIO would ignore behind it where no slash divides them: `05 35 17.3` is
@@ -63,3 +65,5 @@ double numberOf(const std::string& value, double least, double most) {
     const bool plus = number.find('+') == 0 && number.find('-') != 1;
     return parseNumber(plus ? number.substr(1) : number, least, most);
 }
+
+}  // namespace zarn::ingest

@@ -9,6 +9,8 @@
 
 #include "zarn-ingest/header/HeaderText.h"
 
+namespace zarn::ingest {
+
 /// A keyword that has a value.
 struct Field {
     std::string keyword;
@@ -59,5 +61,7 @@ auto parsed(const Field& field, Parse parse) {
         throw Malformed(field.keyword + ": " + error.what(), field.line);
     }
 }
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_FIELDS_H

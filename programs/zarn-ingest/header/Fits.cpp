@@ -5,6 +5,8 @@
 
 #include "zarn-ingest/header/IngestError.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr int FIRST_OF_HEADERS = 201;  // CFITSIO's lower ones are of files and memory
@@ -42,3 +44,5 @@ FitsHandle::~FitsHandle() {
 }
 
 int FitsHandle::close() { return ZarnSysFits::closeFitsFile(std::exchange(file_, nullptr)); }
+
+}  // namespace zarn::ingest

@@ -7,6 +7,8 @@
 #include <stdexcept>
 #include <string>
 
+namespace zarn::ingest {
+
 /// "CFITSIO status 207: illegal character in keyword"
 std::string statusText(int status);
 
@@ -48,5 +50,7 @@ public:
 private:
     FitsFile* file_ = nullptr;
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_FITS_H

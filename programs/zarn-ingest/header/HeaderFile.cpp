@@ -12,6 +12,8 @@
 #include "zarn-ingest/header/Columns.h"
 #include "zarn-ingest/header/IngestError.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr std::uintmax_t MAX_BYTES = 16U << 20U;  // far above any header; keeps memory bounded
@@ -95,3 +97,5 @@ void refuseOtherThanText(const std::string& bytes) {
     if (isFits(bytes)) throw IngestError("is a FITS file, not a header text file");
     if (isBinary(bytes)) throw IngestError("is a binary file, not a header text file");
 }
+
+}  // namespace zarn::ingest

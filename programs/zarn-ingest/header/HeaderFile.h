@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace zarn::ingest {
+
 /// Reads a file.
 ///
 /// @throw IngestError  when there is no such file, or it is none, or larger than any header
@@ -12,5 +14,7 @@ std::string readHeaderFile(const std::string& fileName);
 
 /// @throw IngestError  for bytes that are no text, or a FITS file
 void refuseOtherThanText(const std::string& bytes);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_HEADERFILE_H

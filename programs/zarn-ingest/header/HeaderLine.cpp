@@ -4,6 +4,8 @@
 
 #include "zarn-ingest/header/Columns.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr std::size_t LONGEST_KEYWORD = 40;  // that still leaves a HIERARCH card room [characters]
@@ -94,3 +96,5 @@ HeaderLine readLine(const std::string& text, std::size_t number) {
     }
     return line;
 }
+
+}  // namespace zarn::ingest

@@ -7,6 +7,8 @@
 
 #include "zarn-ingest/header/CardValue.h"
 
+namespace zarn::ingest {
+
 struct HeaderLine {
     enum class Kind {
         BLANK,
@@ -38,5 +40,7 @@ HeaderLine readLine(const std::string& text, std::size_t number);
 
 /// Whether a keyword is one of letters, digits, '-' and '_', 8 at most.
 bool isLegalKeyword(const std::string& keyword);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_HEADERLINE_H

@@ -11,6 +11,8 @@
 #include "zarn-ingest/header/Sections.h"
 #include "zarn-ingest/header/Structure.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 using Kind = HeaderLine::Kind;
@@ -147,3 +149,5 @@ std::size_t HeaderText::fileSize() const {
         size += ((header.size() + END_AND_SUMS) * CARD_LENGTH / BLOCK + 1) * BLOCK;
     return size;
 }
+
+}  // namespace zarn::ingest

@@ -12,6 +12,8 @@
 
 #include "zarn-ingest/header/Repairs.h"
 
+namespace zarn::ingest {
+
 struct Section;
 
 /// How a header text is read.
@@ -74,5 +76,7 @@ private:
     Notes notes_;
     std::size_t cardCount_ = 0;
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_HEADERTEXT_H

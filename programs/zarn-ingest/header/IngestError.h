@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <string>
 
+namespace zarn::ingest {
+
 /// The header, or the name that it came under, gives no result: trying again would not help.
 class IngestError : public std::runtime_error {
 public:
@@ -38,5 +40,7 @@ class WorkStops : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_INGESTERROR_H

@@ -6,6 +6,8 @@
 #include "zarn-ingest/header/Columns.h"
 #include "zarn-ingest/header/IngestError.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr std::size_t MAX_LINES = 100000;  // far above any header; keeps memory and time bounded
@@ -66,3 +68,5 @@ Lines linesOf(const std::string& bytes) {
     }
     return result;
 }
+
+}  // namespace zarn::ingest

@@ -9,6 +9,8 @@
 #include "zarn-ingest/header/HeaderLine.h"
 #include "zarn-ingest/header/Repairs.h"
 
+namespace zarn::ingest {
+
 struct Lines {
     std::vector<HeaderLine> lines;
     Tally carriages;  ///< lines that end in CR LF, or in CR
@@ -20,5 +22,7 @@ struct Lines {
 ///
 /// @throw IngestError  for more lines than any header has
 Lines linesOf(const std::string& bytes);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_LINES_H

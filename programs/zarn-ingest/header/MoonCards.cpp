@@ -15,6 +15,8 @@
 #include "zarn-ingest/header/ExposureTime.h"
 #include "zarn-ingest/header/Fields.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 // What is plausible; outside, another unit is likelier.
@@ -152,3 +154,5 @@ MoonCards moonCards(const HeaderText& text, Telescope telescope) {
     }
     return result;
 }
+
+}  // namespace zarn::ingest

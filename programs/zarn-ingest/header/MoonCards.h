@@ -10,6 +10,8 @@
 #include "zarn-ingest/header/HeaderText.h"
 #include "zarn-ingest/header/Remark.h"
 
+namespace zarn::ingest {
+
 struct MoonCards {
     enum class State {
         NOT_ASKED,
@@ -27,5 +29,7 @@ struct MoonCards {
 /// the first of the text's headers that has them. A keyword that the primary header has is left
 /// out, with a remark; a position or time that is malformed gives a remark and no card.
 MoonCards moonCards(const HeaderText& text, Telescope telescope);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_MOONCARDS_H

@@ -5,10 +5,14 @@
 #include <cstddef>
 #include <string>
 
+namespace zarn::ingest {
+
 struct Remark {
     std::size_t line;  ///< counted from 1
     std::string text;
     bool isWarning;  ///< perhaps the operator should do something about it
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_REMARK_H

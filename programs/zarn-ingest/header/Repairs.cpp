@@ -1,5 +1,7 @@
 #include "zarn-ingest/header/Repairs.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr RepairKind KINDS[] = {
@@ -40,3 +42,5 @@ std::map<std::string, Tally> byWord(const Repairs& repairs) {
         words[kindOf(repair).word].add(tally.firstLine, tally.count);
     return words;
 }
+
+}  // namespace zarn::ingest

@@ -8,6 +8,8 @@
 #include <map>
 #include <string>
 
+namespace zarn::ingest {
+
 /// How often something was found, and where first.
 struct Tally {
     std::size_t count = 0;
@@ -60,5 +62,7 @@ using Repairs = std::map<Repair, Tally>;
 
 /// "axes": the repairs joined by their words, each with its count and its first line.
 std::map<std::string, Tally> byWord(const Repairs& repairs);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_REPAIRS_H

@@ -6,6 +6,8 @@
 
 #include "zarn-ingest/header/Columns.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 using Kind = HeaderLine::Kind;
@@ -123,3 +125,5 @@ private:
 std::vector<Section> sectionsOf(const std::vector<HeaderLine>& lines, Repairs& repairs) {
     return Divider(lines, repairs).sections();
 }
+
+}  // namespace zarn::ingest

@@ -8,6 +8,8 @@
 #include "zarn-ingest/header/HeaderLine.h"
 #include "zarn-ingest/header/Repairs.h"
 
+namespace zarn::ingest {
+
 /// The lines of one header, without END and without blank ones at either end.
 struct Section {
     std::vector<HeaderLine> titles;  ///< lines before, that name it or divide it from the last
@@ -20,5 +22,7 @@ struct Section {
 /// @param repairs  where blank lines before the first card are counted
 /// @return         one section at least
 std::vector<Section> sectionsOf(const std::vector<HeaderLine>& lines, Repairs& repairs);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_SECTIONS_H

@@ -11,6 +11,8 @@
 #include "zarn-ingest/header/Columns.h"
 #include "zarn-ingest/header/TableColumns.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr const char* BITPIX_VALUES[] = {"8", "16", "32", "64", "-32", "-64"};
@@ -361,3 +363,5 @@ std::vector<LogicalCard> structured(std::vector<LogicalCard> cards,
                                     Repairs& repairs) {
     return Structure(std::move(cards), position, repairs).structured(titles);
 }
+
+}  // namespace zarn::ingest

@@ -7,6 +7,8 @@
 #include "zarn-ingest/header/CardLayout.h"
 #include "zarn-ingest/header/Repairs.h"
 
+namespace zarn::ingest {
+
 /// Where a header stands in its file.
 enum class Position {
     ALONE,  ///< primary, and the only one
@@ -26,5 +28,7 @@ bool isChecksum(const std::string& keyword);
 std::vector<LogicalCard> structured(std::vector<LogicalCard> cards,
                                     const std::vector<LogicalCard>& titles, Position position,
                                     Repairs& repairs);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_STRUCTURE_H

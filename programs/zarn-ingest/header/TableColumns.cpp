@@ -7,6 +7,8 @@
 #include <limits>
 #include <string>
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr std::size_t MOST_COLUMNS = 999;
@@ -84,3 +86,5 @@ std::optional<TableColumns> columnsOf(const std::vector<LogicalCard>& cards, Tab
     }
     return columns;
 }
+
+}  // namespace zarn::ingest

@@ -8,6 +8,8 @@
 
 #include "zarn-ingest/header/CardLayout.h"
 
+namespace zarn::ingest {
+
 enum class TableKind { ASCII, BINARY };
 
 struct TableColumns {
@@ -17,5 +19,7 @@ struct TableColumns {
 
 /// What TFORMn and TBCOLn say; none where a reader could not open the table.
 std::optional<TableColumns> columnsOf(const std::vector<LogicalCard>& cards, TableKind kind);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_TABLECOLUMNS_H

@@ -11,6 +11,8 @@
 
 #include "zarn-ingest/result/Directory.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 [[noreturn]] void failWith(const std::string& what) {
@@ -74,3 +76,5 @@ void LineFile::open() {
     if (file_.get() == -1) failWith(name_);
     folder.sync();
 }
+
+}  // namespace zarn::ingest

@@ -6,6 +6,8 @@
 
 #include "shared/files/Reading.h"
 
+namespace zarn::ingest {
+
 /// Cuts off what follows the last whole line of a file: a crash tore it.
 ///
 /// @throw std::exception  when the file cannot be read or cut
@@ -32,5 +34,7 @@ private:
     std::string name_;
     Descriptor file_{-1};
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_LINEFILE_H

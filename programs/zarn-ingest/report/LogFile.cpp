@@ -10,6 +10,8 @@
 
 #include "shared/cli/Printable.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr std::ios_base::openmode APPENDING = std::ios_base::out | std::ios_base::app;
@@ -96,3 +98,5 @@ LogFile::LogFile(const std::string& name, std::streamoff limit) : guard_(*rdbuf(
     rdbuf()->pubsetbuf(nullptr, 0);  // what a write call did not take is not tried again unasked
     std::ios::rdbuf(&guard_);
 }
+
+}  // namespace zarn::ingest

@@ -9,6 +9,8 @@
 #include <streambuf>
 #include <string>
 
+namespace zarn::ingest {
+
 /// What passes between ACE and the log file.
 ///
 /// ACE writes on to a file that was removed, and takes one on a full disk, whose size it cannot
@@ -53,5 +55,7 @@ public:
 private:
     LogFileGuard guard_;
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_LOGFILE_H

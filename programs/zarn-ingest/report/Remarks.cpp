@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace zarn::ingest {
+
 namespace {
 
 void addTally(const Tally& tally, const std::string& text, bool isWarning,
@@ -31,3 +33,5 @@ std::vector<Remark> remarksOf(const Outcome& outcome) {
     remarks.insert(remarks.end(), outcome.moon.remarks.begin(), outcome.moon.remarks.end());
     return remarks;
 }
+
+}  // namespace zarn::ingest

@@ -7,7 +7,11 @@
 #include "zarn-ingest/header/Remark.h"
 #include "zarn-ingest/result/Outcome.h"
 
+namespace zarn::ingest {
+
 /// Its repairs, each as "repaired (word): what was found and done: how often", then the rest.
 std::vector<Remark> remarksOf(const Outcome& outcome);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_REMARKS_H

@@ -13,6 +13,8 @@
 #include "shared/sky/Calendar.h"
 #include "zarn-ingest/report/Remarks.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -81,3 +83,5 @@ ReportFile::ReportFile(const std::string& fileName)
 void ReportFile::add(const std::string& source, const Outcome& outcome) {
     file_.add(lineOf(source, outcome));
 }
+
+}  // namespace zarn::ingest

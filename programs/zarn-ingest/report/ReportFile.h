@@ -13,6 +13,8 @@
 #include "zarn-ingest/report/LineFile.h"
 #include "zarn-ingest/result/Outcome.h"
 
+namespace zarn::ingest {
+
 class ReportFile {
 public:
     /// Opens the file, or makes it, and keeps other runs from it.
@@ -32,5 +34,7 @@ private:
     Descriptor lock_;
     LineFile file_;
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_REPORTFILE_H

@@ -13,6 +13,8 @@
 #include "zarn-ingest/report/RollingLog.h"
 #include "zarnsys/util/Log.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 using std::chrono::milliseconds;
@@ -166,3 +168,5 @@ void Reporter::clearProgress() {
     std::cerr << std::string(progressLength_, ' ') + "\r";
     progressLength_ = 0;
 }
+
+}  // namespace zarn::ingest

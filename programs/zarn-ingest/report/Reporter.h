@@ -11,6 +11,8 @@
 #include "zarn-ingest/report/ReportFile.h"
 #include "zarn-ingest/result/Outcome.h"
 
+namespace zarn::ingest {
+
 /// "in/x.hdr:7: text", or without a line "in/x.hdr: text", on one line.
 std::string problemText(const std::string& file, std::size_t line, const std::string& text);
 
@@ -73,5 +75,7 @@ private:
     Clock::time_point start_ = Clock::now();
     Clock::time_point shown_ = start_;
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_REPORTER_H

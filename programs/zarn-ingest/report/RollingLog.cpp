@@ -21,6 +21,8 @@
 #include "zarn-ingest/report/LogFile.h"
 #include "zarnsys/util/Log.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr std::streamoff KILOBYTE = 1024;  // as ACE counts
@@ -128,3 +130,5 @@ RollingLog::~RollingLog() {
         deadline = ACE_OS::gettimeofday() + PATIENCE;
     } while (ACE_Thread_Manager::instance()->wait(&deadline) == -1);
 }
+
+}  // namespace zarn::ingest

@@ -4,6 +4,8 @@
 
 #include "zarn-ingest/settings/Settings.h"
 
+namespace zarn::ingest {
+
 class RollingLog {
 public:
     /// Sends this process's log lines to the file of the settings, whose directory is created when
@@ -21,5 +23,7 @@ public:
     /// Ends the reactor and waits for its thread: a process must not end while it runs.
     ~RollingLog();
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_ROLLINGLOG_H

@@ -18,6 +18,8 @@
 #include "zarn-ingest/header/IngestError.h"
 #include "zarn-ingest/result/FitsResult.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 /// Whether an error tells that a name leads to nothing that can be opened.
@@ -207,3 +209,5 @@ void Converter::write(const Source& source, const std::string& name) const {
     target.putInPlace(name, options_.overwrite);
     if (options_.durable) work_->output().sync();
 }
+
+}  // namespace zarn::ingest

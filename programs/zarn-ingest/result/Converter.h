@@ -17,6 +17,8 @@
 #include "zarn-ingest/result/Outcome.h"
 #include "zarn-ingest/result/OutputDirectory.h"
 
+namespace zarn::ingest {
+
 /// How results are made.
 struct ConversionOptions {
     bool overwrite = false;  ///< replace results that exist
@@ -72,5 +74,7 @@ private:
     std::unordered_map<std::string, const std::string*> claims_;  ///< result, and the input for it
     std::set<FileId> sources_;  ///< files never to be replaced; known when overwriting only
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_CONVERTER_H

@@ -10,6 +10,8 @@
 
 #include "zarn-ingest/header/IngestError.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 [[noreturn]] void fail(const std::string& what) {
@@ -43,3 +45,5 @@ void Directory::checkCurrent() const {
 void Directory::sync() const {
     if (::fsync(fd_.get()) != 0) fail("the directory " + name_ + " cannot be made safe on disk");
 }
+
+}  // namespace zarn::ingest

@@ -6,6 +6,8 @@
 
 #include "shared/files/Reading.h"
 
+namespace zarn::ingest {
+
 /// Keeps a directory open. What is done through `fd` or `ownPath` is done in this very directory,
 /// even after it was renamed or removed and another one took its name.
 class Directory {
@@ -35,5 +37,7 @@ private:
     std::string name_;
     Descriptor fd_;
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_DIRECTORY_H

@@ -10,6 +10,8 @@
 #include "zarn-ingest/header/IngestError.h"
 #include "zarn-ingest/header/Structure.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr int VERIFIED = 1;  // CFITSIO's word for a checksum that fits
@@ -139,3 +141,5 @@ void verifyFitsFile(const HeaderText& text, const std::string& path, bool checks
     if (count != hdu) throw IngestError("the result holds more than headers");
     check(file.close(), "the result cannot be closed");
 }
+
+}  // namespace zarn::ingest

@@ -6,6 +6,8 @@
 
 #include "zarn-ingest/header/HeaderText.h"
 
+namespace zarn::ingest {
+
 /// Makes a file of one HDU per header, none of which has data.
 ///
 /// @param checksum  add DATASUM and CHECKSUM to each HDU
@@ -19,5 +21,7 @@ void makeFitsFile(const HeaderText& text, const std::string& path, bool checksum
 /// @throw FitsFileError  when CFITSIO cannot open or read the file
 /// @throw IngestError    when the file differs
 void verifyFitsFile(const HeaderText& text, const std::string& path, bool checksum);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_FITSRESULT_H

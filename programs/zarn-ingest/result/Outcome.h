@@ -9,6 +9,8 @@
 #include "zarn-ingest/header/HeaderText.h"
 #include "zarn-ingest/header/MoonCards.h"
 
+namespace zarn::ingest {
+
 struct Outcome {
     enum class Status {
         CONVERTED,
@@ -34,5 +36,7 @@ struct Outcome {
     /// Whether the input is done with: another try would end the same way.
     bool isFinal() const { return status == Status::CONVERTED || status == Status::FAILED; }
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_OUTCOME_H

@@ -22,6 +22,8 @@
 #include "shared/files/Durable.h"
 #include "zarn-ingest/header/IngestError.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 const char WORK_PREFIX[] = ".zarn-ingest-";  // the host's name and a dash follow
@@ -240,3 +242,5 @@ void WorkFile::checkPlaced(const std::string& entry) const {
     if (!same) throw WorkStops("someone changes results in " + output.name() + " meanwhile");
     output.checkCurrent();
 }
+
+}  // namespace zarn::ingest

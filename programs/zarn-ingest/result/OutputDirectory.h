@@ -8,6 +8,8 @@
 #include "shared/files/Reading.h"
 #include "zarn-ingest/result/Directory.h"
 
+namespace zarn::ingest {
+
 class OutputDirectory {
 public:
     enum class Missing {
@@ -93,5 +95,7 @@ private:
     std::string name_;
     Descriptor file_{-1};
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_OUTPUTDIRECTORY_H

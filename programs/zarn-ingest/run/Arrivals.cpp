@@ -10,6 +10,8 @@
 #include "shared/files/SystemError.h"
 #include "zarn-ingest/header/IngestError.h"
 
+namespace zarn::ingest {
+
 Arrivals::Arrivals(const std::string& pattern, std::chrono::seconds settle)
     : pattern_(pattern), directory_(FileIO(pattern, true, false).getPath()), settle_(settle) {
     if (directory_.find_first_of("*?[\\") != std::string::npos)
@@ -51,3 +53,5 @@ std::vector<std::string> Arrivals::present() const {
     for (const auto& [name, seen] : seen_) names.push_back(name);
     return names;
 }
+
+}  // namespace zarn::ingest

@@ -9,6 +9,8 @@
 
 #include "shared/files/FileVersion.h"
 
+namespace zarn::ingest {
+
 /// Looks at a directory again and again, and tells which files have stopped changing.
 class Arrivals {
 public:
@@ -55,5 +57,7 @@ private:
     std::size_t unsettled_ = 0;
     std::vector<std::string> unseen_;
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_ARRIVALS_H

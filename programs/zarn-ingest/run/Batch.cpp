@@ -9,6 +9,8 @@
 #include "zarn-ingest/result/OutputDirectory.h"
 #include "zarn-ingest/run/Conversion.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 /// The settings, with the service's pattern as the argument of a dry run without names.
@@ -88,3 +90,5 @@ bool Batch::record(const Input& input, const Outcome& outcome) {
     if (!problem.empty()) reporter_.error(problem);
     return problem.empty();
 }
+
+}  // namespace zarn::ingest

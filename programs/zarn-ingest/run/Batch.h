@@ -14,6 +14,8 @@
 #include "zarn-ingest/run/StopSignals.h"
 #include "zarn-ingest/settings/Settings.h"
 
+namespace zarn::ingest {
+
 /// Converts the named inputs of one run. Keeps references to what it is made of, which must outlive
 /// it.
 class Batch {
@@ -27,13 +29,13 @@ public:
     /// signal comes.
     ///
     /// @return  false when it ended early because the journal could not be written
-    bool run();
+    [[nodiscard]] bool run();
 
 private:
     void openJournal();
     bool isOurs(const Input& input, std::size_t position) const;
     void begin(const std::vector<Input>& inputs);
-    bool record(const Input& input, const Outcome& outcome);
+    [[nodiscard]] bool record(const Input& input, const Outcome& outcome);
 
     const Settings& settings_;
     const StopSignals& signals_;
@@ -42,5 +44,7 @@ private:
     std::unique_ptr<DirectoryLocks> locks_;
     std::unique_ptr<Journal> journal_;  ///< none if the settings name no directory
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_BATCH_H

@@ -5,6 +5,8 @@
 #include "zarn-ingest/result/Converter.h"
 #include "zarn-ingest/settings/Settings.h"
 
+namespace zarn::ingest {
+
 /// The options of the converter. A service always continues where it was killed; a result is safe
 /// on disk before a journal has it.
 inline ConversionOptions conversionOf(const Settings& settings) {
@@ -19,5 +21,7 @@ inline ConversionOptions conversionOf(const Settings& settings) {
     options.moon = settings.moon;
     return options;
 }
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_CONVERSION_H

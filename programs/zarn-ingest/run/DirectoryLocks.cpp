@@ -11,6 +11,8 @@
 #include "shared/files/SystemError.h"
 #include "zarn-ingest/header/IngestError.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 /// Locks a directory that this process may already have locked.
@@ -63,3 +65,5 @@ std::vector<std::string> DirectoryLocks::renew() {
     }
     return replaced;
 }
+
+}  // namespace zarn::ingest

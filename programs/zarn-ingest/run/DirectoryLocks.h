@@ -7,6 +7,8 @@
 
 #include "zarn-ingest/result/Directory.h"
 
+namespace zarn::ingest {
+
 /// Holds directories for this process alone, until the object is destroyed or the process ends.
 class DirectoryLocks {
 public:
@@ -24,5 +26,7 @@ private:
 
     std::vector<Directory> locked_;  ///< each keeps its lock while it is open
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_DIRECTORYLOCKS_H

@@ -13,6 +13,8 @@
 #include "shared/files/Reading.h"
 #include "shared/files/SystemError.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 /// Why an argument gives no file.
@@ -83,3 +85,5 @@ std::vector<Input> collectInputs(const Settings& settings, const StopSignals& si
     }
     return inputs;
 }
+
+}  // namespace zarn::ingest

@@ -8,9 +8,13 @@
 #include "zarn-ingest/run/StopSignals.h"
 #include "zarn-ingest/settings/Settings.h"
 
+namespace zarn::ingest {
+
 /// The inputs: first those of the command line, then those of its lists, then those of standard
 /// input, each in their order. Matches of a pattern are in alphabetical order. A signal that comes
 /// while a list is being read ends the list there.
 std::vector<Input> collectInputs(const Settings& settings, const StopSignals& signals);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_INPUTS_H

@@ -20,6 +20,8 @@
 #include "shared/cli/Reason.h"
 #include "shared/files/SystemError.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 const char NAME_BEGIN[] = "/zarn-ingest-";
@@ -144,3 +146,5 @@ void Journal::append(const std::string& record) {
     fileName_ = fileName;
     file_->add(iso + '\t' + WexoTime::asUnixTimeString(now) + '\t' + record + '\n');
 }
+
+}  // namespace zarn::ingest

@@ -16,6 +16,8 @@
 #include "zarn-ingest/report/LineFile.h"
 #include "zarn-ingest/result/Outcome.h"
 
+namespace zarn::ingest {
+
 /// The identity of a file: it stays the same while the file is neither changed nor renamed. "-"
 /// means that there is no file.
 ///
@@ -57,5 +59,7 @@ private:
     std::unique_ptr<LineFile> file_;  ///< the journal of the day; none before the first line
     std::string fileName_;            ///< its name
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_JOURNAL_H

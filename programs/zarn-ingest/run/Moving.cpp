@@ -14,6 +14,8 @@
 #include "shared/files/Reading.h"
 #include "shared/files/SystemError.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 const char NUMBER_BEGIN[] = ".~";
@@ -112,3 +114,5 @@ std::string withoutNumber(const std::string& name) {
     const bool numbered = name.find_first_not_of("0123456789", digits) == name.size() - 1;
     return numbered && digits < name.size() - 1 ? name.substr(0, begin) : name;
 }
+
+}  // namespace zarn::ingest

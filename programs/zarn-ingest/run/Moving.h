@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace zarn::ingest {
+
 /// Moves a file into a directory of the same file system; the move is safe on disk when the call
 /// returns. If the name is taken there, the file gets a number: x.hdr, x.hdr.~1~, x.hdr.~2~, ...
 ///
@@ -24,5 +26,7 @@ std::string reasonName(const std::string& name);
 
 /// Whether a name is that of such a text.
 bool isReason(const std::string& name);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_MOVING_H

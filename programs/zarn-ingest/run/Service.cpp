@@ -10,6 +10,8 @@
 #include "zarn-ingest/run/Moving.h"
 #include "zarn-ingest/run/ServiceDirectories.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 const std::string CHANGED = "changed while it was converted; it is looked at again";
@@ -179,3 +181,5 @@ void Service::move(const std::string& source, const Outcome& outcome) {
         stuck_[source] = {identityOf(source), outcome};
     }
 }
+
+}  // namespace zarn::ingest

@@ -25,6 +25,8 @@
 #include "zarn-ingest/run/Troubles.h"
 #include "zarn-ingest/settings/Settings.h"
 
+namespace zarn::ingest {
+
 /// Does the work of a service. Keeps references to what it is made of, which must outlive it.
 class Service {
 public:
@@ -32,8 +34,8 @@ public:
     /// file system is mounted.
     ///
     /// @return  false when a signal came first
-    static bool awaitIncoming(const Settings& settings, const StopSignals& signals,
-                              Reporter& reporter);
+    [[nodiscard]] static bool awaitIncoming(const Settings& settings, const StopSignals& signals,
+                                            Reporter& reporter);
 
     /// Prepares the directories and locks them for this process.
     ///
@@ -43,7 +45,7 @@ public:
     /// Works until a signal comes or, if it does not watch, until all present files are done.
     ///
     /// @return  false when settled files were left or could not be moved away
-    bool run();
+    [[nodiscard]] bool run();
 
 private:
     /// A source that is in the journal but could not be moved away.
@@ -52,13 +54,13 @@ private:
         Outcome outcome;
     };
 
-    bool look();
-    bool doSettled();
+    bool look();  ///< a watching service may ignore whether all was done
+    [[nodiscard]] bool doSettled();
     void keepDirectories();
     std::vector<Input> nextBatch();
-    bool hasRoom();
-    bool handle(const Input& input);
-    bool record(const Input& input, const Outcome& outcome);
+    [[nodiscard]] bool hasRoom();
+    [[nodiscard]] bool handle(const Input& input);
+    [[nodiscard]] bool record(const Input& input, const Outcome& outcome);
     void move(const std::string& source, const Outcome& outcome);
 
     const Settings& settings_;
@@ -74,5 +76,7 @@ private:
     bool recalled_ = false;                 ///< whether the journal of earlier runs was read
     std::map<std::string, Stuck> stuck_;    ///< sources to move away, by name
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_SERVICE_H

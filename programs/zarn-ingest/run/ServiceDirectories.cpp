@@ -14,6 +14,8 @@
 #include "shared/files/SystemError.h"
 #include "zarn-ingest/run/Moving.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 dev_t fileSystemOf(const std::string& directory) {
@@ -67,11 +69,11 @@ std::vector<std::string> prepareDirectories(const Settings& settings) {
 
 void putBackFailed(const Settings& settings, Reporter& reporter) {
     const std::string pattern = FileIO(settings.pattern, true, false).getBaseName();
-    const std::string incoming = incomingDirectory(settings);
+    const std::string incoming = incomingDirectory(settings) + "/";
     for (const std::filesystem::path& file : failedFiles(settings.failedDir)) {
         const std::string name = withoutNumber(file.filename());
         if (::fnmatch(pattern.c_str(), name.c_str(), FNM_PERIOD) != 0) continue;
-        const std::string target = incoming + "/" + name;
+        const std::string target = incoming + name;
         if (renameToNew(file, target)) {
             ::unlink((file.parent_path() / reasonName(file.filename())).c_str());
         } else {
@@ -82,3 +84,5 @@ void putBackFailed(const Settings& settings, Reporter& reporter) {
     syncToDisk(incoming);
     syncToDisk(settings.failedDir);
 }
+
+}  // namespace zarn::ingest

@@ -8,6 +8,8 @@
 #include "zarn-ingest/report/Reporter.h"
 #include "zarn-ingest/settings/Settings.h"
 
+namespace zarn::ingest {
+
 /// The directory that the pattern of a service names: where files arrive.
 std::string incomingDirectory(const Settings& settings);
 
@@ -21,5 +23,7 @@ std::vector<std::string> prepareDirectories(const Settings& settings);
 /// Moves failed files that the pattern matches back to the incoming directory, and removes their
 /// reasons. Of files that had the same name, the first goes back; the others need further runs.
 void putBackFailed(const Settings& settings, Reporter& reporter);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_SERVICEDIRECTORIES_H

@@ -13,6 +13,8 @@
 
 #include "shared/files/SystemError.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr int WAIT_FOREVER = -1;
@@ -69,3 +71,5 @@ bool StopSignals::sleep(std::chrono::milliseconds interval) const {
         ::poll(&wake, 1, static_cast<int>(std::min<std::int64_t>(interval.count(), LONGEST_WAIT))));
     return received() == 0;
 }
+
+}  // namespace zarn::ingest

@@ -6,6 +6,8 @@
 
 #include "shared/files/Reading.h"
 
+namespace zarn::ingest {
+
 /// Notes the first SIGINT, SIGTERM or SIGHUP, so that the current file can be finished; the same
 /// signal again ends the process at once. A signal that was ignored at the start, as under nohup,
 /// stays ignored.
@@ -29,5 +31,7 @@ public:
 private:
     Descriptor wake_;  ///< an event that can be read from the first signal on; owned
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_STOPSIGNALS_H

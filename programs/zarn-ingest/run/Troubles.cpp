@@ -2,6 +2,8 @@
 
 #include <utility>
 
+namespace zarn::ingest {
+
 void Troubles::meet(const std::string& text) {
     if (met_.insert(text).second && known_.count(text) == 0) reporter_.error(text);
 }
@@ -15,3 +17,5 @@ void Troubles::endLook(bool whole) {
     }
     known_.merge(std::exchange(met_, {}));
 }
+
+}  // namespace zarn::ingest

@@ -7,6 +7,8 @@
 
 #include "zarn-ingest/report/Reporter.h"
 
+namespace zarn::ingest {
+
 /// The service looks again every few seconds and would meet the same trouble each time. This class
 /// reports a trouble when it begins and when it is over. It keeps a reference to the reporter.
 class Troubles {
@@ -29,5 +31,7 @@ private:
     std::set<std::string> met_;    ///< in this look
     std::set<std::string> known_;  ///< from looks before
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_TROUBLES_H

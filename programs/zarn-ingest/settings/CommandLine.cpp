@@ -9,6 +9,8 @@
 #include "zarn-ingest/settings/Properties.h"
 #include "zarn-ingest/settings/SettingTable.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 /// Refuses settings that exclude each other, or that need others.
@@ -73,3 +75,5 @@ void CommandLine::displayFullHelp() const {
     displayHelp();
     std::cout << HELP_NOTES << std::flush;
 }
+
+}  // namespace zarn::ingest

@@ -7,6 +7,8 @@
 #include "shared/cli/SettingTable.h"
 #include "zarn-ingest/settings/Settings.h"
 
+namespace zarn::ingest {
+
 /// Parser and help.
 class CommandLine : public SettingsParser<Settings> {
 public:
@@ -26,5 +28,7 @@ public:
 private:
     void applyOptions(Settings& settings) const;
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_COMMANDLINE_H

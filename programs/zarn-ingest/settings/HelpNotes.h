@@ -2,6 +2,8 @@
 #ifndef ZARN_INGEST_HELPNOTES_H
 #define ZARN_INGEST_HELPNOTES_H
 
+namespace zarn::ingest {
+
 inline constexpr char HELP_NOTES[] = R"(
 Each line of a header text file becomes one card of a FITS file that holds this
 header and no data; a text of several headers gives as many HDUs. The result of
@@ -56,5 +58,7 @@ not; 2 wrong usage; 130, 143 or 129 stopped by Ctrl-C, SIGTERM or SIGHUP. The
 program finishes the current file first; the same signal again ends it at once.
 With --watch, Ctrl-C and SIGTERM are the normal way to stop, with status 0.
 )";
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_HELPNOTES_H

@@ -11,6 +11,8 @@
 #include "zarn-ingest/settings/PropertiesFile.h"
 #include "zarn-ingest/settings/SettingTable.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 /// What is wrong with a property's value.
@@ -56,3 +58,5 @@ Settings readProperties(const std::string& fileName) {
                          printable(section) + "] " + printable(key) + "\n";
     return settings;
 }
+
+}  // namespace zarn::ingest

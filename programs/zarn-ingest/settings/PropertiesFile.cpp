@@ -12,6 +12,8 @@
 #include "shared/files/Reading.h"
 #include "shared/files/SystemError.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr std::size_t MAX_LINE = 4095;  // what ACE reads at once [characters]
@@ -97,3 +99,5 @@ PropertyKeys keysIn(const std::string& fileName) {
     addKeys(heap, heap.root_section(), "", keys);
     return keys;
 }
+
+}  // namespace zarn::ingest

@@ -6,6 +6,8 @@
 #include <string>
 #include <utility>
 
+namespace zarn::ingest {
+
 /// Pairs of section and key; of a section within another the path from the root, with slashes.
 using PropertyKeys = std::set<std::pair<std::string, std::string>>;
 
@@ -18,5 +20,7 @@ void checkPropertiesFile(const std::string& fileName);
 ///
 /// @throw UsageError  when ACE cannot read the file
 PropertyKeys keysIn(const std::string& fileName);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_PROPERTIESFILE_H

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace zarn::ingest {
+
 namespace {
 
 // The words of ACE's logging.
@@ -57,3 +59,5 @@ void readLogProgram(Settings& settings, const std::string& name) {
 std::string shownShard(const Settings& settings) { return shardText(settings.shard); }
 
 std::string shownLogProgram(const Settings& settings) { return settings.logProgram; }
+
+}  // namespace zarn::ingest

@@ -12,6 +12,8 @@
 #include "shared/sky/Telescopes.h"
 #include "zarn-ingest/settings/Settings.h"
 
+namespace zarn::ingest {
+
 /// Readers of values that have a form of their own.
 void readMoon(Settings& settings, const std::string& name);
 void readShard(Settings& settings, const std::string& text);
@@ -101,5 +103,7 @@ inline constexpr SettingRow<Settings> SETTINGS[] = {
     property(LOG, "flags", IngestKinds::Own{readLogFlags}),
     property(LOG, "program", IngestKinds::Own{readLogProgram, shownLogProgram}),
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_SETTINGTABLE_H

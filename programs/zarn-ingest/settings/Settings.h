@@ -10,6 +10,8 @@
 
 #include "zarn-ingest/settings/Shard.h"
 
+namespace zarn::ingest {
+
 /// Everything that options and properties set. A member holds its default until then.
 struct Settings {
     // Which files.
@@ -64,5 +66,7 @@ struct Settings {
     /// Whether the run works as a service: on files that arrive, which move when they are done.
     bool isService() const { return !isNamed() && !dryRun; }
 };
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_SETTINGS_H

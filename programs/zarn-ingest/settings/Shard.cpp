@@ -5,6 +5,8 @@
 
 #include "shared/cli/Value.h"
 
+namespace zarn::ingest {
+
 namespace {
 
 constexpr unsigned MOST_SHARDS = 100000;
@@ -31,3 +33,5 @@ Shard shardOf(const std::string& text) {
 std::string shardText(const Shard& shard) {
     return std::to_string(shard.index) + "/" + std::to_string(shard.count);
 }
+
+}  // namespace zarn::ingest

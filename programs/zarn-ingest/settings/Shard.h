@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string>
 
+namespace zarn::ingest {
+
 /// The form of a shard, for messages.
 inline constexpr char SHARD_FORM[] = "I/N, I from 1 to N and N from 1 to 100000";
 
@@ -28,5 +30,7 @@ Shard shardOf(const std::string& text);
 
 /// A shard as "I/N".
 std::string shardText(const Shard& shard);
+
+}  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_SHARD_H

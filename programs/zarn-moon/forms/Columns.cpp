@@ -4,6 +4,8 @@
 #include <iomanip>
 #include <sstream>
 
+namespace zarn::moon {
+
 void Columns::add(const std::vector<std::string>& cells) {
     widths_.resize(cells.size());
     for (std::size_t i = 0; i < cells.size(); ++i)
@@ -22,3 +24,5 @@ std::string Columns::text() const {
     }
     return text;
 }
+
+}  // namespace zarn::moon

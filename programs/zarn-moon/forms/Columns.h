@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace zarn::moon {
+
 /// Lines of columns, aligned to the right. Each column is as wide as its widest cell.
 class Columns {
 public:
@@ -19,5 +21,7 @@ private:
     std::vector<std::size_t> widths_;  ///< of the widest cell so far [characters]
     std::vector<std::vector<std::string>> lines_;
 };
+
+}  // namespace zarn::moon
 
 #endif  // ZARN_MOON_COLUMNS_H

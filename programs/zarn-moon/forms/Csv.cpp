@@ -4,6 +4,8 @@
 #include "zarn-moon/forms/Report.h"
 #include "zarn-moon/forms/Texts.h"
 
+namespace zarn::moon {
+
 namespace {
 
 using Cells = std::vector<std::string>;
@@ -129,3 +131,5 @@ std::string nights(const Report& report) {
 std::string csvOf(const Report& report) {
     return report.settings.nights > 0 ? nights(report) : instants(report);
 }
+
+}  // namespace zarn::moon

@@ -12,6 +12,8 @@
 #include "shared/cli/Printable.h"
 #include "shared/files/MemoryFile.h"
 
+namespace zarn::moon {
+
 namespace {
 
 /// Which files a new process gets as its standard streams. Owns the list that posix_spawn takes.
@@ -71,3 +73,5 @@ std::string runGnuplot(const std::string& script) {
     if (status != 0) throw std::runtime_error("gnuplot failed: " + firstLine(messages.content()));
     return result;
 }
+
+}  // namespace zarn::moon

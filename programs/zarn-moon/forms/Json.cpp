@@ -5,6 +5,8 @@
 #include "zarn-moon/forms/Report.h"
 #include "zarn-moon/forms/Texts.h"
 
+namespace zarn::moon {
+
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -121,3 +123,5 @@ std::string jsonOf(const Report& report) {
         text += (i > 0 ? ",\n  " : "\n  ") + rowOf(report.rows[i], local).dump();
     return text + (report.rows.empty() ? "]\n}\n" : "\n ]\n}\n");
 }
+
+}  // namespace zarn::moon

@@ -6,6 +6,8 @@
 #include "zarn-moon/forms/Gnuplot.h"
 #include "zarn-moon/forms/PlotScript.h"
 
+namespace zarn::moon {
+
 namespace {
 
 /// The instants to draw: from half an hour before sunset to half an hour after sunrise.
@@ -40,3 +42,5 @@ std::string drawNight(const Report& report) {
     if (!whole) throw std::runtime_error("gnuplot did not draw the whole picture");
     return picture;
 }
+
+}  // namespace zarn::moon

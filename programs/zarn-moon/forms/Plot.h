@@ -6,6 +6,8 @@
 
 #include "zarn-moon/forms/Report.h"
 
+namespace zarn::moon {
+
 /// The picture of the report's night, in the format that the name in `settings.plot` ends in: the
 /// altitudes of moon and targets over UT, and below them the sky brightness at the targets.
 ///
@@ -13,5 +15,7 @@
 ///
 /// @throw std::runtime_error  when gnuplot is not installed or fails
 std::string drawNight(const Report& report);
+
+}  // namespace zarn::moon
 
 #endif  // ZARN_MOON_PLOT_H

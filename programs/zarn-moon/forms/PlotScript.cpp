@@ -8,6 +8,8 @@
 #include "shared/sky/Calendar.h"
 #include "zarn-moon/forms/Texts.h"
 
+namespace zarn::moon {
+
 namespace {
 
 const char MOON_STYLE[] = "linewidth 3 linecolor rgb '#444444' dashtype 2";
@@ -145,3 +147,5 @@ std::string scriptOf(const Settings& settings, const std::vector<Row>& rows,
            altitudes(settings) + "set xlabel 'UT'\n" + brightness(settings, rows) +
            "unset multiplot\n";
 }
+
+}  // namespace zarn::moon

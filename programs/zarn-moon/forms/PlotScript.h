@@ -9,6 +9,8 @@
 #include "zarn-moon/night/Rows.h"
 #include "zarn-moon/settings/Settings.h"
 
+namespace zarn::moon {
+
 inline constexpr double MINUTES_PER_POINT = 4.0;  ///< between two points of a curve
 
 /// Whether the picture is an SVG; else it is a PNG.
@@ -19,5 +21,7 @@ bool isSvg(const Settings& settings);
 /// @param rows  its points, MINUTES_PER_POINT apart
 std::string scriptOf(const Settings& settings, const std::vector<Row>& rows,
                      const Summary& summary);
+
+}  // namespace zarn::moon
 
 #endif  // ZARN_MOON_PLOTSCRIPT_H

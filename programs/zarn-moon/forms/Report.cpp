@@ -2,6 +2,8 @@
 
 #include "shared/cli/UsageError.h"
 
+namespace zarn::moon {
+
 namespace {
 
 constexpr std::size_t MOST_VALUES = 1000000;  // instants times targets: about 500 MB at most
@@ -54,3 +56,5 @@ Report makeReport(const Settings& settings) {
     }
     return report;
 }
+
+}  // namespace zarn::moon

@@ -10,6 +10,8 @@
 #include "zarn-moon/night/Rows.h"
 #include "zarn-moon/settings/Settings.h"
 
+namespace zarn::moon {
+
 /// One night without its minutes: of many nights, no more is kept.
 struct NightLine {
     double date;  ///< 0 h of the day that it begins on [MJD]
@@ -40,5 +42,7 @@ std::string csvOf(const Report& report);
 
 /// Everything. Absent values are null.
 std::string jsonOf(const Report& report);
+
+}  // namespace zarn::moon
 
 #endif  // ZARN_MOON_REPORT_H

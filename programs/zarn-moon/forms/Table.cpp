@@ -8,6 +8,8 @@
 #include "zarn-moon/forms/Report.h"
 #include "zarn-moon/forms/Texts.h"
 
+namespace zarn::moon {
+
 namespace {
 
 const std::size_t DATE_LENGTH = std::string("YYYY-MM-DDT").size();
@@ -197,3 +199,5 @@ std::string tableOf(const Report& report) {
     }
     return text;
 }
+
+}  // namespace zarn::moon

@@ -11,6 +11,8 @@
 
 #include "shared/sky/Calendar.h"
 
+namespace zarn::moon {
+
 std::string utcMinute(double mjd) { return minuteOf(mjd) + "Z"; }
 
 std::string utcSecond(double mjd) { return secondOf(mjd) + "Z"; }
@@ -54,3 +56,5 @@ std::string localTime(double mjd, const char* format) {
     std::strftime(text.data(), text.size(), format, &parts);
     return text.data();
 }
+
+}  // namespace zarn::moon

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+namespace zarn::moon {
+
 /// Decimals of the numbers in CSV and JSON.
 inline constexpr int ANGLE_DECIMALS = 4;       ///< of altitudes, azimuths and distances [deg]
 inline constexpr int POSITION_DECIMALS = 5;    ///< of right ascensions and declinations [deg]
@@ -37,5 +39,7 @@ std::string keyOf(std::string name);
 /// @throw std::runtime_error  when the system's times do not reach so far: on 32-bit x86
 ///                            before December 1901 and after January 2038
 std::string localTime(double mjd, const char* format);
+
+}  // namespace zarn::moon
 
 #endif  // ZARN_MOON_TEXTS_H

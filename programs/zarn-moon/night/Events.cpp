@@ -6,6 +6,8 @@
 #include "shared/sky/Units.h"
 #include "zarn-moon/night/Night.h"
 
+namespace zarn::moon {
+
 namespace {
 
 /// The times at which values, one for each minute, cross 0 upwards or downwards. Between two
@@ -85,3 +87,5 @@ std::vector<Phase> nextPhases(double mjd) {
     }
     return phases;
 }
+
+}  // namespace zarn::moon

@@ -5,6 +5,8 @@
 #include "shared/sky/Angles.h"
 #include "shared/sky/Calendar.h"
 
+namespace zarn::moon {
+
 namespace {
 
 /// The word that RULE_OF_WORDS gives for a night.
@@ -88,3 +90,5 @@ Window bestWindow(const Night& night, const SkyPosition& target, double leastAlt
     const bool same = without.begin == any.begin && without.end == any.end;
     return same || without.end - without.begin >= LEAST_WITHOUT_MOON ? without : any;
 }
+
+}  // namespace zarn::moon

@@ -9,6 +9,8 @@
 
 #include "zarn-moon/settings/Site.h"
 
+namespace zarn::moon {
+
 /// Altitudes [deg] of the centre of sun or moon at which something begins or ends.
 inline constexpr double HORIZON = -0.833;  ///< rise and set: the upper limb is on the horizon
 inline constexpr double CIVIL_TWILIGHT = -6.0;
@@ -88,5 +90,7 @@ Window bestWindow(const Night& night, const SkyPosition& target, double leastAlt
 /// @param lst       local sidereal time [h]
 /// @param latitude  of the site [deg], north positive
 double altitudeOf(const SkyPosition& target, double lst, double latitude);
+
+}  // namespace zarn::moon
 
 #endif  // ZARN_MOON_NIGHT_H

@@ -9,6 +9,8 @@
 #include "shared/sky/Calendar.h"
 #include "shared/sky/Precession.h"
 
+namespace zarn::moon {
+
 namespace {
 
 constexpr double NEGLIGIBLE = 99.0;  // what lunskybright gives for no moonlight [mag]
@@ -112,3 +114,5 @@ std::vector<Row> makeRows(const Settings& settings, const std::vector<MJD_DATE>&
     }
     return rows;
 }
+
+}  // namespace zarn::moon

@@ -8,6 +8,8 @@
 #include "zarn-moon/night/Night.h"
 #include "zarn-moon/settings/Settings.h"
 
+namespace zarn::moon {
+
 /// A target at an instant. A value that would have no meaning is absent.
 struct TargetValues {
     double altitude;                ///< [deg], without refraction
@@ -46,5 +48,7 @@ std::vector<MJD_DATE> instantsOf(const Night& night, double stepMinutes);
 std::vector<Row> makeRows(const Settings& settings, const std::vector<MJD_DATE>& instants,
                           const std::vector<SkyPosition>& targets,
                           const std::vector<Window>& windows);
+
+}  // namespace zarn::moon
 
 #endif  // ZARN_MOON_ROWS_H

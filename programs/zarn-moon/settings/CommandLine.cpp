@@ -9,6 +9,8 @@
 #include "zarn-moon/settings/HelpNotes.h"
 #include "zarn-moon/settings/SettingTable.h"
 
+namespace zarn::moon {
+
 namespace {
 
 void checkNights(const Settings& settings) {
@@ -65,3 +67,5 @@ void CommandLine::displayFullHelp(const std::string& ruleOfWords) const {
               << "\n\nExit status: 0 success; 1 the result could not be produced; 2 wrong usage.\n"
               << std::flush;
 }
+
+}  // namespace zarn::moon

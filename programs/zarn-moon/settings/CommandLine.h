@@ -7,6 +7,8 @@
 #include "shared/cli/SettingTable.h"
 #include "zarn-moon/settings/Settings.h"
 
+namespace zarn::moon {
+
 /// Parser and help.
 class CommandLine : public SettingsParser<Settings> {
 public:
@@ -27,5 +29,7 @@ public:
 private:
     void checkTogether() const;
 };
+
+}  // namespace zarn::moon
 
 #endif  // ZARN_MOON_COMMANDLINE_H

@@ -2,6 +2,8 @@
 #ifndef ZARN_MOON_HELPNOTES_H
 #define ZARN_MOON_HELPNOTES_H
 
+namespace zarn::moon {
+
 inline constexpr char HELP_NOTES[] = R"(
 Tells how the moon affects a night and the targets in it: when it is up, how
 bright it is, how far it is from each target, and how much light it adds there.
@@ -25,5 +27,7 @@ magnitudes per square arc second. The model does not cover twilight or targets
 below the horizon; the result says so there.
 
 )";
+
+}  // namespace zarn::moon
 
 #endif  // ZARN_MOON_HELPNOTES_H

@@ -4,6 +4,8 @@
 
 #include "shared/sky/Calendar.h"
 
+namespace zarn::moon {
+
 namespace {
 
 bool endsIn(const std::string& text, const std::string& end) {
@@ -39,3 +41,5 @@ void readPlot(Settings& settings, const std::string& fileName) {
         throw WrongValue("a name that ends in .png or .svg");
     settings.plot = fileName;
 }
+
+}  // namespace zarn::moon

@@ -10,6 +10,8 @@
 #include "shared/sky/Telescopes.h"
 #include "zarn-moon/settings/Settings.h"
 
+namespace zarn::moon {
+
 /// The theories hold for some decades around 2000; these are where they must not be asked [MJD].
 inline constexpr double FIRST_MJD = 15385.0;  ///< 1901-01-01
 inline constexpr double LAST_MJD = 124592.0;  ///< 2199-12-31
@@ -96,5 +98,7 @@ inline constexpr const char* EXCLUSIONS[][2] = {
     {"nights", "step"},
     {"nights", "min-altitude"},
 };
+
+}  // namespace zarn::moon
 
 #endif  // ZARN_MOON_SETTINGTABLE_H

@@ -10,6 +10,8 @@
 #include "zarn-moon/settings/Site.h"
 #include "zarn-moon/settings/Targets.h"
 
+namespace zarn::moon {
+
 /// With more targets the lines of a picture cannot be told apart.
 inline constexpr std::size_t MOST_DRAWN_TARGETS = 12;
 
@@ -42,5 +44,7 @@ struct Settings {
     bool version = false;         ///< likewise the version
     bool bashCompletion = false;  ///< likewise the completion script
 };
+
+}  // namespace zarn::moon
 
 #endif  // ZARN_MOON_SETTINGS_H

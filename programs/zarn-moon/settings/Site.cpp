@@ -14,6 +14,8 @@
 #include "shared/sky/Angles.h"
 #include "shared/sky/Telescopes.h"
 
+namespace zarn::moon {
+
 namespace {
 
 /// An angle followed by the letter of its hemisphere, of which one counts as positive.
@@ -68,3 +70,5 @@ std::string coordinates(const Site& site) {
 double noonOf(const Site& site, double date) { return date + 0.5 + site.longitude / FULL_CIRCLE; }
 
 double nightOf(const Site& site, double mjd) { return std::floor(mjd - noonOf(site, 0.0)); }
+
+}  // namespace zarn::moon

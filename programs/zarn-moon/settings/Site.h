@@ -6,6 +6,8 @@
 
 #include <string>
 
+namespace zarn::moon {
+
 /// A site on the Earth.
 struct Site {
     std::string name;  ///< as messages and results call it
@@ -35,5 +37,7 @@ double nightOf(const Site& site, double mjd);
 
 /// Latitude and longitude with the letters of their hemispheres.
 std::string coordinates(const Site& site);
+
+}  // namespace zarn::moon
 
 #endif  // ZARN_MOON_SITE_H

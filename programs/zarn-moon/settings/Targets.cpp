@@ -11,6 +11,8 @@
 #include "shared/cli/UsageError.h"
 #include "shared/files/Reading.h"
 
+namespace zarn::moon {
+
 namespace {
 
 const std::string BYTE_ORDER_MARK = "\xEF\xBB\xBF";
@@ -106,3 +108,5 @@ std::vector<Target> readTargets(const std::string& fileName) {
         throw UsageError("option --targets: there is no target in " + printable(fileName));
     return targets;
 }
+
+}  // namespace zarn::moon

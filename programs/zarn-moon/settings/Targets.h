@@ -7,6 +7,8 @@
 
 #include "shared/sky/Angles.h"
 
+namespace zarn::moon {
+
 /// One thing to look at.
 struct Target {
     std::string name;   ///< of a target on the command line its position as given
@@ -20,5 +22,7 @@ struct Target {
 ///
 /// @throw UsageError  naming the file, and the line at fault
 std::vector<Target> readTargets(const std::string& fileName);
+
+}  // namespace zarn::moon
 
 #endif  // ZARN_MOON_TARGETS_H
