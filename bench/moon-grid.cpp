@@ -18,7 +18,7 @@
 #include <string>
 #include <vector>
 
-#include "shared/sky/Units.h"
+#include "programs/shared/sky/Units.h"
 
 namespace {
 

@@ -13,7 +13,6 @@ namespace {
 
 constexpr double NAN_VALUE = std::numeric_limits<double>::quiet_NaN();
 constexpr std::size_t VALUES = 8;
-constexpr std::size_t DISTANCE = 2;  // the one that depends on the target
 constexpr std::size_t ALTITUDE = 3;
 constexpr double DEG_PER_RAD = 57.29577951308232;
 
