@@ -129,8 +129,9 @@ testLosses() {
     check "CR LF changes the result" cmp -s out/crlf.fits out/imager.fits
     only blank.fits crlf.fits end.fits hidden.fits imager.fits long.fits lowercase.fits short.fits tab.fits
     header sums "CHECKSUM= 'a'" 'CHECKSUM=' "DATASUM = 'b'" "OBJECT  = 'c'"
-    run 0 -c -o out sums
+    run 0 -c -o out sums; told <<<'zarn-ingest: 1 converted, 0 failed'
     check "old checksums" [ "$(cards out/sums.fits | grep -c '^CHECKSUM')" = 1 ]
+    run 0 -f -o out sums; says 'sums:4: warning: checksums of another file (--checksum renews them): 3, the first'
     header none 'PCOUNT  =                    0' 'GCOUNT  =                    1' 'GROUPS  = F'
     run 0 -q -o out none; silent
 }
