@@ -31,6 +31,8 @@ testResume() {
     run 1 -r -o out in/1.hdr; says 'out/1.fits exists already'  # it has no checksums now
     printf 'torn' >out/2.fits
     run 1 -q -c -r -o out in/2.hdr; says 'out/2.fits exists already'
+    sed -i "s/DATASUM = '         0'/DATASUM = '         1'/" out/3.fits
+    run 1 -q -c -r -o out in/3.hdr; says 'out/3.fits exists already'
     run 0 -q -c -r -f -o out 'in/*.hdr' other; silent
     check "replaced without need" [ -z "$(find out -name 1.fits -newer before)" ]
     check "not replaced" [ "$(cards out/other.fits | grep -c OBJECT)" = 1 ]
