@@ -134,8 +134,9 @@ testRepairs() {
     run 0 -q -o out "$samples/imager.hdr"
     check "CR LF changes the result" cmp -s out/crlf.fits out/imager.fits
     header sums "CHECKSUM= 'a'" 'CHECKSUM=' "DATASUM = 'b'" "OBJECT  = 'c'" END 'XTENSION= "x"' "CHECKSUM= 'd'"
-    run 0 -c -o out sums
+    run 0 -c -o out sums; check "told of checksums" [ -z "$(grep checksums err.txt)" ]
     check "old checksums" [ "$(fold -w 80 out/sums.fits | grep -c '^CHECKSUM')" = 2 ]
+    run 0 -f -o out sums; says 'sums:4: warning: checksums of another file (--checksum renews them): 4, the first'
     header none 'PCOUNT  =                    0' 'GCOUNT  =                    1' 'GROUPS  = F'
     run 0 -q -o out none; silent
 }

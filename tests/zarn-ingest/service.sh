@@ -69,6 +69,8 @@ testProperties() {
     properties ingest pattern 'i*/a.hdr'; run 2 -p p.ini; says 'only its last component'
     properties service done in; run 1 -p p.ini; says 'in cannot serve two purposes'
     run 2 -w x; says '--watch takes its files'
+    properties; sed -i /^done/d p.ini; run 2 -w -p p.ini; says '--watch needs the properties done and failed'
+    sed -i /^failed/d p.ini; run 2 --retry-failed -p p.ini; says '--retry-failed needs the properties'
     properties; arrive a.hdr; run 0 -n -p p.ini -o else
     check "dry run" grep -qx 'would convert in/a.hdr to else/a.fits' out.txt
     hasNot else; has in/a.hdr
@@ -232,6 +234,10 @@ testLog() {
     mkdir blocked.log
     properties log file blocked.log
     run 1 -p p.ini; says 'the log blocked.log is not being written'
+    properties log file errors.log log priorities '~INFO'; run 0 -p p.ini  # of what may be logged
+    check "other levels" grep -qE '^[^A-Z]+ ERROR [^A-Z]+log of zarn-ingest [^A-Z]+$' errors.log
+    properties log file mute.log log priorities '~INFO|~ERROR'; run 0 -p p.ini
+    check "not mute" cmp -s mute.log /dev/null
 }
 
 # Killed again and again while files arrive: nothing is lost, nothing is done twice.
