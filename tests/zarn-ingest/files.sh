@@ -159,10 +159,12 @@ b\textensions\t1\t12\nb\tkeyword\t1\t8\nb\tlong\t2\t9\nb\tmandatory\t1\t4\nb\tpr
     exec 9>>report; flock 9
     run 1 -q -f -o out --report report a; says 'another zarn-ingest writes the report report'
     exec 9>&-
-    yes '' | head -c 8192 >full
+    yes '{}' | head -c 8192 >full
+    cp "$samples/imager.hdr" kept; run 1 -q -f -o out --report kept a
+    says 'the report kept holds something else than a report'; check "kept" cmp kept "$samples/imager.hdr"
     (ulimit -f 8; exec "$program" -q -f -o out --report full a old 2>err.txt)
     check "the status" [ $? = 1 ]; told <<<'zarn-ingest: the report full: File too large'
-    check "a part of a line" [ "$(stat -c %s full)" = 8192 ]
+    check "a part of a line" [ "$(stat -c %s full)" = 8190 ]
     run 1 -q -f -o out --report . a; says 'the report .: Is a directory'
     run 1 -q -f -o out --report no/report a; says 'the report no/report: No such file or directory'
     run 0 -q -n --report dry a; hasNot dry

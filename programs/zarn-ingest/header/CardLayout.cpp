@@ -151,7 +151,8 @@ private:
         });
         if (exact && chains(parts) && (!line.isHierarch || line.hasHierarch)) {
             std::vector<std::string> cards = {asWritten(line)};
-            for (std::size_t i = 1; i < parts.size(); ++i) cards.push_back(parts[i]->text);
+            for (std::size_t i = 1; i < parts.size(); ++i)
+                cards.push_back("CONTINUE" + parts[i]->text.substr(KEYWORD_LENGTH));
             cards_.push_back(logicalCard(line, std::move(cards)));
         } else {
             writeAnew(line, parts);
@@ -218,6 +219,7 @@ private:
     void takeCommentary(const HeaderLine& line) {
         LogicalCard card = logicalCard(line, commentaryCards(line.keyword, line.commentary));
         if (card.cards.size() > 1) repairs_[Repair::LONG_COMMENTARY].add(line.number);
+        if (!line.isInColumns) repairs_[Repair::EQUALS_SIGNS].add(line.number);
         cards_.push_back(std::move(card));
     }
 
@@ -248,14 +250,22 @@ LogicalCard commentOf(const std::string& text, std::size_t number) {
     return card;
 }
 
+LogicalCard asComment(const LogicalCard& card) {
+    LogicalCard comment = commentOf(card.cards.front(), card.number);
+    for (std::size_t i = 1; i < card.cards.size(); ++i) {
+        for (const std::string& text : commentaryCards(comment.keyword, card.cards[i]))
+            comment.cards.push_back(text);
+    }
+    return comment;
+}
+
 std::string fixedCard(const std::string& keyword, const std::string& value,
                       const std::string& comment) {
     const bool isText = value.front() == '\'';
     const std::size_t indent = value.size() < VALUE_WIDTH ? VALUE_WIDTH - value.size() : 0;
     const std::string blanks(indent, ' ');
     const std::string field = isText ? value + blanks : blanks + value;
-    return withoutTrailing(withComment(padded(keyword, KEYWORD_LENGTH) + "= " + field, comment)
-                               .substr(0, CARD_LENGTH));
+    return withoutTrailing(withComment(padded(keyword, KEYWORD_LENGTH) + "= " + field, comment));
 }
 
 }  // namespace zarn::ingest

@@ -31,7 +31,10 @@ std::vector<LogicalCard> cardsOf(const std::vector<HeaderLine>& lines, Repairs& 
 /// A COMMENT card, or several.
 LogicalCard commentOf(const std::string& text, std::size_t number);
 
-/// A card in the fixed format: what is no text ends in column 30.
+/// COMMENT cards that hold another card, with all that continues it.
+LogicalCard asComment(const LogicalCard& card);
+
+/// A card in the fixed format: what is no text ends in column 30. It may be too long.
 std::string fixedCard(const std::string& keyword, const std::string& value,
                       const std::string& comment);
 

@@ -50,7 +50,7 @@ private:
 };
 
 /// The locale whose nearest forms of letters the C library writes: in the plain one it knows none.
-/// It holds for this thread, while the object lives; every system has it.
+/// It holds for this thread, while the object lives. On a system without it letters have no form.
 class FormsOfLetters {
 public:
     FormsOfLetters() : locale_(shared()) {
@@ -72,12 +72,15 @@ private:
     locale_t former_ = nullptr;
 };
 
-/// A character of UTF-8 in ASCII, "?" where it has no form there.
+/// A character of UTF-8 in ASCII, "?" where it has no form there. Quotes become grave accents: a
+/// straight one would end the text in which it stands.
 std::string transliterated(const std::string& character) {
     const FormsOfLetters forms;
     static Conversion toAscii("ASCII//TRANSLIT", "UTF-8");
     std::string form;
-    return toAscii(character, form) ? form : "?";
+    if (!toAscii(character, form)) return "?";
+    std::replace(form.begin(), form.end(), '\'', '`');
+    return form;
 }
 
 std::size_t lengthOfCharacter(const std::string& utf8, std::size_t at) {

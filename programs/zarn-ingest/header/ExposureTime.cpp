@@ -34,6 +34,16 @@ std::optional<Field> firstOf(const HeaderText& text, const Keywords& keywords) {
 
 double mjdOf(const std::string& value) { return numberOf(value, FIRST_MJD, LAST_MJD); }
 
+/// Whether a Modified Julian Date can be an exposure's: 0 often stands where nobody knew the time.
+bool isPlausible(const std::string& value) {
+    try {
+        mjdOf(value);
+        return true;
+    } catch (const std::invalid_argument&) {
+        return false;
+    }
+}
+
 /// A date as YYYY-MM-DD, which may be written with slashes, or before 2000 as DD/MM/YY.
 std::string dateIn(const std::string& text) {
     constexpr std::size_t OLD_LENGTH = 8;
@@ -100,9 +110,10 @@ ExposureTime onDay(const HeaderText& text, const Field& date) {
 }  // namespace
 
 std::optional<ExposureTime> exposureTime(const HeaderText& text) {
-    if (const std::optional<Field> field = firstOf(text, MJD_KEYWORDS))
-        return ExposureTime{parsed(*field, mjdOf), field->keyword, field->line};
+    const std::optional<Field> day = firstOf(text, MJD_KEYWORDS);
     const std::optional<Field> field = firstOf(text, DATE_KEYWORDS);
+    if (day && (!field || isPlausible(day->value)))
+        return ExposureTime{parsed(*day, mjdOf), day->keyword, day->line};
     if (!field) return std::nullopt;
     if (isDay(field->value)) return onDay(text, *field);
     return ExposureTime{parsed(*field, mjdOfDateObs), field->keyword, field->line};

@@ -43,7 +43,7 @@ bool promisesData(const std::string& bytes) {
     for (std::size_t at = 0; at < bytes.size(); at += CARD_LENGTH) {
         if (bytes.compare(at, naxis.size(), naxis) != 0) continue;
         const std::string value = bytes.substr(at, bytes.find('/', at) - at);
-        return value.find_first_of("123456789") < CARD_LENGTH;
+        if (value.find_first_of("123456789") < CARD_LENGTH) return true;
     }
     return false;
 }

@@ -1,6 +1,7 @@
 #include "zarn-ingest/header/HeaderLine.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include "zarn-ingest/header/Columns.h"
 
@@ -35,10 +36,11 @@ bool isReserved(const std::string& keyword) {
 /// Whether words before an equals sign are a keyword rather than the beginning of a sentence.
 bool isKeywordOfHierarch(const std::string& name, const CardValue& value) {
     const auto blanks = std::count(name.begin(), name.end(), ' ');
-    const bool isShort =
-        name.size() <= LONGEST_KEYWORD && static_cast<std::size_t>(blanks) < MOST_WORDS;
+    const bool isShort = name.size() <= LONGEST_KEYWORD &&
+                         static_cast<std::size_t>(blanks) < MOST_WORDS && !name.empty() &&
+                         std::isalnum(static_cast<unsigned char>(name.front())) != 0;
     const bool hasValue = value.kind != CardValue::Kind::UNKNOWN || blanks == 0;
-    return isShort && hasValue && !name.empty() && !isReserved(upper(name));
+    return isShort && hasValue && !isReserved(upper(name));
 }
 
 void readValue(HeaderLine& line, std::size_t equals) {
@@ -53,8 +55,8 @@ void readValue(HeaderLine& line, std::size_t equals) {
     line.isHierarch = !isPlain;
     line.isInColumns = line.hasHierarch || (isPlain && equals == KEYWORD_LENGTH && text[0] != ' ' &&
                                             (text.size() == equals + 1 || text[equals + 1] == ' '));
-    if (isPlain || (line.hasHierarch && !name.empty()) || isKeywordOfHierarch(name, line.value))
-        line.kind = Kind::VALUE;
+    const bool isNamed = line.hasHierarch && !name.empty() && !isReserved(line.keyword);
+    if (isPlain || isNamed || isKeywordOfHierarch(name, line.value)) line.kind = Kind::VALUE;
 }
 
 bool isCommentary(const std::string& keyword) {
@@ -75,6 +77,12 @@ bool HeaderLine::isSurelyCard() const {
 }
 
 HeaderLine readLine(const std::string& text, std::size_t number) {
+    const std::size_t indent = text.find_first_not_of(' ');
+    if (indent > 0 && indent < KEYWORD_LENGTH) {
+        HeaderLine moved = readLine(text.substr(indent), number);
+        moved.isInColumns = false;
+        if (moved.kind != Kind::OTHER) return moved;
+    }
     HeaderLine line;
     line.text = withoutTrailing(text);
     line.number = number;

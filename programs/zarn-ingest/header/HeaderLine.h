@@ -6,6 +6,7 @@
 #include <string>
 
 #include "zarn-ingest/header/CardValue.h"
+#include "zarn-ingest/header/Repairs.h"
 
 namespace zarn::ingest {
 
@@ -28,6 +29,7 @@ struct HeaderLine {
     bool hasHierarch = false;  ///< the line says so itself
     bool isInColumns = true;   ///< keyword and equals sign stand where cards have them
     std::string commentary;    ///< of COMMENTARY: what follows column 8
+    Repairs repairs;           ///< of the line's characters and columns
     bool isUpperCase = true;   ///< the keyword is written so
 
     /// Whether nobody would doubt that the line is a card: a blank keyword could also begin an

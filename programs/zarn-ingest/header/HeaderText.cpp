@@ -17,20 +17,31 @@ namespace {
 
 using Kind = HeaderLine::Kind;
 
+/// Whether the first card says that a header begins, which makes the others likelier.
+bool beginsAsHeader(const std::vector<HeaderLine>& lines) {
+    const auto isCard = [](const HeaderLine& line) { return line.kind == Kind::VALUE; };
+    const auto first = std::find_if(lines.begin(), lines.end(), isCard);
+    return first != lines.end() && (first->keyword == "SIMPLE" || first->keyword == "XTENSION");
+}
+
 /// Makes sure that at least half of the lines are cards. Blank lines do not count, nor do those
 /// that begin with eight blanks: they are commentary, and any indented text.
 void refuseOtherText(const std::vector<HeaderLine>& lines) {
+    const bool begins = beginsAsHeader(lines);
+    const auto isCard = [begins](const HeaderLine& line) {
+        return line.isSurelyCard() || (begins && line.kind == Kind::VALUE);
+    };
     std::size_t counted = 0;
     std::size_t cards = 0;
     for (const HeaderLine& line : lines) {
         if (line.kind == Kind::BLANK || (line.kind == Kind::COMMENTARY && line.keyword.empty()))
             continue;
         ++counted;
-        cards += line.isSurelyCard() ? 1 : 0;
+        cards += isCard(line) ? 1 : 0;
     }
-    const bool hasCards = std::any_of(lines.begin(), lines.end(), [](const HeaderLine& line) {
-        return line.isSurelyCard() && line.kind != Kind::END;
-    });
+    const bool hasCards = std::any_of(
+        lines.begin(), lines.end(),
+        [&isCard](const HeaderLine& line) { return isCard(line) && line.kind != Kind::END; });
     if (!hasCards) throw IngestError("holds no card, so it is no header text");
     if (2 * cards < counted)
         throw IngestError("only " + std::to_string(cards) + " of " + std::to_string(counted) +
@@ -76,7 +87,15 @@ bool isExtension(const Section& section) {
     return first != section.lines.end() && first->keyword == "XTENSION" && !first->isHierarch;
 }
 
-/// The header of the least repair's line, if any is not allowed.
+/// Adds the repairs that were found in a line.
+void addRepairs(const std::vector<HeaderLine>& lines, Repairs& repairs) {
+    for (const HeaderLine& line : lines) {
+        for (const auto& [repair, tally] : line.repairs)
+            repairs[repair].add(tally.firstLine, tally.count);
+    }
+}
+
+/// @throw IngestError  naming the repair that comes first in the text, if there is one
 void refuseRepairs(const Repairs& repairs) {
     const auto earlier = [](const auto& one, const auto& other) {
         return one.second.firstLine < other.second.firstLine;
@@ -100,7 +119,6 @@ HeaderText::HeaderText(const std::string& bytes, const ReadingOptions& options) 
     refuseOtherThanText(bytes);
     Lines lines = linesOf(bytes);
     refuseOtherText(lines.lines);
-    repairs_ = std::move(lines.repairs);
     notes_.carriages = lines.carriages;
     std::vector<Section> sections = sectionsOf(lines.lines, repairs_);
     if (options.primaryOnly && sections.size() > 1) {
@@ -115,15 +133,17 @@ HeaderText::HeaderText(const std::string& bytes, const ReadingOptions& options) 
 
 void HeaderText::addHeader(const Section& section, std::size_t count) {
     const bool isPrimary = headers_.empty();
-    const Position position = !isPrimary  ? Position::LATER
-                              : count > 1 ? Position::FIRST
-                                          : Position::ALONE;
+    const HduPosition position = !isPrimary  ? HduPosition::LATER
+                                 : count > 1 ? HduPosition::FIRST
+                                             : HduPosition::ALONE;
     if (!isPrimary) repairs_[Repair::MORE_HEADERS].add(section.lines.front().number);
     cardCount_ += section.lines.size();
-    std::vector<LogicalCard> cards = cardsOf(section.lines, repairs_, notes_.upperCased);
+    addRepairs(section.titles, repairs_);
+    addRepairs(section.lines, repairs_);
+    std::vector<LogicalCard> cards = structured(cardsOf(section.lines, repairs_, notes_.upperCased),
+                                                titlesOf(section, repairs_), position, repairs_);
     announceLongTexts(cards);
-    headers_.push_back(
-        headerOf(structured(std::move(cards), titlesOf(section, repairs_), position, repairs_)));
+    headers_.push_back(headerOf(cards));
     for (const Card& card : headers_.back()) {
         if (isChecksum(card.keyword)) notes_.oldChecksums.add(card.number);
     }

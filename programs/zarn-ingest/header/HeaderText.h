@@ -56,7 +56,7 @@ public:
     const Repairs& repairs() const { return repairs_; }
     const Notes& notes() const { return notes_; }
 
-    /// Lines of the text that are cards, or blank ones among them, without END.
+    /// Lines of the headers, blank and other ones among them, without titles and END.
     std::size_t cardCount() const { return cardCount_; }
 
     /// Adds cards to the primary header, of no line.

@@ -1,6 +1,7 @@
 #include "zarn-ingest/header/Lines.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "zarn-ingest/header/Characters.h"
 #include "zarn-ingest/header/Columns.h"
@@ -27,24 +28,54 @@ std::vector<std::string> piecesOf(const std::string& line) {
     return pieces;
 }
 
-/// Whether a line is a row of cards: the first two and most others stand in columns.
+/// Whether nothing stands in the keyword's columns, as in commentary and blank cards.
+bool hasNoKeyword(const std::string& columns) { return isBlank(columns.substr(0, KEYWORD_LENGTH)); }
+
+/// Whether a line is a row of cards: two at least, and at least half of those with a keyword.
 bool isRow(const std::vector<std::string>& pieces) {
-    if (pieces.size() < 2 || !standsInColumns(pieces[0]) || !standsInColumns(pieces[1]))
-        return false;
-    const auto blank = std::count_if(pieces.begin(), pieces.end(), isBlank);
     const auto cards = std::count_if(pieces.begin(), pieces.end(), standsInColumns);
-    return 2 * cards >= static_cast<std::ptrdiff_t>(pieces.size()) - blank;
+    const auto without = std::count_if(pieces.begin(), pieces.end(), hasNoKeyword);
+    return cards >= 2 && 2 * cards >= static_cast<std::ptrdiff_t>(pieces.size()) - without;
 }
 
-void addLine(const std::string& line, std::size_t number, Lines& result) {
-    const std::vector<std::string> pieces = piecesOf(line);
+HeaderLine lineOf(const std::string& text, std::size_t number) {
+    Repairs repairs;
+    HeaderLine line = readLine(inAscii(text, number, repairs), number);
+    line.repairs = std::move(repairs);
+    return line;
+}
+
+void addLine(const std::string& text, std::size_t number, std::vector<HeaderLine>& lines) {
+    const std::vector<std::string> pieces = piecesOf(text);
     if (!isRow(pieces)) {
-        result.lines.push_back(readLine(inAscii(line, number, result.repairs), number));
+        lines.push_back(lineOf(text, number));
         return;
     }
-    result.repairs[Repair::CUT_LINES].add(number);
-    for (const std::string& piece : pieces)
-        result.lines.push_back(readLine(inAscii(piece, number, result.repairs), number));
+    const std::size_t first = lines.size();
+    for (const std::string& piece : pieces) lines.push_back(lineOf(piece, number));
+    lines[first].repairs[Repair::CUT_LINES].add(number);
+}
+
+/// Blanks that every line begins with that is not blank.
+std::size_t commonIndent(const std::vector<HeaderLine>& lines) {
+    std::size_t indent = std::string::npos;
+    for (const HeaderLine& line : lines) {
+        if (!line.text.empty()) indent = std::min(indent, line.text.find_first_not_of(' '));
+    }
+    return indent == std::string::npos ? 0 : indent;
+}
+
+/// Takes the blanks away that a whole text is indented by.
+void takeIndent(std::vector<HeaderLine>& lines) {
+    const std::size_t indent = commonIndent(lines);
+    if (indent == 0) return;
+    for (HeaderLine& line : lines) {
+        if (line.text.empty()) continue;
+        Repairs repairs = std::move(line.repairs);
+        repairs[Repair::INDENTS].add(line.number);
+        line = readLine(line.text.substr(indent), line.number);
+        line.repairs = std::move(repairs);
+    }
 }
 
 }  // namespace
@@ -54,18 +85,21 @@ Lines linesOf(const std::string& bytes) {
     const char lineEnd = bytes.find('\n') == std::string::npos ? '\r' : '\n';
     std::size_t number = 0;
     const bool marked = bytes.rfind(BYTE_ORDER_MARK, 0) == 0;
-    if (marked) result.repairs[Repair::BYTE_ORDER_MARK].add(1);
+
     std::size_t at = marked ? sizeof BYTE_ORDER_MARK - 1 : 0;
     while (at < bytes.size()) {
         const std::size_t end = std::min(bytes.find(lineEnd, at), bytes.size());
         const bool carriage = end > at && bytes[end - 1] == '\r';
         if (carriage || (lineEnd == '\r' && end < bytes.size())) result.carriages.add(number + 1);
-        addLine(bytes.substr(at, end - at - (carriage ? 1 : 0)), ++number, result);
+        addLine(bytes.substr(at, end - at - (carriage ? 1 : 0)), ++number, result.lines);
         if (result.lines.size() > MAX_LINES)
             throw IngestError("has more than " + std::to_string(MAX_LINES) +
                               " lines, no header text file");
         at = end + 1;
     }
+    takeIndent(result.lines);
+    if (marked && !result.lines.empty())
+        result.lines.front().repairs[Repair::BYTE_ORDER_MARK].add(1);
     return result;
 }
 

@@ -14,11 +14,10 @@ namespace zarn::ingest {
 struct Lines {
     std::vector<HeaderLine> lines;
     Tally carriages;  ///< lines that end in CR LF, or in CR
-    Repairs repairs;
 };
 
 /// Cuts a text at its line ends (LF, CR LF or CR), and a line of several cards every 80 columns,
-/// and reads each.
+/// takes away what all of it is indented by, and reads each line.
 ///
 /// @throw IngestError  for more lines than any header has
 Lines linesOf(const std::string& bytes);

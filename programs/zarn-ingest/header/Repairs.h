@@ -1,6 +1,6 @@
 /// What a header text needed before it became FITS headers, as one table of kinds.
 ///
-/// A repair changes no card's meaning and loses none, unless its row says what is cut or left out.
+/// Nothing of a card is lost unless its row says what is cut, left out or replaced.
 #ifndef ZARN_INGEST_REPAIRS_H
 #define ZARN_INGEST_REPAIRS_H
 
@@ -27,6 +27,7 @@ enum class Repair {
     BLANK_START,
     TITLES,
     CUT_LINES,
+    INDENTS,
     EQUALS_SIGNS,
     TABS,
     LETTERS,

@@ -12,22 +12,27 @@ namespace {
 
 using Kind = HeaderLine::Kind;
 
-// What dump programs call a header, and what they draw around its name.
-constexpr const char* NAMES_OF_HEADERS[] = {"HDU", "EXTENSION", "XTENSION", "HEADER"};
-constexpr const char* RULERS[] = {"---", "===", "***", "###", "# "};
+// How the lines begin by which dump programs name a header, behind what they draw around it.
+constexpr const char* NAMES_OF_HEADERS[] = {"HDU", "EXTENSION", "EXT ", "XTENSION", "HEADER OF "};
+constexpr char DRAWN[] = "-=*#+<>[]|. ";
 
-template <typename Words>
-bool containsAny(const std::string& text, const Words& words) {
-    return std::any_of(std::begin(words), std::end(words),
-                       [&text](const char* word) { return text.find(word) != std::string::npos; });
+/// "--- HDU 1 ---", "# HDU 2 in file.fits:", "=== Extension: SCI ===", "Extension 3:"
+bool dividesHeaders(const HeaderLine& line) {
+    if (line.kind != Kind::OTHER) return false;
+    const std::size_t begin = line.text.find_first_not_of(DRAWN);
+    if (begin == std::string::npos) return false;
+    const std::string name = upper(line.text.substr(begin));
+    const bool isNumbered = name.find_first_of("0123456789") != std::string::npos;
+    return (begin > 0 || isNumbered) &&
+           std::any_of(std::begin(NAMES_OF_HEADERS), std::end(NAMES_OF_HEADERS),
+                       [&name](const char* word) { return name.rfind(word, 0) == 0; });
 }
 
-/// "--- HDU 1 ---", "# HDU 2 in file.fits:", "===> extension 3 <==="
-bool dividesHeaders(const HeaderLine& line) {
-    const std::string text = upper(line.text);
-    return line.kind == Kind::OTHER && containsAny(text, RULERS) &&
-           containsAny(text, NAMES_OF_HEADERS) &&
-           text.find_first_of("0123456789") != std::string::npos;
+/// Cards of a header's beginning, before which another one has hardly begun.
+bool isOfBeginning(const HeaderLine& line) {
+    constexpr const char* KEYWORDS[] = {"SIMPLE", "BITPIX", "EXTEND", "PCOUNT", "GCOUNT", "GROUPS"};
+    return line.keyword.rfind("NAXIS", 0) == 0 ||
+           std::find(std::begin(KEYWORDS), std::end(KEYWORDS), line.keyword) != std::end(KEYWORDS);
 }
 
 bool isKeyword(const HeaderLine& line, const char* keyword) {
@@ -74,13 +79,14 @@ private:
             hasStructure_ = hasStructure_ || isKeyword(line, "SIMPLE") ||
                             isKeyword(line, "XTENSION") || isKeyword(line, "BITPIX");
             hasValue_ = hasValue_ || line.kind == Kind::VALUE;
+            hasContent_ = hasContent_ || (line.kind == Kind::VALUE && !isOfBeginning(line));
         }
     }
 
     /// Whether a line can only stand before a card of another header.
     bool beginsHeader(const HeaderLine& line) const {
         if (section_.lines.empty()) return false;
-        if (isKeyword(line, "XTENSION")) return hasValue_ && nextCardIs("BITPIX");
+        if (isKeyword(line, "XTENSION")) return hasContent_ || (hasValue_ && nextCardIs("BITPIX"));
         if (isKeyword(line, "SIMPLE")) return hasStructure_ && nextCardIs("BITPIX");
         if (line.kind != Kind::OTHER) return false;
         return hasValue_ && (dividesHeaders(line) || nextCardIs("XTENSION") ||
@@ -98,16 +104,23 @@ private:
         while (!section_.lines.empty() && section_.lines.back().kind == Kind::BLANK)
             section_.lines.pop_back();
         if (section_.lines.empty()) return;  // the titles are the next one's
-        sections_.push_back(std::move(section_));
+        if (hasValue_ || sections_.empty()) {
+            sections_.push_back(std::move(section_));
+        } else {
+            appendLeftOver();
+        }
         section_ = Section();
-        hasStructure_ = hasValue_ = false;
+        hasStructure_ = false;
+        hasValue_ = false;
+        hasContent_ = false;
     }
 
-    /// Titles that no header follows.
+    /// Adds titles that no header follows, and commentary, to the header before.
     void appendLeftOver() {
         if (sections_.empty()) sections_.emplace_back();
         std::vector<HeaderLine>& last = sections_.back().lines;
         last.insert(last.end(), section_.titles.begin(), section_.titles.end());
+        last.insert(last.end(), section_.lines.begin(), section_.lines.end());
     }
 
     const std::vector<HeaderLine>& lines_;
@@ -118,6 +131,7 @@ private:
     std::size_t at_ = 0;
     bool hasStructure_ = false;  ///< the section has a card that only a header's beginning has
     bool hasValue_ = false;
+    bool hasContent_ = false;  ///< a value that is not of a header's beginning
 };
 
 }  // namespace

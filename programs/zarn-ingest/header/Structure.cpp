@@ -21,7 +21,7 @@ constexpr const char* TABLES[] = {"BINTABLE", "A3DTABLE"};
 // CFITSIO takes HIERARCH cards of these names for the keywords themselves.
 constexpr const char* STRUCTURE[] = {"SIMPLE",  "XTENSION", "BITPIX", "NAXIS",    "EXTEND",
                                      "GROUPS",  "PCOUNT",   "GCOUNT", "CHECKSUM", "DATASUM",
-                                     "TFIELDS", "THEAP",    "END"};
+                                     "TFIELDS", "THEAP",    "ZIMAGE", "END"};
 
 template <typename Words>
 bool contains(const Words& words, const std::string& word) {
@@ -41,6 +41,13 @@ int axisOf(const std::string& keyword) {
     return std::max(1, std::stoi(keyword.substr(NAME)));
 }
 
+/// Whether CFITSIO would take a HIERARCH card of this name for one that describes the file.
+bool isTakenForStructure(const std::string& name) {
+    const bool isOfColumn = name.size() <= KEYWORD_LENGTH && name.front() == 'T' &&
+                            name.back() >= '0' && name.back() <= '9';
+    return contains(STRUCTURE, name) || axisOf(name) > 0 || isOfColumn;
+}
+
 bool isZero(const std::string& number) {
     return !number.empty() && withoutPlus(number).find_first_not_of('0') == std::string::npos;
 }
@@ -54,16 +61,16 @@ bool isOne(const std::string& number) {
 /// The cards of one header, from which those that describe the file are taken out.
 class Structure {
 public:
-    Structure(std::vector<LogicalCard> cards, Position position, Repairs& repairs)
+    Structure(std::vector<LogicalCard> cards, HduPosition position, Repairs& repairs)
         : cards_(std::move(cards)),
           position_(position),
           repairs_(repairs),
-          isForExtensions_(position == Position::FIRST && cards_.empty()) {}
+          isForExtensions_(position == HduPosition::FIRST && cards_.empty()) {}
 
     std::vector<LogicalCard> structured(const std::vector<LogicalCard>& titles) {
         demoteHierarch();
         findTable();
-        if (position_ == Position::LATER) {
+        if (position_ == HduPosition::LATER) {
             beginExtension();
         } else {
             beginPrimary();
@@ -81,16 +88,15 @@ private:
 
     void demoteHierarch() {
         for (LogicalCard& card : cards_) {
-            if (!card.isHierarch) continue;
-            if (!contains(STRUCTURE, card.keyword) && axisOf(card.keyword) == 0) continue;
+            if (!card.isHierarch || !isTakenForStructure(card.keyword)) continue;
             repairs_[Repair::NO_CARDS].add(card.number);
-            card = commentOf(card.cards.front(), card.number);
+            card = asComment(card);
         }
     }
 
     /// Whether the header is a table's that readers can open.
     void findTable() {
-        if (position_ != Position::LATER) return;
+        if (position_ != HduPosition::LATER) return;
         const LogicalCard* const card = find("XTENSION");
         if (card == nullptr) return;
         const std::string name = upper(card->value.text);
@@ -104,21 +110,31 @@ private:
         require(
             "SIMPLE",
             [](const std::string& text) -> std::string {
-                return text == "F" || text == "f" ? "F" : "T";
+                return text == "T" ? text : "T";  // the result does conform
             },
             "file conforms to the FITS standard");
         beginImage();
-        if (position_ == Position::FIRST) promiseExtensions();
+        arrangeExtend();
         demoteAll("XTENSION");
     }
 
-    /// EXTEND may stand anywhere.
-    void promiseExtensions() {
+    /// EXTEND may stand anywhere, once, and must be true where extensions follow.
+    void arrangeExtend() {
+        const bool follow = position_ == HduPosition::FIRST;
         const auto found = locate("EXTEND");
-        if (found == cards_.end()) return place("EXTEND", "T", "extensions follow", true);
-        if (found->value.text == "T" && isWellFormed(*found)) return;
-        repairs_[Repair::ARRANGED].add(found->number);
-        found->cards = {fixed(*found, "T", "")};
+        if (found == cards_.end()) {
+            if (follow) place("EXTEND", "T", "extensions follow", true);
+            return;
+        }
+        const LogicalCard own = *found;
+        const bool isRight = own.value.kind == CardValue::Kind::LOGICAL &&
+                             (!follow || (own.value.text == "T" && isWellFormed(own)));
+        if (!isRight) {
+            repairs_[Repair::ARRANGED].add(own.number);
+            found->cards = {fixed(own, "T", "")};
+            cutComment(*found);
+        }
+        leaveRepeated("EXTEND", std::next(found));
     }
 
     void beginImage() {
@@ -133,7 +149,7 @@ private:
     }
 
     void beginExtension() {
-        takeFormer("SIMPLE");
+        takeFormerPrimary();
         if (table_) return beginTable();
         const LogicalCard* const card = find("XTENSION");
         const std::string name = card == nullptr ? "IMAGE" : upper(card->value.text);
@@ -164,7 +180,8 @@ private:
             card.keyword = "WAS ZIMAGE";
             std::string text = "HIERARCH " + card.keyword + " = " + card.value.text;
             if (!card.value.comment.empty()) text += " / " + card.value.comment;
-            card.cards = {withoutTrailing(text.substr(0, CARD_LENGTH))};
+            card.cards = {text};
+            cutComment(card);
             card.isHierarch = true;
         }
     }
@@ -179,7 +196,12 @@ private:
     /// Puts a card next that describes no data, whatever it said.
     void requireAs(const std::string& keyword, const std::string& value,
                    const std::string& comment) {
-        place(keyword, value, comment, true);
+        const LogicalCard* const found = find(keyword);
+        const bool same = found == nullptr || found->value.text == valueIn(value).text;
+        const bool isCount = keyword == "PCOUNT" || keyword == "GCOUNT";
+        if (isCount && !same) repairs_[Repair::AXES].add(found->number);
+        const bool isNamed = keyword == "XTENSION" || keyword == "BITPIX";
+        place(keyword, value, comment, same || !isNamed);
     }
 
     /// @param keeps  the card's own value is legal, or no matter
@@ -194,10 +216,11 @@ private:
         } else {
             card.number = found->number;
             card.cards = {fixed(*found, value, comment)};
+            cutComment(card);
             const bool arranged = found != cards_.begin() || !keeps || !isWellFormed(*found);
             if (arranged) repairs_[Repair::ARRANGED].add(found->number);
             cards_.erase(found);
-            leaveRepeated(keyword);
+            leaveRepeated(keyword, cards_.begin());
         }
         card.value = valueIn(value);
         begin_.push_back(std::move(card));
@@ -216,6 +239,14 @@ private:
         return says && card.cards.size() == 1 ? card.cards.front() : written;
     }
 
+    /// The cards of the beginning hold no text that could go on.
+    void cutComment(LogicalCard& card) {
+        std::string& text = card.cards.front();
+        if (text.size() <= CARD_LENGTH) return;
+        repairs_[Repair::NUMBER_COMMENTS].add(card.number);
+        text = withoutTrailing(text.substr(0, CARD_LENGTH));
+    }
+
     /// Whether a card of the beginning stands in the fixed format.
     static bool isWellFormed(const LogicalCard& card) {
         const CardValue& value = card.value;
@@ -226,18 +257,19 @@ private:
         return card.cards.front().rfind(expected, 0) == 0;
     }
 
-    void leaveRepeated(const std::string& keyword) {
-        leaveWhere([this, &keyword](const LogicalCard& card) {
+    /// Leaves out a keyword's cards from a place on.
+    void leaveRepeated(const std::string& keyword, Cards::iterator begin) {
+        leaveWhere(begin, [this, &keyword](const LogicalCard& card) {
             const bool again = isKeyword(card, keyword);
             if (again) repairs_[Repair::REPEATED].add(card.number);
             return again;
         });
     }
 
-    /// Leaves out the cards for which a condition, asked in their order, is true.
+    /// Leaves out the cards from a place on for which a condition, asked in their order, is true.
     template <typename Condition>
-    void leaveWhere(Condition isLeft) {
-        cards_.erase(std::remove_if(cards_.begin(), cards_.end(), isLeft), cards_.end());
+    void leaveWhere(Cards::iterator begin, Condition isLeft) {
+        cards_.erase(std::remove_if(begin, cards_.end(), isLeft), cards_.end());
     }
 
     /// Leaves out the axes that stand next: those beyond the second are told of.
@@ -270,7 +302,7 @@ private:
 
     /// Leaves out what would describe data.
     void leaveData() {
-        leaveWhere([this](const LogicalCard& card) {
+        leaveWhere(cards_.begin(), [this](const LogicalCard& card) {
             if (isAxis(card)) {
                 leaveAxis(card);
                 return true;
@@ -295,12 +327,12 @@ private:
     }
 
     /// A further primary header becomes an extension: that is no fault of its cards.
-    void takeFormer(const std::string& keyword) {
-        const auto found = locate(keyword);
-        if (found == cards_.end()) return;
-        isFormerPrimary_ = true;
-        cards_.erase(found);
-        leaveRepeated(keyword);
+    void takeFormerPrimary() {
+        isFormerPrimary_ = find("SIMPLE") != nullptr;
+        if (!isFormerPrimary_) return;
+        leaveWhere(cards_.begin(), [](const LogicalCard& card) {
+            return isKeyword(card, "SIMPLE") || isKeyword(card, "EXTEND");
+        });
     }
 
     /// Cards that come with other repairs, or that a header need not have had.
@@ -313,14 +345,14 @@ private:
 
     void keepAsComment(const std::string& keyword) {
         const auto found = locate(keyword);
-        cards_.push_back(commentOf(found->cards.front(), found->number));
+        cards_.push_back(asComment(*found));
     }
 
     void demoteAll(const std::string& keyword) {
         for (LogicalCard& card : cards_) {
             if (!isKeyword(card, keyword)) continue;
             repairs_[Repair::ARRANGED].add(card.number);
-            card = commentOf(card.cards.front(), card.number);
+            card = asComment(card);
         }
     }
 
@@ -343,7 +375,7 @@ private:
 
     Cards cards_;  ///< those not yet placed
     Cards begin_;  ///< those placed
-    Position position_;
+    HduPosition position_;
     Repairs& repairs_;
     std::string tableName_;
     std::optional<TableColumns> table_;
@@ -359,7 +391,7 @@ bool isChecksum(const std::string& keyword) {
 }
 
 std::vector<LogicalCard> structured(std::vector<LogicalCard> cards,
-                                    const std::vector<LogicalCard>& titles, Position position,
+                                    const std::vector<LogicalCard>& titles, HduPosition position,
                                     Repairs& repairs) {
     return Structure(std::move(cards), position, repairs).structured(titles);
 }

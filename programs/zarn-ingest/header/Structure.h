@@ -10,7 +10,7 @@
 namespace zarn::ingest {
 
 /// Where a header stands in its file.
-enum class Position {
+enum class HduPosition {
     ALONE,  ///< primary, and the only one
     FIRST,  ///< primary, extensions follow
     LATER,  ///< extension
@@ -26,7 +26,7 @@ bool isChecksum(const std::string& keyword);
 /// @param titles  follow the cards that every header begins with
 /// @return        all of them, in the order of the file
 std::vector<LogicalCard> structured(std::vector<LogicalCard> cards,
-                                    const std::vector<LogicalCard>& titles, Position position,
+                                    const std::vector<LogicalCard>& titles, HduPosition position,
                                     Repairs& repairs);
 
 }  // namespace zarn::ingest

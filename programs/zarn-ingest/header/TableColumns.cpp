@@ -14,11 +14,12 @@ namespace {
 constexpr std::size_t MOST_COLUMNS = 999;
 constexpr std::size_t MOST_BYTES = std::numeric_limits<int>::max();  // of a row, for every machine
 
+/// A keyword's last card, which is the one that CFITSIO takes.
 const LogicalCard* find(const std::vector<LogicalCard>& cards, const std::string& keyword) {
-    const auto found = std::find_if(cards.begin(), cards.end(), [&keyword](const auto& card) {
+    const auto found = std::find_if(cards.rbegin(), cards.rend(), [&keyword](const auto& card) {
         return card.keyword == keyword && !card.isHierarch;
     });
-    return found == cards.end() ? nullptr : &*found;
+    return found == cards.rend() ? nullptr : &*found;
 }
 
 std::optional<std::size_t> wholeNumber(const LogicalCard* card) {

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <ctime>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <system_error>
@@ -72,10 +73,19 @@ int openToAppend(const std::string& fileName) {
     return fd;
 }
 
+/// Makes sure that a file holds nothing, or a report: what follows its last whole line is cut off.
+void refuseOtherThanReport(const std::string& fileName) {
+    std::ifstream file(fileName);
+    const int first = file.get();
+    if (first != std::ifstream::traits_type::eof() && first != '{')
+        throw std::runtime_error("the report " + fileName + " holds something else than a report");
+}
+
 }  // namespace
 
 ReportFile::ReportFile(const std::string& fileName)
     : name_(fileName), lock_(openToAppend(fileName)), file_(fileName) {
+    refuseOtherThanReport(fileName);
     if (::flock(lock_.get(), LOCK_EX | LOCK_NB) != 0)
         throw std::runtime_error("another zarn-ingest writes the report " + fileName);
 }

@@ -87,9 +87,8 @@ void Reporter::addToReport(const std::string& file, const Outcome& outcome) {
     try {
         report_->add(file, outcome);
     } catch (const std::exception& reason) {
-        error("the report " + report_->name() + ": " + reasonOf(reason));
+        if (!reportFailed_) error("the report " + report_->name() + ": " + reasonOf(reason));
         reportFailed_ = true;
-        report_.reset();
     }
 }
 
