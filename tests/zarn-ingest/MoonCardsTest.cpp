@@ -3,7 +3,7 @@
 #include "shared/sky/Telescopes.h"
 #include "tests/support/Escapes.h"
 #include "tests/support/Transcript.h"
-#include "zarn-ingest/header/MoonCards.h"
+#include "zarn-ingest/header/moon/MoonCards.h"
 
 namespace zarn::ingest {
 

@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <utility>
 
-#include "zarn-ingest/header/CardLayout.h"
-#include "zarn-ingest/header/Columns.h"
-#include "zarn-ingest/header/HeaderFile.h"
 #include "zarn-ingest/header/IngestError.h"
-#include "zarn-ingest/header/Lines.h"
-#include "zarn-ingest/header/Sections.h"
-#include "zarn-ingest/header/Structure.h"
+#include "zarn-ingest/header/cards/CardLayout.h"
+#include "zarn-ingest/header/cards/StructuralKeywords.h"
+#include "zarn-ingest/header/cards/Structure.h"
+#include "zarn-ingest/header/lines/Columns.h"
+#include "zarn-ingest/header/lines/HeaderFile.h"
+#include "zarn-ingest/header/lines/Lines.h"
+#include "zarn-ingest/header/lines/Sections.h"
 
 namespace zarn::ingest {
 

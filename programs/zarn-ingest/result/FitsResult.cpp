@@ -8,7 +8,7 @@
 #include "shared/files/MemoryFile.h"
 #include "zarn-ingest/header/Fits.h"
 #include "zarn-ingest/header/IngestError.h"
-#include "zarn-ingest/header/Structure.h"
+#include "zarn-ingest/header/cards/StructuralKeywords.h"
 
 namespace zarn::ingest {
 

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "zarn-ingest/header/HeaderText.h"
-#include "zarn-ingest/header/MoonCards.h"
+#include "zarn-ingest/header/moon/MoonCards.h"
 
 namespace zarn::ingest {
 

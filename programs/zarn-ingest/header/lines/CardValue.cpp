@@ -1,8 +1,8 @@
-#include "zarn-ingest/header/CardValue.h"
+#include "zarn-ingest/header/lines/CardValue.h"
 
 #include <cstddef>
 
-#include "zarn-ingest/header/Columns.h"
+#include "zarn-ingest/header/lines/Columns.h"
 
 namespace zarn::ingest {
 

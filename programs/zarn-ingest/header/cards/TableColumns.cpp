@@ -1,4 +1,4 @@
-#include "zarn-ingest/header/TableColumns.h"
+#include "zarn-ingest/header/cards/TableColumns.h"
 
 #include <fitsio.h>
 

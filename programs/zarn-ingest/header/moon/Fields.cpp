@@ -1,4 +1,4 @@
-#include "zarn-ingest/header/Fields.h"
+#include "zarn-ingest/header/moon/Fields.h"
 
 #include <algorithm>
 

@@ -1,11 +1,11 @@
-#include "zarn-ingest/header/Lines.h"
+#include "zarn-ingest/header/lines/Lines.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "zarn-ingest/header/Characters.h"
-#include "zarn-ingest/header/Columns.h"
 #include "zarn-ingest/header/IngestError.h"
+#include "zarn-ingest/header/lines/Characters.h"
+#include "zarn-ingest/header/lines/Columns.h"
 
 namespace zarn::ingest {
 

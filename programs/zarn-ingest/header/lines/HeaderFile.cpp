@@ -1,4 +1,4 @@
-#include "zarn-ingest/header/HeaderFile.h"
+#include "zarn-ingest/header/lines/HeaderFile.h"
 
 #include <algorithm>
 #include <cctype>
@@ -9,8 +9,8 @@
 #include <system_error>
 
 #include "shared/files/Reading.h"
-#include "zarn-ingest/header/Columns.h"
 #include "zarn-ingest/header/IngestError.h"
+#include "zarn-ingest/header/lines/Columns.h"
 
 namespace zarn::ingest {
 

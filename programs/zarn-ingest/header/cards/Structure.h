@@ -4,8 +4,8 @@
 
 #include <vector>
 
-#include "zarn-ingest/header/CardLayout.h"
 #include "zarn-ingest/header/Repairs.h"
+#include "zarn-ingest/header/cards/CardLayout.h"
 
 namespace zarn::ingest {
 
@@ -15,9 +15,6 @@ enum class HduPosition {
     FIRST,  ///< primary, extensions follow
     LATER,  ///< extension
 };
-
-/// Whether the keyword is one of the two that CFITSIO's checksums stand under.
-bool isChecksum(const std::string& keyword);
 
 /// Puts the cards that describe the file in order and makes them describe no data: an image without
 /// axes, or a table with its columns and no rows.

@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <string>
 
-#include "zarn-ingest/header/CardValue.h"
 #include "zarn-ingest/header/Repairs.h"
+#include "zarn-ingest/header/lines/CardValue.h"
 
 namespace zarn::ingest {
 

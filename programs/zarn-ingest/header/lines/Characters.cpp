@@ -1,4 +1,4 @@
-#include "zarn-ingest/header/Characters.h"
+#include "zarn-ingest/header/lines/Characters.h"
 
 #include <iconv.h>
 #include <locale.h>  // NOLINT(modernize-deprecated-headers): newlocale is POSIX's, not C's

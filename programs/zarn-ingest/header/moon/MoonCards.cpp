@@ -1,4 +1,4 @@
-#include "zarn-ingest/header/MoonCards.h"
+#include "zarn-ingest/header/moon/MoonCards.h"
 
 #include <zarnsys/util/StringUtils.h>
 
@@ -12,8 +12,8 @@
 #include "shared/sky/Angles.h"
 #include "shared/sky/Precession.h"
 #include "shared/sky/Telescopes.h"
-#include "zarn-ingest/header/ExposureTime.h"
-#include "zarn-ingest/header/Fields.h"
+#include "zarn-ingest/header/moon/ExposureTime.h"
+#include "zarn-ingest/header/moon/Fields.h"
 
 namespace zarn::ingest {
 

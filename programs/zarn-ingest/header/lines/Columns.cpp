@@ -1,4 +1,4 @@
-#include "zarn-ingest/header/Columns.h"
+#include "zarn-ingest/header/lines/Columns.h"
 
 #include <algorithm>
 #include <cctype>

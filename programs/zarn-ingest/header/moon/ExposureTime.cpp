@@ -1,11 +1,11 @@
-#include "zarn-ingest/header/ExposureTime.h"
+#include "zarn-ingest/header/moon/ExposureTime.h"
 
 #include <algorithm>
 #include <stdexcept>
 
 #include "shared/sky/Angles.h"
 #include "shared/sky/Calendar.h"
-#include "zarn-ingest/header/Fields.h"
+#include "zarn-ingest/header/moon/Fields.h"
 
 namespace zarn::ingest {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "zarn-ingest/header/CardLayout.h"
+#include "zarn-ingest/header/cards/CardLayout.h"
 
 namespace zarn::ingest {
 

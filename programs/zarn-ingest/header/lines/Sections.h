@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <vector>
 
-#include "zarn-ingest/header/HeaderLine.h"
 #include "zarn-ingest/header/Repairs.h"
+#include "zarn-ingest/header/lines/HeaderLine.h"
 
 namespace zarn::ingest {
 

@@ -1,10 +1,10 @@
-#include "zarn-ingest/header/Sections.h"
+#include "zarn-ingest/header/lines/Sections.h"
 
 #include <algorithm>
 #include <iterator>
 #include <string>
 
-#include "zarn-ingest/header/Columns.h"
+#include "zarn-ingest/header/lines/Columns.h"
 
 namespace zarn::ingest {
 

@@ -1,9 +1,9 @@
-#include "zarn-ingest/header/CardLayout.h"
+#include "zarn-ingest/header/cards/CardLayout.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "zarn-ingest/header/Columns.h"
+#include "zarn-ingest/header/lines/Columns.h"
 
 namespace zarn::ingest {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "zarn-ingest/header/HeaderLine.h"
 #include "zarn-ingest/header/Repairs.h"
+#include "zarn-ingest/header/lines/HeaderLine.h"
 
 namespace zarn::ingest {
 

@@ -1,4 +1,4 @@
-#include "zarn-ingest/header/Structure.h"
+#include "zarn-ingest/header/cards/Structure.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -8,55 +8,13 @@
 #include <string>
 #include <utility>
 
-#include "zarn-ingest/header/Columns.h"
-#include "zarn-ingest/header/TableColumns.h"
+#include "zarn-ingest/header/cards/StructuralKeywords.h"
+#include "zarn-ingest/header/cards/TableColumns.h"
+#include "zarn-ingest/header/lines/Columns.h"
 
 namespace zarn::ingest {
 
 namespace {
-
-constexpr const char* BITPIX_VALUES[] = {"8", "16", "32", "64", "-32", "-64"};
-constexpr const char* TABLES[] = {"BINTABLE", "A3DTABLE"};
-
-// CFITSIO takes HIERARCH cards of these names for the keywords themselves.
-constexpr const char* STRUCTURE[] = {"SIMPLE",  "XTENSION", "BITPIX", "NAXIS",    "EXTEND",
-                                     "GROUPS",  "PCOUNT",   "GCOUNT", "CHECKSUM", "DATASUM",
-                                     "TFIELDS", "THEAP",    "ZIMAGE", "END"};
-
-template <typename Words>
-bool contains(const Words& words, const std::string& word) {
-    return std::find(std::begin(words), std::end(words), word) != std::end(words);
-}
-
-std::string withoutPlus(const std::string& number) {
-    return number.rfind('+', 0) == 0 ? number.substr(1) : number;
-}
-
-/// The number in NAXIS1, NAXIS2 and so on, at least 1; 0 for another keyword.
-int axisOf(const std::string& keyword) {
-    constexpr std::size_t NAME = 5;
-    const bool hasLength = keyword.size() > NAME && keyword.size() <= KEYWORD_LENGTH;
-    if (keyword.rfind("NAXIS", 0) != 0 || !hasLength) return 0;
-    if (keyword.find_first_not_of("0123456789", NAME) != std::string::npos) return 0;
-    return std::max(1, std::stoi(keyword.substr(NAME)));
-}
-
-/// Whether CFITSIO would take a HIERARCH card of this name for one that describes the file.
-bool isTakenForStructure(const std::string& name) {
-    const bool isOfColumn = name.size() <= KEYWORD_LENGTH && name.front() == 'T' &&
-                            name.back() >= '0' && name.back() <= '9';
-    return contains(STRUCTURE, name) || axisOf(name) > 0 || isOfColumn;
-}
-
-bool isZero(const std::string& number) {
-    return !number.empty() && withoutPlus(number).find_first_not_of('0') == std::string::npos;
-}
-
-bool isOne(const std::string& number) {
-    const std::string digits = withoutPlus(number);
-    return !digits.empty() && digits.find_first_not_of('0') == digits.size() - 1 &&
-           digits.back() == '1';
-}
 
 /// The cards of one header, from which those that describe the file are taken out.
 class Structure {
@@ -100,7 +58,7 @@ private:
         const LogicalCard* const card = find("XTENSION");
         if (card == nullptr) return;
         const std::string name = upper(card->value.text);
-        if (name != "TABLE" && !contains(TABLES, name)) return;
+        if (name != "TABLE" && !isBinaryTable(name)) return;
         tableName_ = name == "TABLE" ? name : "BINTABLE";
         table_ = columnsOf(cards_, name == "TABLE" ? TableKind::ASCII : TableKind::BINARY);
         if (!table_) repairs_[Repair::BROKEN_TABLES].add(card->number);
@@ -142,7 +100,7 @@ private:
             "BITPIX",
             [](const std::string& text) -> std::string {
                 const std::string number = withoutPlus(text);
-                return contains(BITPIX_VALUES, number) ? number : "8";
+                return isBitpix(number) ? number : "8";
             },
             "bits per data value");
         requireAs("NAXIS", "0", "# of axes in frame");
@@ -385,10 +343,6 @@ private:
 };
 
 }  // namespace
-
-bool isChecksum(const std::string& keyword) {
-    return keyword == "CHECKSUM" || keyword == "DATASUM";
-}
 
 std::vector<LogicalCard> structured(std::vector<LogicalCard> cards,
                                     const std::vector<LogicalCard>& titles, HduPosition position,

@@ -1,9 +1,9 @@
-#include "zarn-ingest/header/HeaderLine.h"
+#include "zarn-ingest/header/lines/HeaderLine.h"
 
 #include <algorithm>
 #include <cctype>
 
-#include "zarn-ingest/header/Columns.h"
+#include "zarn-ingest/header/lines/Columns.h"
 
 namespace zarn::ingest {
 
