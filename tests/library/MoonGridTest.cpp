@@ -141,10 +141,10 @@ TEST(MoonGridTest, NotANumberComesOutWhereTheInputsSayNothing) {
     // The sidereal time and the phase, as bits 0 and 5, need less than a whole place.
     const auto knownAt = [](const Place& at) {
         const MoonGrid values = computeMoonGrid({{2.0, 3.0}}, {60000.0}, at);
-        unsigned known = 0;
+        unsigned bits = 0;
         for (const double value : valuesOf(values, 0, 0))
-            known = known >> 1U | (std::isnan(value) ? 0U : 1U << (VALUES - 1));
-        return known;
+            bits = bits >> 1U | (std::isnan(value) ? 0U : 1U << (VALUES - 1));
+        return bits;
     };
     EXPECT_EQ(knownAt(placeAt(90.0, -1000.0)), 0b11111111U);
     EXPECT_EQ(knownAt(placeAt(90.000001, 1.0)), 0b00100001U);

@@ -36,9 +36,10 @@ TEST_F(MovingTest, NumbersTellFilesOfOneNameApart) {
     EXPECT_EQ(moved(longest), shortened);
     EXPECT_EQ(dir_.get("to/" + shortened), longest);
     const std::string names[][2] = {
-        {"x", "x"},           {"x.~1~", "x"},         {"x.~10~", "x"},
-        {"x.~~", "x.~~"},     {"x.~1", "x.~1"},       {"x.~a~", "x.~a~"},
-        {"x.~1a~", "x.~1a~"}, {"x.~1~.~2~", "x.~1~"}, {".~3~", ""}};
+        {"x", "x"},           {"x.~1~", "x"},     {"x.~10~", "x"},
+        {"x.~~", "x.~~"},     {"x.~1", "x.~1"},   {"x.~a~", "x.~a~"},
+        {"x.~1a~", "x.~1a~"}, {"x.~1a", "x.~1a"}, {"x.~1~.~2~", "x.~1~"},
+        {".~3~", ""}};
     for (const auto& [name, before] : names) EXPECT_EQ(withoutNumber(name), before) << name;
 }
 
