@@ -33,6 +33,7 @@ bool hasNoKeyword(const std::string& columns) { return isBlank(columns.substr(0,
 
 /// Whether a line is a row of cards: two at least, and at least half of those with a keyword.
 bool isRow(const std::vector<std::string>& pieces) {
+    if (pieces.size() < 2) return false;
     const auto cards = std::count_if(pieces.begin(), pieces.end(), standsInColumns);
     const auto without = std::count_if(pieces.begin(), pieces.end(), hasNoKeyword);
     return cards >= 2 && 2 * cards >= static_cast<std::ptrdiff_t>(pieces.size()) - without;
@@ -85,7 +86,6 @@ Lines linesOf(const std::string& bytes) {
     const char lineEnd = bytes.find('\n') == std::string::npos ? '\r' : '\n';
     std::size_t number = 0;
     const bool marked = bytes.rfind(BYTE_ORDER_MARK, 0) == 0;
-
     std::size_t at = marked ? sizeof BYTE_ORDER_MARK - 1 : 0;
     while (at < bytes.size()) {
         const std::size_t end = std::min(bytes.find(lineEnd, at), bytes.size());
