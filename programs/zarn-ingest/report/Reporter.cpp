@@ -28,7 +28,7 @@ double inSeconds(std::chrono::steady_clock::duration duration) {
     return std::chrono::duration<double>(duration).count();
 }
 
-std::string place(const std::string& file, std::size_t line) {
+std::string location(const std::string& file, std::size_t line) {
     return printable(file) + ":" + (line > 0 ? std::to_string(line) + ":" : "") + " ";
 }
 
@@ -42,7 +42,7 @@ std::string minutesAndSeconds(double duration) {
 }  // namespace
 
 std::string problemText(const std::string& file, std::size_t line, const std::string& text) {
-    return place(file, line) + printable(text);
+    return location(file, line) + printable(text);
 }
 
 Reporter::Reporter(Level level) : level_(level) {}
@@ -71,7 +71,7 @@ void Reporter::converted(const std::string& file, const Outcome& outcome) {
     for (const auto& [line, text, isWarning] : remarksOf(outcome)) {
         warned = warned || isWarning;
         if (level_ != Level::QUIET)
-            message(Kind::INFO, place(file, line) + (isWarning ? "warning: " : "") + text);
+            message(Kind::INFO, location(file, line) + (isWarning ? "warning: " : "") + text);
     }
     if (warned) ++warned_;
     if (!outcome.repairs.empty()) ++repaired_;

@@ -66,7 +66,7 @@ void Converter::beginBatch(const std::vector<Input>& inputs,
                            const std::vector<std::string>& sources) {
     claims_.clear();
     sources_.clear();
-    if (!options_.overwrite) return;
+    if (!options_.force) return;
     for (const Input& input : inputs) protect(input.name);
     for (const std::string& source : sources) protect(source);
 }
@@ -172,7 +172,7 @@ void Converter::checkReplaceable(const std::string& result) const {
     if (::lstat(result.c_str(), &status) != 0) return;
     if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode))
         throw IngestError("the result's name " + result + " belongs to something else than a file");
-    if (!options_.overwrite)
+    if (!options_.force)
         throw IngestError("the result " + result + " exists already (--force replaces it)");
     if (sources_.count({status.st_dev, status.st_ino}) > 0)
         throw IngestError("the result " + result + " would replace a source of this run");
@@ -206,7 +206,7 @@ void Converter::write(const Source& source, const std::string& name) const {
     FileIO(target.openedPath(), true, false).open(target.openedPath(), true, false);
     if (options_.durable) target.sync();
     if (!source.isUnchanged()) throw InputWaits("changed while it was converted; try again");
-    target.putInPlace(name, options_.overwrite);
+    target.putInPlace(name, options_.force);
     if (options_.durable) work_->output().sync();
 }
 

@@ -21,12 +21,12 @@ namespace zarn::ingest {
 
 /// How results are made.
 struct ConversionOptions {
-    bool overwrite = false;  ///< replace results that exist
-    bool dryRun = false;     ///< examine only
-    bool checksum = false;   ///< add DATASUM and CHECKSUM
-    bool durable = false;    ///< results are safe on disk before `convert` returns
-    bool resume = false;     ///< one that exists already from the same text, as after a crash,
-                             ///< counts as converted
+    bool force = false;     ///< replace results that exist
+    bool dryRun = false;    ///< examine only
+    bool checksum = false;  ///< add DATASUM and CHECKSUM
+    bool durable = false;   ///< results are safe on disk before `convert` returns
+    bool resume = false;    ///< one that exists already from the same text, as after a crash,
+                            ///< counts as converted
     ReadingOptions reading;
     std::optional<Telescope> moon;  ///< add the moon's values for it
 };

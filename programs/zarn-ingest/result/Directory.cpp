@@ -14,7 +14,7 @@ namespace zarn::ingest {
 
 namespace {
 
-[[noreturn]] void fail(const std::string& what) {
+[[noreturn]] void stopWork(const std::string& what) {
     throw WorkStops(what + ": " + std::generic_category().message(errno));
 }
 
@@ -22,7 +22,7 @@ namespace {
 
 Directory::Directory(std::string name)
     : name_(std::move(name)), fd_(::open(name_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    if (fd_.get() == -1) fail("directory " + name_);
+    if (fd_.get() == -1) stopWork("directory " + name_);
 }
 
 std::string Directory::ownPath(const std::string& entry) const {
@@ -43,7 +43,8 @@ void Directory::checkCurrent() const {
 }
 
 void Directory::sync() const {
-    if (::fsync(fd_.get()) != 0) fail("the directory " + name_ + " cannot be made safe on disk");
+    if (::fsync(fd_.get()) != 0)
+        stopWork("the directory " + name_ + " cannot be made safe on disk");
 }
 
 }  // namespace zarn::ingest

@@ -20,6 +20,7 @@
 #include <utility>
 
 #include "shared/files/Durable.h"
+#include "shared/files/SystemError.h"
 #include "zarn-ingest/header/IngestError.h"
 
 namespace zarn::ingest {
@@ -28,10 +29,6 @@ namespace {
 
 const char WORK_PREFIX[] = ".zarn-ingest-";  // the host's name and a dash follow
 const char WORK_RANDOM[] = "XXXXXX";         // filled in by the system
-
-[[noreturn]] void fail(const std::string& what) {
-    throw std::system_error(errno, std::generic_category(), what);
-}
 
 // Errors of a name that no file can get, however sound the directory is.
 constexpr int ERRORS_OF_NAMES[] = {ENAMETOOLONG, EINVAL, EILSEQ};
@@ -120,7 +117,7 @@ std::string makeDirectory(const Directory& output) {
     const int error = errno;
     ::unlinkat(output.fd(), name.c_str(), AT_REMOVEDIR);
     errno = error;
-    fail("working directory in " + output.name());
+    throwSystemError("working directory in " + output.name());
 }
 
 /// Makes a working directory and locks it, again if another run took it for abandoned in between.
@@ -164,15 +161,17 @@ OutputDirectory::OutputDirectory(const std::string& name, Missing missing) : nam
     if (error) throw std::system_error(error, "output directory " + name);
     if (!isDirectory) errno = ENOTDIR;
     if (!isDirectory || ::access(checked.c_str(), W_OK | X_OK) != 0)
-        fail("output directory " + name);
+        throwSystemError("output directory " + name);
 }
 
 std::string OutputDirectory::path(const std::string& entry) const {
     return name_.back() == '/' ? name_ + entry : name_ + "/" + entry;
 }
 
-WorkDirectory::WorkDirectory(const OutputDirectory& output)
-    : output_(output.name()), fd_((removeAbandoned(output_), makeLocked(output_, name_))) {}
+WorkDirectory::WorkDirectory(const OutputDirectory& output) : output_(output.name()), fd_(-1) {
+    removeAbandoned(output_);
+    fd_ = makeLocked(output_, name_);
+}
 
 WorkDirectory::~WorkDirectory() {
     std::error_code ignored;  // the next run tries again
@@ -215,12 +214,12 @@ void WorkFile::sync() const {
                         ": " + reasonFor(errno));
 }
 
-void WorkFile::putInPlace(const std::string& entry, bool overwrite) const {
+void WorkFile::putInPlace(const std::string& entry, bool force) const {
     const Directory& output = directory_.output();
     output.checkCurrent();
     const bool moved =
-        overwrite ? ::renameat(directory_.fd(), name_.c_str(), output.fd(), entry.c_str()) == 0
-                  : renameToNew(directory_.fd(), name_, output.fd(), entry);
+        force ? ::renameat(directory_.fd(), name_.c_str(), output.fd(), entry.c_str()) == 0
+              : renameToNew(directory_.fd(), name_, output.fd(), entry);
     const int error = errno;
     if (moved) return checkPlaced(entry);
     if (contains(ERRORS_OF_OCCUPANTS, error))

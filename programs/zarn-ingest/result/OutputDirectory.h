@@ -81,12 +81,12 @@ public:
 
     /// Gives the opened file its result's name in one step.
     ///
-    /// @param entry      the name within the output directory
-    /// @param overwrite  replace a file of this name; false: refuse to
+    /// @param entry  the name within the output directory
+    /// @param force  replace a file of this name; false: refuse to
     /// @throw IngestError  when no file can have that name, or something has it already
     /// @throw WorkStops    when it cannot be done, or was done to another file or directory than
     ///                     those that this run opened
-    void putInPlace(const std::string& entry, bool overwrite) const;
+    void putInPlace(const std::string& entry, bool force) const;
 
 private:
     void checkPlaced(const std::string& entry) const;

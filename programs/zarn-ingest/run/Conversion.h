@@ -12,7 +12,7 @@ namespace zarn::ingest {
 inline ConversionOptions conversionOf(const Settings& settings) {
     const bool service = settings.isService();
     ConversionOptions options;
-    options.overwrite = settings.force;
+    options.force = settings.force;
     options.dryRun = settings.dryRun;
     options.checksum = settings.checksum;
     options.resume = settings.resume || service;
