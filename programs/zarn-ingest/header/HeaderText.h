@@ -40,6 +40,7 @@ struct Card {
 /// The cards of one HDU, in their order, without END.
 using Header = std::vector<Card>;
 
+/// The headers of a text, ready to be written. Holds all of it by value.
 class HeaderText {
 public:
     /// Reads and examines a file.

@@ -7,6 +7,7 @@
 
 namespace zarn::ingest {
 
+/// What there is to say of a line.
 struct Remark {
     std::size_t line;  ///< counted from 1
     std::string text;

@@ -56,6 +56,7 @@ struct RepairKind {
     const char* done;   ///< what became of it
 };
 
+/// The row of the table; valid for ever.
 const RepairKind& kindOf(Repair repair);
 
 /// The repairs of one header text, in the order of the table.

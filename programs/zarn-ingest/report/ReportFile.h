@@ -15,6 +15,7 @@
 
 namespace zarn::ingest {
 
+/// A report that this run alone writes, until its end.
 class ReportFile {
 public:
     /// Opens the file, or makes it, and keeps other runs from it.

@@ -16,6 +16,7 @@ namespace zarn::ingest {
 /// "in/x.hdr:7: text", or without a line "in/x.hdr: text", on one line.
 std::string problemText(const std::string& file, std::size_t line, const std::string& text);
 
+/// Messages, progress and summary of one run. Not for several threads.
 class Reporter {
 public:
     enum class Level { QUIET, NORMAL, VERBOSE };

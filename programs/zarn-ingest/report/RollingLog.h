@@ -6,6 +6,7 @@
 
 namespace zarn::ingest {
 
+/// The log of a process: there is at most one. It and its thread end with the object.
 class RollingLog {
 public:
     /// Sends this process's log lines to the file of the settings, whose directory is created when

@@ -35,6 +35,7 @@ struct ConversionOptions {
 /// character, and ".fits".
 std::string resultName(const std::string& input);
 
+/// Converts inputs one after the other; keeps its output and working directories open meanwhile.
 class Converter {
 public:
     /// @throw std::exception  with the reason when results cannot be written there

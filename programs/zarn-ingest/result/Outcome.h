@@ -11,6 +11,7 @@
 
 namespace zarn::ingest {
 
+/// What became of an input, and all that there is to tell of it.
 struct Outcome {
     enum class Status {
         CONVERTED,

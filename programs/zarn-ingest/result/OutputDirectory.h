@@ -10,6 +10,7 @@
 
 namespace zarn::ingest {
 
+/// Where results go, by its name: what the name leads to can change.
 class OutputDirectory {
 public:
     enum class Missing {

@@ -10,8 +10,10 @@
 
 namespace zarn::ingest {
 
+/// TABLE and BINTABLE.
 enum class TableKind { ASCII, BINARY };
 
+/// How many columns, and how wide together.
 struct TableColumns {
     std::size_t number = 0;  ///< of columns
     std::size_t width = 0;   ///< of a row [bytes]

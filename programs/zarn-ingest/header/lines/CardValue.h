@@ -6,6 +6,7 @@
 
 namespace zarn::ingest {
 
+/// A value with its comment, understood as far as FITS goes.
 struct CardValue {
     enum class Kind {
         TEXT,     ///< in quotes

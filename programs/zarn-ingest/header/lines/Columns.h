@@ -19,6 +19,7 @@ std::string trimmed(const std::string& text);
 /// In upper case, which keywords are written in.
 std::string upper(std::string text);
 
+/// Whether a text is empty or all blanks.
 bool isBlank(const std::string& text);
 
 /// Blanks after the text, up to a width.

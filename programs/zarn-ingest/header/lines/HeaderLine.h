@@ -10,6 +10,7 @@
 
 namespace zarn::ingest {
 
+/// A line, taken to pieces. Which members mean something depends on the kind.
 struct HeaderLine {
     enum class Kind {
         BLANK,

@@ -11,6 +11,7 @@
 
 namespace zarn::ingest {
 
+/// A text cut into lines.
 struct Lines {
     std::vector<HeaderLine> lines;
     Tally carriages;  ///< lines that end in CR LF, or in CR

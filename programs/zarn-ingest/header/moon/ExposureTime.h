@@ -10,6 +10,7 @@
 
 namespace zarn::ingest {
 
+/// An instant, and where a header names it.
 struct ExposureTime {
     double mjd;           ///< universal time [d]
     std::string keyword;  ///< that held the time of day

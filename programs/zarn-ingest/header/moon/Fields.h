@@ -38,6 +38,7 @@ std::optional<Field> fieldOf(const HeaderText& text, const std::string& keyword)
 /// @throw std::invalid_argument  quoting a value and saying what is wrong with it
 [[noreturn]] void refuseValue(const std::string& value, const std::string& problem);
 
+/// Whether a value stands in quotes.
 bool isText(const std::string& value);
 
 /// What stands between the quotes, without trailing blanks.

@@ -31,6 +31,7 @@ constexpr int VALUE_WIDTH = 20;
 constexpr const char* TIME_SCALES[] = {"UTC", "UT", "UT1", "GMT", "TAI", "IAT", "TT",
                                        "TDT", "ET", "TDB", "TCG", "TCB", "GPS"};
 
+/// When an exposure was made, and the moon then.
 struct Moment {
     ExposureTime time;
     ZarnMoonVal moon;

@@ -12,6 +12,7 @@
 
 namespace zarn::ingest {
 
+/// What a header gets, and what there is to say of it.
 struct MoonCards {
     enum class State {
         NOT_ASKED,
