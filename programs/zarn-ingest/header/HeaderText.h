@@ -70,7 +70,7 @@ public:
     std::size_t fileSize() const;
 
 private:
-    void addHeader(const Section& section, std::size_t count);
+    void addHeader(Section section, std::size_t count);
 
     std::vector<Header> headers_;
     Repairs repairs_;
