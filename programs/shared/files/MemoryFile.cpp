@@ -1,26 +1,19 @@
 #include "shared/files/MemoryFile.h"
 
 #include <sys/mman.h>
-#include <unistd.h>
 
 #include "shared/files/SystemError.h"
 
 namespace zarn {
 
-namespace {
-
-void rewind(const Descriptor& file) { ::lseek(file.get(), 0, SEEK_SET); }
-
-}  // namespace
-
 MemoryFile::MemoryFile(const std::string& content) : file_(::memfd_create("text", MFD_CLOEXEC)) {
     if (file_.get() == -1) throwSystemError("no file in memory");
     writeAll(file_.get(), content);
-    rewind(file_);
+    rewind(file_.get());
 }
 
 std::string MemoryFile::content() const {
-    rewind(file_);
+    rewind(file_.get());
     std::string bytes;
     while (readChunk(file_.get(), bytes)) {
     }

@@ -114,10 +114,6 @@ void refuseRepairs(const Repairs& repairs) {
 
 }  // namespace
 
-HeaderText HeaderText::read(const std::string& fileName, const ReadingOptions& options) {
-    return {readHeaderFile(fileName), options};
-}
-
 HeaderText::HeaderText(const std::string& bytes, const ReadingOptions& options) {
     refuseOtherThanText(bytes);
     Lines lines = linesOf(bytes);
