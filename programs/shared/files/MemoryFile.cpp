@@ -1,6 +1,7 @@
 #include "shared/files/MemoryFile.h"
 
 #include <sys/mman.h>
+#include <unistd.h>
 
 #include "shared/files/SystemError.h"
 
@@ -10,6 +11,13 @@ MemoryFile::MemoryFile(const std::string& content) : file_(::memfd_create("text"
     if (file_.get() == -1) throwSystemError("no file in memory");
     writeAll(file_.get(), content);
     rewind(file_.get());
+}
+
+void MemoryFile::replace(const std::string& content) {
+    rewind(file_.get());
+    writeAll(file_.get(), content);
+    if (::ftruncate(file_.get(), static_cast<off_t>(content.size())) != 0)
+        throwSystemError("no file in memory");
 }
 
 std::string MemoryFile::content() const {

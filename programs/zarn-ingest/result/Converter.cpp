@@ -210,7 +210,7 @@ void Converter::checkReplaceable(const std::string& result) const {
 /// CFITSIO does not say why a file cannot be made, and forgets some failed writes, so that the
 /// result differs from its text: a trial of the same size tells what the machine is to blame for. A
 /// header is at fault when it fails twice.
-std::unique_ptr<WorkFile> Converter::writeOrExplain(const HeaderText& text) const {
+std::unique_ptr<WorkFile> Converter::writeOrExplain(const HeaderText& text) {
     for (bool again = false;; again = true) {
         try {
             return write(text);
@@ -224,10 +224,10 @@ std::unique_ptr<WorkFile> Converter::writeOrExplain(const HeaderText& text) cons
     }
 }
 
-std::unique_ptr<WorkFile> Converter::write(const HeaderText& text) const {
+std::unique_ptr<WorkFile> Converter::write(const HeaderText& text) {
     fits_clear_errmsg();
     auto file = std::make_unique<WorkFile>(*work_);
-    makeFitsFile(text, file->path(), options_.checksum);
+    makeFitsFile(text, memory_, file->path(), options_.checksum);
     file->open();
     try {
         verifyFitsFile(text, file->fd(), options_.checksum);

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "shared/files/FileVersion.h"
+#include "shared/files/MemoryFile.h"
 #include "zarn-ingest/header/HeaderText.h"
 #include "zarn-ingest/result/Input.h"
 #include "zarn-ingest/result/Outcome.h"
@@ -83,14 +84,15 @@ private:
     bool isFree(const std::string& result) const;
     bool isKept(const HeaderText& text, const std::string& result) const;
     void checkReplaceable(const std::string& result) const;
-    std::unique_ptr<WorkFile> writeOrExplain(const HeaderText& text) const;
-    std::unique_ptr<WorkFile> write(const HeaderText& text) const;
+    std::unique_ptr<WorkFile> writeOrExplain(const HeaderText& text);
+    std::unique_ptr<WorkFile> write(const HeaderText& text);
     void syncFiles(const std::vector<Conversion>& conversions) const;
     void place(const Conversion& conversion) const;
 
     const ConversionOptions options_;
     const OutputDirectory output_;
     std::unique_ptr<WorkDirectory> work_;                         ///< none in a dry run
+    MemoryFile memory_;                                           ///< for each text in its turn
     std::unordered_map<std::string, const std::string*> claims_;  ///< result, and the input for it
     std::set<FileId> sources_;  ///< files never to be replaced; known when overwriting only
 };

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "shared/files/MemoryFile.h"
+#include "shared/files/Reading.h"
 #include "zarn-ingest/header/Fits.h"
 #include "zarn-ingest/header/IngestError.h"
 #include "zarn-ingest/header/cards/StructuralKeywords.h"
@@ -97,8 +97,10 @@ private:
 
 /// @throw FitsFileError  when the file ends before the card does
 bool isCard(std::string_view found, std::string_view expected) {
+    static const std::string blanks(CARD_LENGTH, ' ');
     if (found.size() < CARD_LENGTH) throw FitsFileError("the result is cut short", END_OF_FILE);
-    return withoutTrailing(found) == expected;
+    return begins(found, expected) &&
+           found.substr(expected.size()) == std::string_view(blanks).substr(expected.size());
 }
 
 void compareHeader(CardReader& reader, const Header& header, bool checksum) {
@@ -140,12 +142,13 @@ void verifyChecksums(const std::string& path, int hdus) {
 
 }  // namespace
 
-void makeFitsFile(const HeaderText& text, const std::string& path, bool checksum) {
+void makeFitsFile(const HeaderText& text, MemoryFile& memory, const std::string& path,
+                  bool checksum) {
     const QuietLibrary quiet;
     const std::vector<Header>& headers = text.headers();
-    const MemoryFile primary(linesOf(headers.front()));
+    memory.replace(linesOf(headers.front()));
     FitsHandle file;
-    check(ZarnSysFits::hdr2fits(file.receive(), primary.path(), path), "cannot be converted");
+    check(ZarnSysFits::hdr2fits(file.receive(), memory.path(), path), "cannot be converted");
     checkHasText(file.get());
     if (checksum) addChecksum(file.get());
     for (std::size_t i = 1; i < headers.size(); ++i) {
@@ -156,7 +159,6 @@ void makeFitsFile(const HeaderText& text, const std::string& path, bool checksum
 }
 
 void verifyFitsFile(const HeaderText& text, int fd, bool checksum) {
-    rewind(fd);
     CardReader reader(fd);
     for (const Header& header : text.headers()) compareHeader(reader, header, checksum);
     if (!reader.next().empty()) throw IngestError("the result holds more than headers");

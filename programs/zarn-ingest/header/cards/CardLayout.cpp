@@ -107,7 +107,7 @@ std::vector<std::string> commentaryCards(const std::string& keyword, std::string
     return cards;
 }
 
-LogicalCard logicalCard(HeaderLine line, std::vector<std::string> cards) {
+LogicalCard logicalCard(HeaderLine&& line, std::vector<std::string> cards) {
     LogicalCard card;
     card.keyword = std::move(line.keyword);
     card.value = std::move(line.value);
@@ -210,7 +210,7 @@ private:
         if (cards.empty()) return takeOther(line);
         noteValue(joined, parts);
         if (line.isHierarch && !line.hasHierarch) repairs_[Repair::OTHER_KEYWORDS].add(line.number);
-        cards_.push_back(logicalCard(line, std::move(cards)));
+        cards_.push_back(logicalCard(std::move(line), std::move(cards)));
         cards_.back().isContinuedAnew = cards_.back().cards.size() > 1;
     }
 

@@ -39,9 +39,9 @@ public:
         }
         leaveData();
         begin_.insert(begin_.end(), titles.begin(), titles.end());
-        begin_.insert(begin_.end(), std::make_move_iterator(cards_.begin()),
-                      std::make_move_iterator(cards_.end()));
-        return std::move(begin_);
+        cards_.insert(cards_.begin(), std::make_move_iterator(begin_.begin()),
+                      std::make_move_iterator(begin_.end()));
+        return std::move(cards_);
     }
 
 private:

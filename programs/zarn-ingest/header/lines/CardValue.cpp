@@ -1,5 +1,6 @@
 #include "zarn-ingest/header/lines/CardValue.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "zarn-ingest/header/lines/Columns.h"
@@ -48,15 +49,17 @@ bool isComplex(std::string_view text) {
 
 /// The text from behind its opening quote, and where the field goes on.
 std::size_t readText(std::string_view field, std::size_t at, CardValue& value) {
-    for (; at < field.size(); ++at) {
-        if (field[at] == QUOTE) {
-            if (at + 1 >= field.size() || field[at + 1] != QUOTE) return at + 1;
-            ++at;
-        }
-        value.text += field[at];
+    for (;;) {
+        const std::size_t quote = std::min(field.find(QUOTE, at), field.size());
+        value.text += field.substr(at, quote - at);
+        if (quote == field.size()) break;
+        at = quote + 1;
+        if (at == field.size() || field[at] != QUOTE) return at;
+        value.text += QUOTE;  // doubled, it stands for itself
+        ++at;
     }
     value.isClosed = value.isLegal = false;
-    return at;
+    return field.size();
 }
 
 /// A comment, and whether a slash divides it from the value.
@@ -95,7 +98,8 @@ CardValue valueIn(std::string_view field) {
     if (slash != std::string_view::npos) value.comment = trimmed(field.substr(slash + 1));
     if (value.kind == CardValue::Kind::UNKNOWN) value.isLegal = false;
     // The standard writes exponents in upper case.
-    if (value.kind == CardValue::Kind::NUMBER && upper(value.text) != value.text) {
+    if (value.kind == CardValue::Kind::NUMBER &&
+        value.text.find_first_of("de") != std::string::npos) {
         value.text = upper(value.text);
         value.isLegal = false;
     }

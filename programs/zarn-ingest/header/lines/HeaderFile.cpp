@@ -25,11 +25,15 @@ constexpr std::size_t FITS_BLOCK = 2880;          // the unit of a FITS file's s
 constexpr std::size_t CONTROL_SHARE = 20;
 constexpr std::size_t UNPRINTABLE_SHARE = 3;
 
+bool isPlain(char c) { return (c >= ' ' && c <= '~') || c == '\n'; }
+
 bool isBinary(const std::string& bytes) {
+    // Nearly every text ends here.
+    if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return isPlain(c); })) return false;
     std::size_t control = 0;
     std::size_t unprintable = 0;
     for (const char c : bytes) {
-        if ((c >= ' ' && c <= '~') || std::isspace(static_cast<unsigned char>(c)) != 0) continue;
+        if (isPlain(c) || std::isspace(static_cast<unsigned char>(c)) != 0) continue;
         ++unprintable;
         if (std::iscntrl(static_cast<unsigned char>(c)) != 0) ++control;
     }

@@ -29,8 +29,9 @@ bool isOfKeywords(char c) {
 
 /// Words with one blank between them.
 std::string normalized(std::string_view words) {
+    if (words.find("  ") == std::string_view::npos) return std::string(words);
     std::string result;
-    for (const char c : trimmed(words)) {
+    for (const char c : words) {
         if (c != ' ' || result.back() != ' ') result += c;
     }
     return result;
@@ -49,10 +50,12 @@ bool isKeywordOfHierarch(const std::string& name, const CardValue& value) {
 void readValue(HeaderLine& line, std::size_t equals) {
     const std::string_view text = line.text;
     const std::string_view before = text.substr(0, equals);
-    line.hasHierarch = upper(before.substr(0, HIERARCH.size())) == HIERARCH;
-    const std::string name = normalized(line.hasHierarch ? before.substr(HIERARCH.size()) : before);
+    line.hasHierarch =
+        before.size() >= HIERARCH.size() && upper(before.substr(0, HIERARCH.size())) == HIERARCH;
+    const std::string name =
+        normalized(trimmed(line.hasHierarch ? before.substr(HIERARCH.size()) : before));
     line.value = valueIn(text.substr(equals + 1));
-    line.keyword = upper(name);
+    if (line.keyword != name) line.keyword = upper(name);
     line.isUpperCase = line.keyword == name;
     const bool isPlain =
         !line.hasHierarch && isLegalKeyword(name) && !isOneOf(line.keyword, RESERVED);
