@@ -98,6 +98,22 @@ TEST(AstronomyTest, EdgesOfTheSkyAreNumbers) {
     }
 }
 
+/// An arc cosine this small goes in steps: its argument is a multiple of 2^-53 away from 1. The
+/// formula for small angles has none.
+TEST(AstronomyTest, OnePlaceNearAPoleIsEnoughForTheArcCosine) {
+    constexpr double FAR = 89.9426;   // [deg], just beyond 0.001 rad from the pole
+    constexpr double NEAR = 89.9428;  // within
+    const auto stepsAway = [](double dec1, double dec2) {
+        const double theta = subtend(0.0, dec1, 0.01, dec2);
+        EXPECT_NEAR(theta, 4.4e-6, 1e-7);
+        const double steps = std::ldexp(theta * theta / 2.0, 53);
+        return std::fabs(steps - std::round(steps));
+    };
+    for (const auto& [dec1, dec2] : {std::pair(FAR, NEAR), std::pair(-NEAR, -FAR)})
+        EXPECT_LT(stepsAway(dec1, dec2), 1e-4) << dec1;
+    EXPECT_GT(stepsAway(FAR - 0.0002, FAR), 1e-3);
+}
+
 TEST(AstronomyTest, AtItsInstantTheNewMoonIsTheOldOne) {
     int lunation = 0;
     double jd = 0;
