@@ -147,6 +147,8 @@ testIncomingUnlistable() {
     failing 1 getdents64:error=EIO -P in -p p.ini
     says 'the directory in cannot be listed: Input/output error'
     has in/a.hdr
+    failing 1 openat:error=EIO -P in/a.hdr -p p.ini
+    says 'in/a.hdr: cannot be read: Input/output error'; has in/a.hdr
     mkdir -p batch/x batch/y; cp in/a.hdr batch/x
     failing 1 getdents64:error=EIO -P batch/y -j j -o two 'batch/*/*.hdr'
     says 'batch/y: the directory cannot be listed: Input/output error'; says '1 converted, 1 failed'
