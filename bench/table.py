@@ -151,7 +151,7 @@ def main():
     print("\n".join(facts()), end="\n\n")
     print_table(rows)
     write_csv(rows, f"{directory}/ratios.csv")
-    write_ratios([row for row in rows if row["peer"] != "size"], f"{directory}/ratios.dat")
+    write_ratios([row for row in rows if row["seconds"]], f"{directory}/ratios.dat")
     write_points(growth, measured, f"{directory}/growth.dat")
     draw(directory, "ratios", "growth")
 

@@ -3,12 +3,14 @@
 
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__GLIBC__) && \
     __GLIBC_PREREQ(2, 35)
-#define ZARNSYS_VECTOR_FUNCTIONS
+#define FOR_THE_PROCESSOR [[gnu::target_clones("avx512f", "avx2", "default")]]
 extern "C" {
 [[gnu::simd("notinbranch")]] double sin(double) noexcept;
 [[gnu::simd("notinbranch")]] double cos(double) noexcept;
 [[gnu::simd("notinbranch")]] double acos(double) noexcept;
 }
+#else
+#define FOR_THE_PROCESSOR
 #endif
 
 #include <algorithm>
@@ -34,8 +36,16 @@ constexpr int COSINES = 4 + 5;
         for (std::size_t i = 0; i < BLOCK; ++i) sums[i] += std::cos(angles[i] * term);
 }
 
-[[gnu::always_inline]] inline void fillSines(const std::vector<double>& instants,
-                                             std::vector<double>& results) {
+[[gnu::always_inline]] inline void fillRow(const Directions& targets, double x, double y, double z,
+                                           double* __restrict row) {
+    const std::size_t count = targets.x.size();
+    for (std::size_t i = 0; i < count; ++i)
+        row[i] = std::acos(targets.x[i] * x + targets.y[i] * y + targets.z[i] * z);
+}
+
+}  // namespace
+
+FOR_THE_PROCESSOR void sineGrid(const std::vector<double>& instants, std::vector<double>& results) {
     for (std::size_t begin = 0; begin < instants.size(); begin += BLOCK) {
         const std::size_t count = std::min(BLOCK, instants.size() - begin);
         Values angles = {};
@@ -46,77 +56,11 @@ constexpr int COSINES = 4 + 5;
     }
 }
 
-[[gnu::always_inline]] inline void fillRow(const Directions& targets, double x, double y, double z,
-                                           double* __restrict row) {
-    const std::size_t count = targets.x.size();
-    for (std::size_t i = 0; i < count; ++i)
-        row[i] = std::acos(targets.x[i] * x + targets.y[i] * y + targets.z[i] * z);
-}
-
-[[gnu::always_inline]] inline void fillArcs(const Directions& targets, const Directions& moons,
-                                            std::vector<double>& separations) {
+FOR_THE_PROCESSOR void arcGrid(const Directions& targets, const Directions& moons,
+                               std::vector<double>& separations) {
     for (std::size_t i = 0; i < moons.x.size(); ++i)
         fillRow(targets, moons.x[i], moons.y[i], moons.z[i],
                 separations.data() + i * targets.x.size());
-}
-
-using Sines = void(const std::vector<double>&, std::vector<double>&);
-using Arcs = void(const Directions&, const Directions&, std::vector<double>&);
-
-void sinesAnywhere(const std::vector<double>& instants, std::vector<double>& results) {
-    fillSines(instants, results);
-}
-void arcsAnywhere(const Directions& targets, const Directions& moons, std::vector<double>& arcs) {
-    fillArcs(targets, moons, arcs);
-}
-
-#ifdef ZARNSYS_VECTOR_FUNCTIONS
-[[gnu::target("avx2")]] void sinesAvx2(const std::vector<double>& instants,
-                                       std::vector<double>& results) {
-    fillSines(instants, results);
-}
-[[gnu::target("avx512f,avx512dq")]] void sinesAvx512(const std::vector<double>& instants,
-                                                     std::vector<double>& results) {
-    fillSines(instants, results);
-}
-[[gnu::target("avx2")]] void arcsAvx2(const Directions& targets, const Directions& moons,
-                                      std::vector<double>& arcs) {
-    fillArcs(targets, moons, arcs);
-}
-[[gnu::target("avx512f,avx512dq")]] void arcsAvx512(const Directions& targets,
-                                                    const Directions& moons,
-                                                    std::vector<double>& arcs) {
-    fillArcs(targets, moons, arcs);
-}
-#endif
-
-/// The fastest of the forms that this processor and its system can run.
-template <typename Form>
-Form* choose([[maybe_unused]] Form* avx512, [[maybe_unused]] Form* avx2, Form* anywhere) {
-#ifdef ZARNSYS_VECTOR_FUNCTIONS
-    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq")) return avx512;
-    if (__builtin_cpu_supports("avx2")) return avx2;
-#endif
-    return anywhere;
-}
-
-#ifndef ZARNSYS_VECTOR_FUNCTIONS
-constexpr Sines* sinesAvx2 = sinesAnywhere;
-constexpr Sines* sinesAvx512 = sinesAnywhere;
-constexpr Arcs* arcsAvx2 = arcsAnywhere;
-constexpr Arcs* arcsAvx512 = arcsAnywhere;
-#endif
-
-}  // namespace
-
-void sineGrid(const std::vector<double>& instants, std::vector<double>& results) {
-    static Sines* const chosen = choose<Sines>(sinesAvx512, sinesAvx2, sinesAnywhere);
-    chosen(instants, results);
-}
-
-void arcGrid(const Directions& targets, const Directions& moons, std::vector<double>& separations) {
-    static Arcs* const chosen = choose<Arcs>(arcsAvx512, arcsAvx2, arcsAnywhere);
-    chosen(targets, moons, separations);
 }
 
 }  // namespace bare

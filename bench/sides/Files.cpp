@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdio>
 #include <fstream>
+#include <iomanip>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -67,14 +68,11 @@ std::string writeHeader(const std::string& directory, int cards) {
     std::ofstream file(name);
     file << "SIMPLE  =                    T\nBITPIX  =                   16\n"
             "NAXIS   =                    0\n";
-    for (int card = 3; card < cards; ++card)
-        file << "KEY" << card
-             << std::string(card < 10     ? 4
-                            : card < 100  ? 3
-                            : card < 1000 ? 2
-                                          : 1,
-                            ' ')
-             << "=                " << card + 10000 << " / a value\n";
+    for (int card = 3; card < cards; ++card) {
+        const std::string key = "KEY" + std::to_string(card);
+        file << std::left << std::setw(8) << key << "=                " << card + 10000
+             << " / a value\n";
+    }
     file << "END\n";
     return name;
 }

@@ -148,6 +148,6 @@ void addMoon() {
     addSide("grid-1000x5000/anew", [input = makeInput(1000, 5000)] {
         return computeMoonGrid(input.targets, input.instants, observer()).phase.front();
     });
-    for (const std::size_t targets : {10, 100, 1000, 10000})
+    for (const std::size_t targets : {std::size_t{10}, std::size_t{100}, std::size_t{1000}})
         addGrid("growth-grid/" + std::to_string(targets * 100), makeInput(targets, 100));
 }
