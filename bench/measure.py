@@ -73,6 +73,14 @@ def time_program(command):
     return usage.ru_utime + usage.ru_stime, time.monotonic() - start
 
 
+def convert(command, out, files):
+    """The same for a program that makes as many files in a directory."""
+    seconds = time_program(command)
+    if len(os.listdir(out)) != files:
+        raise RuntimeError(f"not all files are there: {' '.join(command)}")
+    return seconds
+
+
 def empty(directory):
     shutil.rmtree(directory, ignore_errors=True)
     os.makedirs(directory)
@@ -107,7 +115,7 @@ def run_batches(programs, bare, memory, rounds):
         for _ in range(rounds):
             for side, command in random.sample(list(sides.items()), len(sides)):
                 empty(out)
-                measured[f"ingest-{lines}/{side}"].append(time_program(command)[0])
+                measured[f"ingest-{lines}/{side}"].append(convert(command, out, BATCH_FILES)[0])
 
 
 def run_growth(program, memory, rounds):
@@ -116,14 +124,16 @@ def run_growth(program, memory, rounds):
         names = write_headers(f"{memory}/growth", files, 19)
         for _ in range(rounds):
             empty(out)
-            used, _ = time_program([program, "-q", "-o", out, "-l", names])
+            used, _ = convert([program, "-q", "-o", out, "-l", names], out, files)
             measured[f"growth-files/{files}"].append(used)
 
 
 def durable_runs(program, directory):
     """Name and command of each way to convert durably, in the order in which they run. All begin
-    with an empty directory but the last, which finds what the one before it left."""
+    with an empty directory but "again", which finds what the one before it left."""
     out, names = f"{directory}/out", f"{directory}/list"
+    if program.endswith("bare-loop"):
+        return {"loop": [program, out, names, "sync"]}
     resume = [program, "-q", "--resume", "-o", out, "-l", names]
     return {
         "journal": [program, "-q", "--journal", f"{directory}/journal", "-o", out, "-l", names],
@@ -141,18 +151,16 @@ def prepare(directory):
     os.sync()
 
 
-def run_durable(programs, bare, disk, rounds):
+def run_durable(sides, disk, rounds):
     """Durable runs on the disk, by the clock."""
     directory = f"{disk}/durable"
-    loop = [bare, f"{directory}/out", f"{directory}/list", "sync"]
     for _ in range(rounds):
-        prepare(directory)
-        measured["durable-loop/bare"].append(time_program(loop)[1])
-        for side, program in random.sample(list(programs.items()), len(programs)):
+        for side, program in random.sample(list(sides.items()), len(sides)):
             for way, command in durable_runs(program, directory).items():
                 if way != "again":
                     prepare(directory)
-                measured[f"durable-{way}/{side}"].append(time_program(command)[1])
+                _, seconds = convert(command, f"{directory}/out", DURABLE_FILES)
+                measured[f"durable-{way}/{side}"].append(seconds)
 
 
 def count_syncs(command, log):
@@ -162,19 +170,17 @@ def count_syncs(command, log):
         return len(re.findall(r"(?:sync|sync_file_range)\(", file.read())) / DURABLE_FILES
 
 
-def run_syncs(program, bare, disk):
+def run_syncs(sides, disk):
     """Syncs a file, where the kernel lets strace count them."""
     directory, log = f"{disk}/durable", f"{disk}/strace"
     if not shutil.which("strace") or subprocess.run(["strace", "-o", log, "true"],
                                                     stderr=subprocess.DEVNULL).returncode != 0:
         return
-    prepare(directory)
-    loop = [bare, f"{directory}/out", f"{directory}/list", "sync"]
-    measured["syncs-loop/bare"].append(count_syncs(loop, log))
-    for way, command in durable_runs(program, directory).items():
-        if way != "again":
-            prepare(directory)
-        measured[f"syncs-{way}/ours"].append(count_syncs(command, log))
+    for side, program in sides.items():
+        for way, command in durable_runs(program, directory).items():
+            if way != "again":
+                prepare(directory)
+            measured[f"syncs-{way}/{side}"].append(count_syncs(command, log))
 
 
 def run_starts(program, bare, starts):
@@ -200,8 +206,8 @@ def main():
     run_sides(f"{build}/bench/side-by-side", memory, short)
     run_batches(programs, bare, memory, 3 if short else 7)
     run_growth(ours, memory, 3 if short else 5)
-    run_durable(programs, bare, disk, 3 if short else 7)
-    run_syncs(ours, bare, disk)
+    run_durable(dict(programs, bare=bare), disk, 3 if short else 9)
+    run_syncs(dict(programs, bare=bare), disk)
     run_starts(ours, f"{build}/bench/bare-start", 100 if short else 400)
     with open(arguments.result, "w") as file:
         json.dump(measured, file, indent=1)
