@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include "tests/support/TempDir.h"
 #include "zarn-ingest/result/Converter.h"
@@ -40,7 +41,10 @@ void convert(const std::string& text) {
     {
         Converter converter(options, output);
         // A text that seemed the machine's fault would be tried again for ever.
-        if (!converter.convert({dir / "x.hdr", ""}).isFinal()) std::abort();
+        std::vector<Conversion> conversions;
+        conversions.push_back(converter.begin({dir / "x.hdr", ""}));
+        converter.finish(conversions);
+        if (!conversions.front().outcome.isFinal()) std::abort();
     }
     for (const auto& entry : std::filesystem::directory_iterator(output.name())) {
         if (entry.path().filename() != "x.fits" || entry.file_size() > mostBytes(text))

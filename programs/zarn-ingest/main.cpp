@@ -3,6 +3,7 @@
 #include <ace/Log_Msg.h>
 #include <ace/Version.h>
 #include <fitsio.h>
+#include <malloc.h>
 
 #include <csignal>
 #include <cstdlib>
@@ -33,6 +34,14 @@ void displayVersion() {
 Reporter::Level levelOf(const Settings& settings) {
     if (settings.quiet) return Reporter::Level::QUIET;
     return settings.verbose ? Reporter::Level::VERBOSE : Reporter::Level::NORMAL;
+}
+
+/// Lets the memory of one file serve the next. Its return to the system and the pages handed out
+/// anew would take a fifth of the time of a file.
+void keepMemory() {
+    constexpr int ONE_FILE = 1 << 20;  // most files take less [bytes]
+    ::mallopt(M_MMAP_THRESHOLD, ONE_FILE);
+    ::mallopt(M_TRIM_THRESHOLD, 4 * ONE_FILE);
 }
 
 /// Converts what the settings ask for, and gives the exit status.
@@ -94,6 +103,7 @@ int runReporting(CommandLine& commandLine) {
 }
 
 int runProgram(int argc, char** argv) {
+    keepMemory();
     reserveStandardStreams();
     ignoreWriteSignals();
     setPriorityMask(ERROR_AND_ABOVE);

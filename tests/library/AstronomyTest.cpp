@@ -78,6 +78,8 @@ TEST(AstronomyTest, SiderealTimeStaysInItsCircle) {
         const double time = lst(jd, 3.7);
         EXPECT_TRUE(time >= 0.0 && time < 24.0) << jd;
     }
+    // A hair before 0, which rounds up to 24.
+    EXPECT_LT(lst(2460013.5345977396, 11.993643202839694), 24.0);
     // Below 24 in a wide register of 32-bit x86, 24 in memory.
     EXPECT_LT(lst(2443254.8319681152, 21.919124874738806), 24.0);
 }
@@ -94,6 +96,22 @@ TEST(AstronomyTest, EdgesOfTheSkyAreNumbers) {
         EXPECT_EQ(subtend(tenths / 75.0, lat, tenths / 75.0, lat), 0.0) << lat;
         EXPECT_NEAR(subtend(5.0, lat, 17.0, -lat), 3.14159265358979, LOST) << lat;
     }
+}
+
+/// An arc cosine this small goes in steps: its argument is a multiple of 2^-53 away from 1. The
+/// formula for small angles has none.
+TEST(AstronomyTest, OnePlaceNearAPoleIsEnoughForTheArcCosine) {
+    constexpr double FAR = 89.9426;   // [deg], just beyond 0.001 rad from the pole
+    constexpr double NEAR = 89.9428;  // within
+    const auto stepsAway = [](double dec1, double dec2) {
+        const double theta = subtend(0.0, dec1, 0.01, dec2);
+        EXPECT_NEAR(theta, 4.4e-6, 1e-7);
+        const double steps = std::ldexp(theta * theta / 2.0, 53);
+        return std::fabs(steps - std::round(steps));
+    };
+    for (const auto& [dec1, dec2] : {std::pair(FAR, NEAR), std::pair(-NEAR, -FAR)})
+        EXPECT_LT(stepsAway(dec1, dec2), 1e-4) << dec1;
+    EXPECT_GT(stepsAway(FAR - 0.0002, FAR), 1e-3);
 }
 
 TEST(AstronomyTest, AtItsInstantTheNewMoonIsTheOldOne) {

@@ -11,6 +11,7 @@
 #include "tests/support/Transcript.h"
 #include "zarn-ingest/header/HeaderText.h"
 #include "zarn-ingest/header/IngestError.h"
+#include "zarn-ingest/header/lines/HeaderFile.h"
 
 namespace zarn::ingest {
 
@@ -92,7 +93,9 @@ TEST(HeaderTextTest, OtherThanFilesAreRefused) {
           std::pair("larger", "0: is larger than 16 MiB, not a header text file\n"),
           std::pair("pipe", "0: is not a regular file\n"), std::pair(".", "0: is a directory\n"),
           std::pair("none", "0: cannot be read: No such file or directory\n")})
-        EXPECT_EQ(outcome([path = dir / name] { return HeaderText::read(path, {}); }), expected);
+        EXPECT_EQ(
+            outcome([path = dir / name] { return HeaderText(readHeaderFile(path).bytes, {}); }),
+            expected);
 }
 
 TEST(HeaderTextTest, AppendedCardsStandInThePrimaryHeaderAndOldChecksumsLeaveAll) {

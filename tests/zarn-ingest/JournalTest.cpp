@@ -32,6 +32,14 @@ Outcome outcomeOf(Outcome::Status status, const std::string& result, std::size_t
 const Outcome CONVERTED = outcomeOf(Outcome::Status::CONVERTED, "out/a.fits", 36, 5760);
 const Outcome FAILED = outcomeOf(Outcome::Status::FAILED, "out/b.fits", 0, 0);
 
+/// A conversion that ended so.
+std::vector<Conversion> one(const std::string& source, const Outcome& outcome) {
+    std::vector<Conversion> conversions;
+    conversions.emplace_back(Input{source, ""});
+    conversions.front().outcome = outcome;
+    return conversions;
+}
+
 class JournalTest : public ::testing::Test {
 protected:
     TempDir dir_;
@@ -67,8 +75,8 @@ TEST_F(JournalTest, ALineTellsOfAFile) {
     dir_.put("a", "");
     const std::time_t before = std::time(nullptr);
     Journal journal(dir_ / ".");
-    journal.add(dir_ / "a", CONVERTED);
-    journal.add("in/b\t\n\x1B\x7F\\ \xC3\xA9\xFF", FAILED);
+    journal.add(one(dir_ / "a", CONVERTED));
+    journal.add(one("in/b\t\n\x1B\x7F\\ \xC3\xA9\xFF", FAILED));
     const auto parts = matched(text(),
                                "([0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2})\\.([0-9]"
                                "{6})\t([0-9]+)\\.([0-9]{6})\t([^\t]*)\tout/a\\.fits\tconverted\t36"
@@ -93,11 +101,11 @@ TEST_F(JournalTest, ATornLastLineIsCutOff) {
         const Journal journal(dir_ / ".");
         EXPECT_EQ(dir_.get(OLD), kept);
     }
-    Journal(dir_ / ".").add("a", CONVERTED);
+    Journal(dir_ / ".").add(one("a", CONVERTED));
     const std::string first = text();
     Journal journal(dir_ / ".");
     dir_.put(*names().rbegin(), dir_.get(*names().rbegin()) + "torn");
-    journal.add("b", FAILED);
+    journal.add(one("b", FAILED));
     EXPECT_EQ(text().rfind(first + "2", 0), 0U) << text();
     EXPECT_EQ(text().find("torn"), std::string::npos) << text();
 }
@@ -130,7 +138,7 @@ TEST_F(JournalTest, AFileIsToldOfOnce) {
         dir_.put(dated, content);
         Journal journal(dir_ / ".");
         journal.recall({"none", a});
-        journal.add(a, CONVERTED);
+        journal.add(one(a, CONVERTED));
         const std::string after = text();
         EXPECT_EQ(std::count(after.begin(), after.end(), '\n'),
                   std::count(content.begin(), content.end(), '\n') + (again ? 20 : 19))
@@ -146,27 +154,27 @@ TEST_F(JournalTest, OldJournalsAreLeftAlone) {
              TIMES + (dir_ / "a") + "\tout/a.fits\tconverted\t36\t5760\t" + identity("a") + "\n");
     Journal journal(dir_ / ".");
     journal.recall({dir_ / "a"});
-    journal.add(dir_ / "a", CONVERTED);
+    journal.add(one(dir_ / "a", CONVERTED));
     EXPECT_NE(text(), "");
     Journal again(dir_ / ".");
     again.recall({"none", dir_ / "a"});  // of what is not there, all may tell
     const std::string before = text();
-    again.add(dir_ / "a", CONVERTED);
+    again.add(one(dir_ / "a", CONVERTED));
     EXPECT_EQ(text(), before);
 }
 
 TEST_F(JournalTest, ALineIsInTheFileThatHasTheName) {
     Journal journal(dir_ / ".");
-    journal.add("a", CONVERTED);
+    journal.add(one("a", CONVERTED));
     const std::string first = text();
     for (const std::string& name : names()) std::filesystem::rename(dir_ / name, dir_ / "aside");
-    journal.add("b", FAILED);
+    journal.add(one("b", FAILED));
     EXPECT_EQ(dir_.get("aside"), first);
     EXPECT_NE(text().find("\tb\t"), std::string::npos);
     std::filesystem::create_directory(dir_ / "gone");
     Journal lost(dir_ / "gone");
     std::filesystem::remove(dir_ / "gone");
-    EXPECT_THROW(lost.add("c", FAILED), std::runtime_error);
+    EXPECT_THROW(lost.add(one("c", FAILED)), std::runtime_error);
     EXPECT_FALSE(std::filesystem::exists(dir_ / "gone"));
 }
 

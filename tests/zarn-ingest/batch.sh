@@ -197,7 +197,7 @@ testArray() {
     # The task to be killed gets long headers, and time.
     sed -n '2~3p' list | while read -r name; do
         sed -i /^END/d "$name"
-        seq -f 'HISTORY step %.0f of the reduction' 5000 >>"$name"
+        seq -f 'HISTORY step %.0f of the reduction' 20000 >>"$name"
     done
     setTask 2 0
     "${task[@]}" &

@@ -255,7 +255,7 @@ testVerbose() {
 testProgress() {
     needsTracing || return
     header a; header b; header c
-    command=(strace -f -o trace -e trace=fsync -e inject=fsync:delay_enter=600000 "$program" -r -o out a b c)
+    command=(strace -f -o trace -e trace=/renameat -e inject=/renameat:delay_enter=1200000 "$program" -o out a b c)
     script -qec "${command[*]@Q}" terminal </dev/null >/dev/null
     sed -E '/^Script|^$/d; s/[0-9]+\/s, 0:[0-9]{2} left/N left/g; s/ in [0-9.]+ s//; s/ {38}/_/g' terminal |
         tr '\r' '|' >shown

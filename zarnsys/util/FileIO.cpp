@@ -227,8 +227,7 @@ FileIO& FileIO::write(const std::string& buf) { return write(buf.c_str()); }
 
 FileIO& FileIO::write(const char* buf) {
     const std::size_t length = std::strlen(buf);
-    logDebug()("Writing into file: %s. Buffer length: %s", completeName_.c_str(),
-               std::to_string(length).c_str());
+    logDebug()("Writing into file: %s. Buffer length: %zu", completeName_.c_str(), length);
     if (fd_ == NO_FILE) open(completeName_, read_, write_);
     const ssize_t written = ::write(fd_, buf, length);
     // A partial write sets no error number; an old one would name a wrong reason.

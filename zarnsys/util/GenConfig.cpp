@@ -3,7 +3,9 @@
 #include <ace/Get_Opt.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
+#include <climits>
 #include <cstddef>
 #include <cstring>
 #include <iostream>
@@ -73,6 +75,20 @@ std::string shortOptions(const OptionMap& options) {
     return listOfOptions;
 }
 
+/// The rows by the codes that the parser returns for them.
+using RowsByCode = std::array<OptionStruct*, UCHAR_MAX + 1>;
+
+unsigned char indexOf(int code) { return static_cast<unsigned char>(code); }
+
+RowsByCode rowsByCode(OptionMap& options) {
+    RowsByCode rows = {};
+    for (auto& [key, option] : options) {
+        OptionStruct*& row = rows[indexOf(option.shortName_)];
+        if (row == nullptr) row = &option;
+    }
+    return rows;
+}
+
 /// Makes every row a long option and gives rows without short name their codes.
 ///
 /// @return  false when the parser refused one or more
@@ -91,6 +107,7 @@ bool registerOptions(ACE_Get_Opt& parser, OptionMap& options) {
 ///
 /// @return  0, or -1 after any error
 int scanOptions(ACE_Get_Opt& parser, OptionMap& options, bool loggingAllowed) {
+    const RowsByCode rows = rowsByCode(options);
     int status = 0;
     for (int found = parser(); found != -1; found = parser()) {
         if (found == '?') {
@@ -98,17 +115,15 @@ int scanOptions(ACE_Get_Opt& parser, OptionMap& options, bool loggingAllowed) {
             status = -1;
             continue;
         }
-        const auto row = std::find_if(options.begin(), options.end(), [found](const auto& entry) {
-            return entry.second.shortName_ == found;
-        });
-        const bool takesArgument = found != ':' && row != options.end() && row->second.argRequired_;
+        OptionStruct* const row = rows[indexOf(found)];
+        const bool takesArgument = found != ':' && row != nullptr && row->argRequired_;
         const char* argument = takesArgument ? parser.opt_arg() : nullptr;
         const std::string value = argument == nullptr ? "" : argument;
         if (found == ':' || value.rfind('-', 0) == 0) {
             if (loggingAllowed) logError()("-%s requires an argument", parser.last_option());
             status = -1;
         }
-        if (status == 0 && row != options.end()) row->second.availValues_.push_back(value);
+        if (status == 0 && row != nullptr) row->availValues_.push_back(value);
     }
     return status;
 }

@@ -1,10 +1,10 @@
 #include "zarnsys/util/StringUtils.h"
 
 #include <algorithm>
-#include <array>
+#include <bitset>
 #include <cctype>
 #include <climits>
-#include <iterator>
+#include <functional>
 
 namespace {
 
@@ -13,21 +13,29 @@ const char rcsId[] = "@(#) $Id: StringUtils.cpp,v " ZARNSYS_VERSION " " ZARNSYS_
 // An optimiser drops a text that nothing reads; this pointer must stay, and the text with it.
 [[gnu::used]] const char* const use_rcsId = rcsId;
 
+/// Whether a string is an element of the vector.
+bool liesIn(const std::vector<std::string>& strings, const std::string& string) {
+    const std::less<const std::string*> before;
+    const std::string* const begin = strings.data();
+    return !before(&string, begin) && before(&string, begin + strings.size());
+}
+
 }  // namespace
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the published signature takes a value
 void ZarnSys::split(const std::string& in, std::string delim, std::vector<std::string>& out) {
-    std::array<bool, UCHAR_MAX + 1> divides = {};
+    std::bitset<UCHAR_MAX + 1> divides;
     for (const char c : delim) divides[static_cast<unsigned char>(c)] = true;
     const auto isDelimiter = [&divides](unsigned char c) { return divides[c]; };
-    std::vector<std::string> fields;  // apart from `out`, in which `in` may lie
-    auto begin = std::find_if_not(in.begin(), in.end(), isDelimiter);
-    while (begin != in.end()) {
-        const auto end = std::find_if(begin, in.end(), isDelimiter);
-        fields.emplace_back(begin, end);
-        begin = std::find_if_not(end, in.end(), isDelimiter);
+    const bool isElement = liesIn(out, in);
+    const std::string copy = isElement ? in : "";  // elements move as `out` grows
+    const std::string& text = isElement ? copy : in;
+    auto begin = std::find_if_not(text.begin(), text.end(), isDelimiter);
+    while (begin != text.end()) {
+        const auto end = std::find_if(begin, text.end(), isDelimiter);
+        out.emplace_back(begin, end);
+        begin = std::find_if_not(end, text.end(), isDelimiter);
     }
-    std::move(fields.begin(), fields.end(), std::back_inserter(out));
 }
 
 std::string ZarnSys::lower(const std::string& str) {

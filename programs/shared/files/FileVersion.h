@@ -26,6 +26,9 @@ struct FileVersion {
 /// anything else, and, with `errno` set, if the system does not say.
 std::optional<FileVersion> versionOf(const std::string& name);
 
+/// The version of what a descriptor has open; none for anything but a regular file.
+std::optional<FileVersion> versionOf(int fd);
+
 }  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_FILEVERSION_H

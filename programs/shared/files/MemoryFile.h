@@ -21,6 +21,11 @@ public:
     /// A path by which this process can open it while the object lives.
     std::string path() const { return descriptorPath(file_.get()); }
 
+    /// Gives it other content, for those who open it afterwards.
+    ///
+    /// @throw std::system_error  when memory has run out
+    void replace(const std::string& content);
+
     /// The whole content, whoever wrote it. Moves the position that all users of the descriptor
     /// share.
     std::string content() const;

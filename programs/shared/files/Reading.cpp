@@ -39,6 +39,8 @@ Descriptor openForReading(const std::string& fileName) {
     return openOrThrow(fileName, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
 }
 
+void rewind(int fd) { ::lseek(fd, 0, SEEK_SET); }
+
 bool readChunk(int fd, std::string& bytes) {
     std::array<char, CHUNK> chunk;
     const ssize_t count = ::read(fd, chunk.data(), chunk.size());

@@ -38,6 +38,9 @@ std::string descriptorPath(int fd);
 /// @throw std::system_error  when it cannot be opened
 Descriptor openForReading(const std::string& fileName);
 
+/// Goes back to a file's beginning, for all who share the descriptor's position.
+void rewind(int fd);
+
 /// Appends what one read call gives, perhaps nothing yet. False at the end of the file.
 ///
 /// @throw std::system_error  when reading fails

@@ -49,8 +49,8 @@ void refuseOtherText(const std::vector<HeaderLine>& lines) {
                           " lines are cards, so it is no header text");
 }
 
-std::vector<LogicalCard> titlesOf(const Section& section, Repairs& repairs) {
-    std::vector<LogicalCard> titles;
+LogicalCards titlesOf(const Section& section, Repairs& repairs) {
+    LogicalCards titles;
     for (const HeaderLine& line : section.titles) {
         repairs[Repair::TITLES].add(line.number);
         titles.push_back(commentOf(line.text, line.number));
@@ -59,24 +59,26 @@ std::vector<LogicalCard> titlesOf(const Section& section, Repairs& repairs) {
 }
 
 /// Says that texts go on in CONTINUE cards, where that is new.
-void announceLongTexts(std::vector<LogicalCard>& cards) {
+void announceLongTexts(LogicalCards& cards) {
     const bool continues = std::any_of(
         cards.begin(), cards.end(), [](const LogicalCard& card) { return card.isContinuedAnew; });
+    if (!continues) return;
     const bool announced = std::any_of(cards.begin(), cards.end(), [](const LogicalCard& card) {
         return card.keyword == "LONGSTRN";
     });
-    if (!continues || announced) return;
+    if (announced) return;
     LogicalCard card;
     card.keyword = "LONGSTRN";
     card.cards = {fixedCard(card.keyword, "'OGIP 1.0'", "long texts go on in CONTINUE cards")};
     cards.push_back(card);
 }
 
-Header headerOf(const std::vector<LogicalCard>& cards) {
+Header headerOf(LogicalCards cards) {
     Header header;
-    for (const LogicalCard& card : cards) {
-        for (const std::string& text : card.cards)
-            header.push_back({text, card.keyword, card.number});
+    header.reserve(cards.size());
+    for (LogicalCard& card : cards) {
+        for (std::string& text : card.cards)
+            header.push_back({std::move(text), card.keyword, card.number});
     }
     while (!header.empty() && header.back().text.empty()) header.pop_back();
     return header;
@@ -112,27 +114,23 @@ void refuseRepairs(const Repairs& repairs) {
 
 }  // namespace
 
-HeaderText HeaderText::read(const std::string& fileName, const ReadingOptions& options) {
-    return {readHeaderFile(fileName), options};
-}
-
 HeaderText::HeaderText(const std::string& bytes, const ReadingOptions& options) {
     refuseOtherThanText(bytes);
     Lines lines = linesOf(bytes);
     refuseOtherText(lines.lines);
     notes_.carriages = lines.carriages;
-    std::vector<Section> sections = sectionsOf(lines.lines, repairs_);
+    std::vector<Section> sections = sectionsOf(std::move(lines.lines), repairs_);
     if (options.primaryOnly && sections.size() > 1) {
         notes_.left.add(sections[1].lines.front().number, sections.size() - 1);
         sections.resize(1);
     }
     // A file begins with a primary header, if only an empty one.
     if (isExtension(sections.front())) sections.emplace(sections.begin());
-    for (std::size_t i = 0; i < sections.size(); ++i) addHeader(sections[i], sections.size());
+    for (Section& section : sections) addHeader(std::move(section), sections.size());
     if (options.strict) refuseRepairs(repairs_);
 }
 
-void HeaderText::addHeader(const Section& section, std::size_t count) {
+void HeaderText::addHeader(Section section, std::size_t count) {
     const bool isPrimary = headers_.empty();
     const HduPosition position = !isPrimary  ? HduPosition::LATER
                                  : count > 1 ? HduPosition::FIRST
@@ -141,10 +139,10 @@ void HeaderText::addHeader(const Section& section, std::size_t count) {
     cardCount_ += section.lines.size();
     addRepairs(section.titles, repairs_);
     addRepairs(section.lines, repairs_);
-    std::vector<LogicalCard> cards = structured(cardsOf(section.lines, repairs_, notes_.upperCased),
-                                                titlesOf(section, repairs_), position, repairs_);
+    LogicalCards cards = structured(cardsOf(std::move(section.lines), repairs_, notes_.upperCased),
+                                    titlesOf(section, repairs_), position, repairs_);
     announceLongTexts(cards);
-    headers_.push_back(headerOf(cards));
+    headers_.push_back(headerOf(std::move(cards)));
     for (const Card& card : headers_.back()) {
         if (isChecksum(card.keyword)) notes_.oldChecksums.add(card.number);
     }
@@ -152,7 +150,7 @@ void HeaderText::addHeader(const Section& section, std::size_t count) {
 
 void HeaderText::append(const std::vector<std::string>& lines) {
     for (const std::string& line : lines)
-        headers_.front().push_back({line, trimmed(line.substr(0, KEYWORD_LENGTH)), 0});
+        headers_.front().push_back({line, std::string(trimmed(line.substr(0, KEYWORD_LENGTH))), 0});
 }
 
 void HeaderText::dropChecksums() {

@@ -43,14 +43,10 @@ using Header = std::vector<Card>;
 /// The headers of a text, ready to be written. Holds all of it by value.
 class HeaderText {
 public:
-    /// Reads and examines a file.
+    /// Examines the bytes of a file.
     ///
-    /// @throw IngestError  when there is no such file, it is no header text, or strictness forbids
-    ///                     the repairs that it needs
-    /// @throw InputWaits   when the file is there and cannot be read
-    static HeaderText read(const std::string& fileName, const ReadingOptions& options);
-
-    /// Examines text already read; throws as `read` does.
+    /// @throw IngestError  when they are no header text, or strictness forbids the repairs that it
+    ///                     needs
     HeaderText(const std::string& bytes, const ReadingOptions& options);
 
     const std::vector<Header>& headers() const { return headers_; }  ///< one at least
@@ -70,7 +66,7 @@ public:
     std::size_t fileSize() const;
 
 private:
-    void addHeader(const Section& section, std::size_t count);
+    void addHeader(Section section, std::size_t count);
 
     std::vector<Header> headers_;
     Repairs repairs_;

@@ -32,24 +32,25 @@ void mendLastLine(const std::string& fileName) {
     if (whole < text.size()) std::filesystem::resize_file(fileName, whole);
 }
 
-void LineFile::add(const std::string& line) {
+void LineFile::add(const std::string& lines) {
+    if (lines.empty()) return;
     try {
         do {
             if (!isOpen()) open();
-        } while (!put(line));
+        } while (!put(lines));
     } catch (...) {
-        file_ = Descriptor(-1);  // the next line opens the file again and mends it
+        file_ = Descriptor(-1);  // the next lines open the file again and mend it
         throw;
     }
 }
 
-/// Writes a line, safe on disk, or takes it back: it will be written again. False when the file was
-/// removed meanwhile, and the line with it.
-bool LineFile::put(const std::string& line) {
+/// Writes lines, safe on disk, or takes them back: they will be written again. False when the file
+/// was removed meanwhile, and the lines with it.
+bool LineFile::put(const std::string& lines) {
     struct stat before = {};
     if (::fstat(file_.get(), &before) != 0) failWith(name_);
     try {
-        writeAll(file_.get(), line);
+        writeAll(file_.get(), lines);
         if (::fsync(file_.get()) != 0) failWith("not safe on disk");
         return isOpen();
     } catch (const std::system_error&) {

@@ -13,21 +13,21 @@ namespace zarn::ingest {
 /// @throw std::exception  when the file cannot be read or cut
 void mendLastLine(const std::string& fileName);
 
-/// Appends whole lines, each safe on disk before `add` returns. Not for several threads or
-/// processes at once: the owner keeps a lock.
+/// Appends whole lines, safe on disk before `add` returns. Not for several threads or processes at
+/// once: the owner keeps a lock.
 class LineFile {
 public:
     explicit LineFile(std::string fileName) : name_(std::move(fileName)) {}
 
-    /// Appends a line to the file that has the name now: one that was removed is made anew, and a
+    /// Appends lines to the file that has the name now: one that was removed is made anew, and a
     /// torn last line is cut off first.
     ///
-    /// @param line  with its newline
-    /// @throw std::exception  when the line cannot be written; no part of it stays then
-    void add(const std::string& line);
+    /// @param lines  each with its newline; empty: does nothing
+    /// @throw std::exception  when they cannot be written; no part of them stays then
+    void add(const std::string& lines);
 
 private:
-    bool put(const std::string& line);
+    bool put(const std::string& lines);
     bool isOpen() const;
     void open();
 

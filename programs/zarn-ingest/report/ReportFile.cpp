@@ -90,8 +90,10 @@ ReportFile::ReportFile(const std::string& fileName)
         throw std::runtime_error("another zarn-ingest writes the report " + fileName);
 }
 
-void ReportFile::add(const std::string& source, const Outcome& outcome) {
-    file_.add(lineOf(source, outcome));
+void ReportFile::add(const std::vector<Conversion>& conversions) {
+    std::string lines;
+    for (const Conversion& one : conversions) lines += lineOf(one.input.name, one.outcome);
+    file_.add(lines);
 }
 
 }  // namespace zarn::ingest

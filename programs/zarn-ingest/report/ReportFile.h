@@ -9,9 +9,10 @@
 #define ZARN_INGEST_REPORTFILE_H
 
 #include <string>
+#include <vector>
 
 #include "zarn-ingest/report/LineFile.h"
-#include "zarn-ingest/result/Outcome.h"
+#include "zarn-ingest/result/Converter.h"
 
 namespace zarn::ingest {
 
@@ -25,10 +26,10 @@ public:
 
     const std::string& name() const { return name_; }
 
-    /// Adds an input, safe on disk.
+    /// Adds inputs, safe on disk.
     ///
-    /// @throw std::exception  when the line cannot be written; no part of it stays then
-    void add(const std::string& source, const Outcome& outcome);
+    /// @throw std::exception  when the lines cannot be written; no part of them stays then
+    void add(const std::vector<Conversion>& conversions);
 
 private:
     std::string name_;

@@ -54,15 +54,19 @@ void Reporter::begin(std::size_t total) {
     start_ = Clock::now();
 }
 
-void Reporter::done(const std::string& file, const Outcome& outcome) {
+void Reporter::done(const std::vector<Conversion>& conversions) {
+    for (const Conversion& one : conversions) tell(one.input.name, one.outcome);
+    addToReport(conversions);
+    showProgress();
+}
+
+void Reporter::tell(const std::string& file, const Outcome& outcome) {
     if (outcome.converted()) {
         converted(file, outcome);
     } else {
         ++failed_;
         message(Kind::ERROR, problemText(file, outcome.line, outcome.problem));
     }
-    addToReport(file, outcome);
-    showProgress();
 }
 
 void Reporter::converted(const std::string& file, const Outcome& outcome) {
@@ -82,10 +86,10 @@ void Reporter::converted(const std::string& file, const Outcome& outcome) {
 }
 
 /// A report that cannot be written is told of once, and the run has not done all it was asked to.
-void Reporter::addToReport(const std::string& file, const Outcome& outcome) {
+void Reporter::addToReport(const std::vector<Conversion>& conversions) {
     if (report_ == nullptr) return;
     try {
-        report_->add(file, outcome);
+        report_->add(conversions);
     } catch (const std::exception& reason) {
         if (!reportFailed_) error("the report " + report_->name() + ": " + reasonOf(reason));
         reportFailed_ = true;

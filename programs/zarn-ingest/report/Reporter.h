@@ -7,9 +7,10 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "zarn-ingest/report/ReportFile.h"
-#include "zarn-ingest/result/Outcome.h"
+#include "zarn-ingest/result/Converter.h"
 
 namespace zarn::ingest {
 
@@ -35,8 +36,8 @@ public:
     /// @throw std::exception  when the report cannot be opened
     void useReport(const std::string& fileName);
 
-    /// One more file is done with, well or badly.
-    void done(const std::string& file, const Outcome& outcome);
+    /// More files are done with, well or badly.
+    void done(const std::vector<Conversion>& conversions);
 
     /// Messages about the run as a whole.
     void error(const std::string& text);
@@ -53,8 +54,9 @@ private:
 
     enum class Kind { ERROR, INFO };
 
+    void tell(const std::string& file, const Outcome& outcome);
     void converted(const std::string& file, const Outcome& outcome);
-    void addToReport(const std::string& file, const Outcome& outcome);
+    void addToReport(const std::vector<Conversion>& conversions);
     void message(Kind kind, const std::string& text);
     std::string markedText() const;
     void showProgress();

@@ -5,6 +5,7 @@
 #include <unistd.h>
 #include <zarnsys/util/FileIO.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <iostream>
@@ -12,10 +13,11 @@
 
 #include "shared/cli/Printable.h"
 #include "shared/cli/Reason.h"
-#include "shared/files/FileVersion.h"
 #include "shared/files/Reading.h"
+#include "shared/files/SystemError.h"
 #include "zarn-ingest/header/Fits.h"
 #include "zarn-ingest/header/IngestError.h"
+#include "zarn-ingest/header/lines/HeaderFile.h"
 #include "zarn-ingest/result/FitsResult.h"
 
 namespace zarn::ingest {
@@ -25,15 +27,50 @@ namespace {
 /// Whether an error tells that a name leads to nothing that can be opened.
 bool isNoFile(int error) { return error == ENOENT || error == ELOOP || error == ENXIO; }
 
-bool canRead(int fd) {
-    char byte = 0;
-    return ::pread(fd, &byte, sizeof byte, 0) != -1;
+/// For an input whose result is there and cannot be compared with it.
+InputWaits cannotRead(const std::string& result, const std::string& reason) {
+    return InputWaits("the result " + result + " cannot be read: " + reason);
 }
 
-/// Gives up an input whose result is there and cannot be worked with, for the reason in `errno`.
-[[noreturn]] void failExisting(const std::string& result, const std::string& action) {
-    throw InputWaits("the result " + result + " cannot be " + action + ": " +
-                     std::generic_category().message(errno));
+/// Runs a step of a conversion; the outcome says that it succeeded, or why it did not.
+template <typename Step>
+void judge(Outcome& outcome, Step step) {
+    using Status = Outcome::Status;
+    const auto fails = [&outcome](Status status, const std::string& problem) {
+        outcome.status = status;
+        outcome.problem = problem;
+    };
+    try {
+        step();
+        outcome.status = Status::CONVERTED;
+    } catch (const IngestError& error) {
+        fails(Status::FAILED, error.what());
+        outcome.line = error.line();
+        outcome.fitsStatus = error.status();
+    } catch (const InputWaits& error) {
+        fails(Status::WAITS, error.what());
+    } catch (const std::exception& error) {
+        fails(Status::STOPPED, reasonOf(error));
+    }
+}
+
+/// Whether a conversion has come so far that its result can be lost.
+bool hasResult(const Conversion& one) {
+    return one.outcome.converted() && (one.isPending() || one.isKept);
+}
+
+/// Runs a step that all results of a group have in common, if there are any.
+template <typename Step>
+void judgeAll(std::vector<Conversion>& conversions, Step step) {
+    if (std::none_of(conversions.begin(), conversions.end(), hasResult)) return;
+    Outcome common;
+    judge(common, step);
+    if (common.converted()) return;
+    for (Conversion& one : conversions) {
+        if (!hasResult(one)) continue;
+        one.outcome.status = common.status;
+        one.outcome.problem = common.problem;
+    }
 }
 
 }  // namespace
@@ -44,18 +81,6 @@ std::string resultName(const std::string& input) {
     const bool hasStem = dot != std::string::npos && dot > 0;
     return (hasStem ? baseName.substr(0, dot) : baseName) + ".fits";
 }
-
-/// An input's text, and the version of the file that it was read from.
-struct Converter::Source {
-    Source(const std::string& fileName, const ReadingOptions& options)
-        : name(fileName), version(versionOf(fileName)), text(HeaderText::read(fileName, options)) {}
-
-    bool isUnchanged() const { return versionOf(name) == version; }
-
-    std::string name;
-    std::optional<FileVersion> version;
-    HeaderText text;
-};
 
 Converter::Converter(const ConversionOptions& options, const OutputDirectory& output)
     : options_(options),
@@ -71,38 +96,40 @@ void Converter::beginBatch(const std::vector<Input>& inputs,
     for (const std::string& source : sources) protect(source);
 }
 
-Outcome Converter::convert(const Input& input) {
-    using Status = Outcome::Status;
-    Outcome outcome;
-    const auto fails = [&outcome](Status status, const std::string& problem) {
-        outcome.status = status;
-        outcome.problem = problem;
-    };
-    try {
-        convertOrThrow(input, outcome);
-        outcome.status = Status::CONVERTED;
-    } catch (const IngestError& error) {
-        fails(Status::FAILED, error.what());
-        outcome.line = error.line();
-        outcome.fitsStatus = error.status();
-    } catch (const InputWaits& error) {
-        fails(Status::WAITS, error.what());
-    } catch (const std::exception& error) {
-        fails(Status::STOPPED, reasonOf(error));
+Conversion Converter::begin(const Input& input) {
+    Conversion conversion(input);
+    judge(conversion.outcome, [&] { beginOrThrow(input, conversion); });
+    // Another try may follow, which must not meet the claim of this one.
+    if (conversion.outcome.status == Outcome::Status::STOPPED) claims_.erase(conversion.name);
+    return conversion;
+}
+
+void Converter::finish(std::vector<Conversion>& conversions) {
+    const bool durable = options_.durable && !options_.dryRun;
+    if (durable) judgeAll(conversions, [&] { syncFiles(conversions); });
+    for (Conversion& one : conversions) {
+        if (one.isPending() && one.outcome.converted())
+            judge(one.outcome, [this, &one] { place(one); });
     }
-    return outcome;
+    if (durable) judgeAll(conversions, [this] { work_->output().sync(); });
+    for (Conversion& one : conversions) {
+        one.file.reset();
+        one.isKept = false;
+    }
 }
 
 void Converter::leave(const Input& input) { claims_.emplace(resultName(input.name), &input.name); }
 
-void Converter::convertOrThrow(const Input& input, Outcome& outcome) {
+void Converter::beginOrThrow(const Input& input, Conversion& conversion) {
+    Outcome& outcome = conversion.outcome;
     if (input.waits) throw InputWaits(input.problem);
     if (!input.problem.empty()) throw IngestError(input.problem);
-    const std::string name = resultName(input.name);
-    outcome.result = output_.path(name);
-    claim(input, name);
-    Source source(input.name, options_.reading);
-    HeaderText& text = source.text;
+    conversion.name = resultName(input.name);
+    outcome.result = output_.path(conversion.name);
+    claim(input, conversion.name);
+    const HeaderFile source = readHeaderFile(input.name);
+    conversion.version = source.version;
+    HeaderText text(source.bytes, options_.reading);
     outcome.cards = text.cardCount();
     outcome.hdus = text.headers().size();
     outcome.repairs = text.repairs();
@@ -111,15 +138,20 @@ void Converter::convertOrThrow(const Input& input, Outcome& outcome) {
     if (options_.moon) outcome.moon = moonCards(text, *options_.moon);
     text.append(outcome.moon.lines);
     const bool isThere = !isFree(outcome.result);
-    const bool isDone = isThere && options_.resume && isKept(text, outcome.result);
-    if (isThere && !isDone) checkReplaceable(outcome.result);
+    conversion.isKept = isThere && options_.resume && isKept(text, outcome.result);
+    if (isThere && !conversion.isKept) checkReplaceable(outcome.result);
     if (options_.dryRun) {
-        std::cout << (isDone ? "would keep what " : "would convert ") + printable(input.name) +
-                         (isDone ? " gave: " : " to ") + printable(outcome.result) + "\n";
+        std::cout << (conversion.isKept ? "would keep what " : "would convert ") +
+                         printable(input.name) + (conversion.isKept ? " gave: " : " to ") +
+                         printable(outcome.result) + "\n";
         return;
     }
-    if (!isDone) writeOrExplain(source, name);
-    outcome.size = std::filesystem::file_size(outcome.result);
+    if (conversion.isKept) {
+        outcome.size = std::filesystem::file_size(outcome.result);
+    } else {
+        conversion.file = writeOrExplain(text);
+        outcome.size = conversion.file->size();
+    }
 }
 
 void Converter::protect(const std::string& source) {
@@ -143,28 +175,25 @@ bool Converter::isFree(const std::string& result) const {
     throw WorkStops("output directory " + output_.name() + ": " + reason);
 }
 
-/// Whether an earlier run made this result of the same text; then it is safe on disk if that is
-/// asked for: the run may have ended before.
+/// Whether an earlier run made this result of the same text.
 bool Converter::isKept(const HeaderText& text, const std::string& result) const {
     const Descriptor existing(::open(result.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status = {};
     if (existing.get() == -1 && isNoFile(errno)) return false;
-    if (existing.get() == -1 || ::fstat(existing.get(), &status) != 0) failExisting(result, "read");
+    if (existing.get() == -1 || ::fstat(existing.get(), &status) != 0)
+        throw cannotRead(result, systemReason(errno));
     if (!S_ISREG(status.st_mode)) return false;
-    if (!canRead(existing.get())) failExisting(result, "read");
     try {
-        verifyFitsFile(text, descriptorPath(existing.get()), options_.checksum);
+        verifyFitsFile(text, existing.get(), options_.checksum);
+        return true;
+    } catch (const IngestError&) {
+        return false;
     } catch (const FitsFileError& error) {
-        const bool isTooShort = error.status() == READ_ERROR || error.status() == END_OF_FILE;
-        if (!isTooShort) throw InputWaits(error.what());
+        if (error.status() != END_OF_FILE) throw InputWaits(error.what());
         return false;
-    } catch (const std::runtime_error&) {
-        return false;
+    } catch (const std::exception& error) {
+        throw cannotRead(result, reasonOf(error));
     }
-    if (!options_.durable || options_.dryRun) return true;
-    if (::fsync(existing.get()) != 0) failExisting(result, "made safe on disk");
-    work_->output().sync();
-    return true;
 }
 
 void Converter::checkReplaceable(const std::string& result) const {
@@ -181,33 +210,46 @@ void Converter::checkReplaceable(const std::string& result) const {
 /// CFITSIO does not say why a file cannot be made, and forgets some failed writes, so that the
 /// result differs from its text: a trial of the same size tells what the machine is to blame for. A
 /// header is at fault when it fails twice.
-void Converter::writeOrExplain(const Source& source, const std::string& name) const {
-    const std::size_t size = source.text.fileSize();
+std::unique_ptr<WorkFile> Converter::writeOrExplain(const HeaderText& text) {
     for (bool again = false;; again = true) {
         try {
-            return write(source, name);
+            return write(text);
         } catch (const FitsFileError& error) {
-            work_->checkRoom(size);
+            work_->checkRoom(text.fileSize());
             throw InputWaits(error.what());
         } catch (const IngestError&) {
             if (again) throw;
-            work_->checkRoom(size);
+            work_->checkRoom(text.fileSize());
         }
     }
 }
 
-void Converter::write(const Source& source, const std::string& name) const {
+std::unique_ptr<WorkFile> Converter::write(const HeaderText& text) {
     fits_clear_errmsg();
-    WorkFile target(*work_);
-    makeFitsFile(source.text, target.path(), options_.checksum);
-    target.open();
-    verifyFitsFile(source.text, target.openedPath(), options_.checksum);
-    // Opening it gives the result the archive's permission bits.
-    FileIO(target.openedPath(), true, false).open(target.openedPath(), true, false);
-    if (options_.durable) target.sync();
-    if (!source.isUnchanged()) throw InputWaits("changed while it was converted; try again");
-    target.putInPlace(name, options_.force);
-    if (options_.durable) work_->output().sync();
+    auto file = std::make_unique<WorkFile>(*work_);
+    makeFitsFile(text, memory_, file->path(), options_.checksum);
+    file->open();
+    try {
+        verifyFitsFile(text, file->fd(), options_.checksum);
+    } catch (const std::system_error& error) {
+        throw WorkStops("no result can be read again in " + output_.name() + ": " +
+                        error.code().message());
+    }
+    return file;
+}
+
+/// Makes sure of what the files hold. One alone need not wait for other programs' files.
+void Converter::syncFiles(const std::vector<Conversion>& conversions) const {
+    const auto count = std::count_if(conversions.begin(), conversions.end(), hasResult);
+    const auto first = std::find_if(conversions.begin(), conversions.end(), hasResult);
+    if (count == 1 && first->isPending()) return first->file->sync();
+    work_->sync();
+}
+
+void Converter::place(const Conversion& conversion) const {
+    if (!(versionOf(conversion.input.name) == conversion.version))
+        throw InputWaits("changed while it was converted; try again");
+    conversion.file->putInPlace(conversion.name, options_.force);
 }
 
 }  // namespace zarn::ingest

@@ -2,8 +2,6 @@
 #ifndef ZARN_INGEST_CONVERTER_H
 #define ZARN_INGEST_CONVERTER_H
 
-#include <sys/types.h>
-
 #include <memory>
 #include <optional>
 #include <set>
@@ -12,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "shared/files/FileVersion.h"
+#include "shared/files/MemoryFile.h"
 #include "zarn-ingest/header/HeaderText.h"
 #include "zarn-ingest/result/Input.h"
 #include "zarn-ingest/result/Outcome.h"
@@ -24,7 +24,7 @@ struct ConversionOptions {
     bool force = false;     ///< replace results that exist
     bool dryRun = false;    ///< examine only
     bool checksum = false;  ///< add DATASUM and CHECKSUM
-    bool durable = false;   ///< results are safe on disk before `convert` returns
+    bool durable = false;   ///< results are safe on disk before `finish` returns
     bool resume = false;    ///< one that exists already from the same text, as after a crash,
                             ///< counts as converted
     ReadingOptions reading;
@@ -35,7 +35,22 @@ struct ConversionOptions {
 /// character, and ".fits".
 std::string resultName(const std::string& input);
 
-/// Converts inputs one after the other; keeps its output and working directories open meanwhile.
+/// An input, and how far its conversion has come. Does not outlive the converter.
+struct Conversion {
+    explicit Conversion(Input converted) : input(std::move(converted)) {}
+
+    Input input;
+    Outcome outcome;
+    bool isKept = false;  ///< an earlier run made the result; perhaps it is not safe on disk yet
+
+    std::unique_ptr<WorkFile> file;  ///< the result without its name; none: there is none to name
+    std::string name;                ///< that it will have
+    std::optional<FileVersion> version;  ///< of the source that was read
+
+    bool isPending() const { return file != nullptr; }
+};
+
+/// Converts inputs; keeps its output and working directories open meanwhile.
 class Converter {
 public:
     /// @throw std::exception  with the reason when results cannot be written there
@@ -45,33 +60,39 @@ public:
     /// its inputs or other `sources`.
     void beginBatch(const std::vector<Input>& inputs, const std::vector<std::string>& sources);
 
-    /// Converts one input, or in a dry run says on standard output that it would.
+    /// Makes and verifies the result of one input, which gets its name by `finish`; or in a dry run
+    /// says on standard output that it would. The outcome says why there is none to name.
     ///
     /// The result's file is held open from its verification to its name in place, and the output
     /// directory from the beginning: what was verified is what is renamed, and where. After
     /// `STOPPED` a new object begins with what the names lead to by then.
-    Outcome convert(const Input& input);
+    Conversion begin(const Input& input);
+
+    /// Gives the results of several inputs their names, in their order, and makes them safe on disk
+    /// together if that is asked for: first what the files hold, then their names. Afterwards each
+    /// outcome says what became of its input.
+    void finish(std::vector<Conversion>& conversions);
 
     /// Notes that another run converts this input of the batch: its result is not to be given to a
     /// later one.
     void leave(const Input& input);
 
 private:
-    using FileId = std::pair<dev_t, ino_t>;
-    struct Source;
-
-    void convertOrThrow(const Input& input, Outcome& outcome);
+    void beginOrThrow(const Input& input, Conversion& conversion);
     void protect(const std::string& source);
     void claim(const Input& input, const std::string& name);
     bool isFree(const std::string& result) const;
     bool isKept(const HeaderText& text, const std::string& result) const;
     void checkReplaceable(const std::string& result) const;
-    void writeOrExplain(const Source& source, const std::string& name) const;
-    void write(const Source& source, const std::string& name) const;
+    std::unique_ptr<WorkFile> writeOrExplain(const HeaderText& text);
+    std::unique_ptr<WorkFile> write(const HeaderText& text);
+    void syncFiles(const std::vector<Conversion>& conversions) const;
+    void place(const Conversion& conversion) const;
 
     const ConversionOptions options_;
     const OutputDirectory output_;
     std::unique_ptr<WorkDirectory> work_;                         ///< none in a dry run
+    MemoryFile memory_;                                           ///< for each text in its turn
     std::unordered_map<std::string, const std::string*> claims_;  ///< result, and the input for it
     std::set<FileId> sources_;  ///< files never to be replaced; known when overwriting only
 };

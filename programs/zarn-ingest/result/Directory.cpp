@@ -1,7 +1,6 @@
 #include "zarn-ingest/result/Directory.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -22,7 +21,9 @@ namespace {
 
 Directory::Directory(std::string name)
     : name_(std::move(name)), fd_(::open(name_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    if (fd_.get() == -1) stopWork("directory " + name_);
+    struct stat status = {};
+    if (fd_.get() == -1 || ::fstat(fd_.get(), &status) != 0) stopWork("directory " + name_);
+    id_ = idIn(status);
 }
 
 std::string Directory::ownPath(const std::string& entry) const {
@@ -30,10 +31,8 @@ std::string Directory::ownPath(const std::string& entry) const {
 }
 
 bool Directory::isCurrent() const {
-    struct stat held = {};
     struct stat named = {};
-    return ::fstat(fd_.get(), &held) == 0 && ::stat(name_.c_str(), &named) == 0 &&
-           held.st_dev == named.st_dev && held.st_ino == named.st_ino;
+    return ::stat(name_.c_str(), &named) == 0 && idIn(named) == id_;
 }
 
 void Directory::checkCurrent() const {

@@ -2,11 +2,19 @@
 #ifndef ZARN_INGEST_DIRECTORY_H
 #define ZARN_INGEST_DIRECTORY_H
 
+#include <sys/stat.h>
+
 #include <string>
+#include <utility>
 
 #include "shared/files/Reading.h"
 
 namespace zarn::ingest {
+
+/// Which file or directory it is, whatever its names.
+using FileId = std::pair<dev_t, ino_t>;
+
+inline FileId idIn(const struct stat& status) { return {status.st_dev, status.st_ino}; }
 
 /// Keeps a directory open. What is done through `fd` or `ownPath` is done in this very directory,
 /// even after it was renamed or removed and another one took its name.
@@ -36,6 +44,7 @@ public:
 private:
     std::string name_;
     Descriptor fd_;
+    FileId id_;
 };
 
 }  // namespace zarn::ingest

@@ -4,11 +4,13 @@
 
 #include <array>
 #include <cstddef>
+#include <string_view>
 
-#include "shared/files/MemoryFile.h"
+#include "shared/files/Reading.h"
 #include "zarn-ingest/header/Fits.h"
 #include "zarn-ingest/header/IngestError.h"
 #include "zarn-ingest/header/cards/StructuralKeywords.h"
+#include "zarn-ingest/header/lines/Columns.h"
 
 namespace zarn::ingest {
 
@@ -61,40 +63,60 @@ void addChecksum(FitsFile* file) {
     check(fits_write_chksum(file, &status), "no checksum can be written");
 }
 
-/// Reads a card without trailing blanks; false beyond the last one, END not counted.
-bool readCard(FitsFile* file, int number, std::string& card) {
-    int count = 0;
-    int status = 0;
-    std::array<char, FLEN_CARD> found = {};
-    check(fits_get_hdrspace(file, &count, nullptr, &status), "the result cannot be read");
-    if (number > count) return false;
-    check(fits_read_record(file, number, found.data(), &status), "the result cannot be read");
-    card = found.data();
-    return true;
+/// Reads a file card by card, whatever the cards say.
+class CardReader {
+public:
+    explicit CardReader(int fd) : fd_(fd) {}
+
+    /// The next 80 bytes, valid until the next call; fewer at the end of the file.
+    std::string_view next() {
+        if (bytes_.size() - at_ < CARD_LENGTH) fill();
+        const std::string_view card = std::string_view(bytes_).substr(at_, CARD_LENGTH);
+        at_ += card.size();
+        read_ += card.size();
+        return card;
+    }
+
+    bool isAtBlock() const { return read_ % BLOCK == 0; }
+
+private:
+    static constexpr std::size_t BLOCK = 2880;  // the unit of a header's size [bytes]
+
+    void fill() {
+        bytes_.erase(0, at_);
+        at_ = 0;
+        while (bytes_.size() < CARD_LENGTH && readChunk(fd_, bytes_)) {
+        }
+    }
+
+    int fd_;
+    std::string bytes_;
+    std::size_t at_ = 0;
+    std::size_t read_ = 0;  ///< in all
+};
+
+/// @throw FitsFileError  when the file ends before the card does
+bool isCard(std::string_view found, std::string_view expected) {
+    static const std::string blanks(CARD_LENGTH, ' ');
+    if (found.size() < CARD_LENGTH) throw FitsFileError("the result is cut short", END_OF_FILE);
+    return begins(found, expected) &&
+           found.substr(expected.size()) == std::string_view(blanks).substr(expected.size());
 }
 
-void compareCards(FitsFile* file, const Header& header, bool checksum) {
-    int number = 0;
-    std::string found;
+void compareHeader(CardReader& reader, const Header& header, bool checksum) {
     for (const Card& card : header) {
-        if (!readCard(file, ++number, found) || found != card.text)
+        if (!isCard(reader.next(), card.text))
             throw IngestError("the result differs from this card: \"" + card.text + "\"",
                               card.number);
     }
-    while (readCard(file, ++number, found)) {
-        const bool added = checksum && isChecksum(found.substr(0, found.find_first_of(" =")));
-        if (!added) throw IngestError("the result has another card: \"" + found + "\"");
+    std::string_view found = reader.next();
+    while (checksum && isChecksum(withoutTrailing(found.substr(0, KEYWORD_LENGTH))))
+        found = reader.next();
+    if (!isCard(found, "END"))
+        throw IngestError("the result has another card: \"" + std::string(found) + "\"");
+    while (!reader.isAtBlock()) {
+        if (!isCard(reader.next(), "")) throw IngestError("the result holds more than headers");
     }
-}
-
-/// Makes sure that an HDU is its header alone.
-void checkSize(FitsFile* file) {
-    LONGLONG dataStart = 0;
-    LONGLONG dataEnd = 0;
-    int status = 0;
-    fits_get_hduaddrll(file, nullptr, &dataStart, &dataEnd, &status);
-    check(status, "the result cannot be read");
-    if (dataEnd != dataStart) throw IngestError("the result holds more than headers");
 }
 
 void verifyChecksum(FitsFile* file) {
@@ -107,14 +129,26 @@ void verifyChecksum(FitsFile* file) {
         throw IngestError("the checksum of the result does not fit");
 }
 
+void verifyChecksums(const std::string& path, int hdus) {
+    FitsHandle file;
+    check(ZarnSysFits::openFitsFile(file.get(), path, READONLY), "the result cannot be opened");
+    for (int hdu = 1; hdu <= hdus; ++hdu) {
+        int status = 0;
+        check(fits_movabs_hdu(file.get(), hdu, nullptr, &status), "the result cannot be read");
+        verifyChecksum(file.get());
+    }
+    check(file.close(), "the result cannot be closed");
+}
+
 }  // namespace
 
-void makeFitsFile(const HeaderText& text, const std::string& path, bool checksum) {
+void makeFitsFile(const HeaderText& text, MemoryFile& memory, const std::string& path,
+                  bool checksum) {
     const QuietLibrary quiet;
     const std::vector<Header>& headers = text.headers();
-    const MemoryFile primary(linesOf(headers.front()));
+    memory.replace(linesOf(headers.front()));
     FitsHandle file;
-    check(ZarnSysFits::hdr2fits(file.receive(), primary.path(), path), "cannot be converted");
+    check(ZarnSysFits::hdr2fits(file.receive(), memory.path(), path), "cannot be converted");
     checkHasText(file.get());
     if (checksum) addChecksum(file.get());
     for (std::size_t i = 1; i < headers.size(); ++i) {
@@ -124,22 +158,11 @@ void makeFitsFile(const HeaderText& text, const std::string& path, bool checksum
     check(file.close(), "the result cannot be completed");
 }
 
-void verifyFitsFile(const HeaderText& text, const std::string& path, bool checksum) {
-    FitsHandle file;
-    check(ZarnSysFits::openFitsFile(file.get(), path, READONLY), "the result cannot be opened");
-    int hdu = 0;
-    for (const Header& header : text.headers()) {
-        int status = 0;
-        check(fits_movabs_hdu(file.get(), ++hdu, nullptr, &status), "the result cannot be read");
-        compareCards(file.get(), header, checksum);
-        checkSize(file.get());
-        if (checksum) verifyChecksum(file.get());
-    }
-    int count = 0;
-    int status = 0;
-    check(fits_get_num_hdus(file.get(), &count, &status), "the result cannot be read");
-    if (count != hdu) throw IngestError("the result holds more than headers");
-    check(file.close(), "the result cannot be closed");
+void verifyFitsFile(const HeaderText& text, int fd, bool checksum) {
+    CardReader reader(fd);
+    for (const Header& header : text.headers()) compareHeader(reader, header, checksum);
+    if (!reader.next().empty()) throw IngestError("the result holds more than headers");
+    if (checksum) verifyChecksums(descriptorPath(fd), static_cast<int>(text.headers().size()));
 }
 
 }  // namespace zarn::ingest

@@ -30,6 +30,8 @@ namespace {
 const char WORK_PREFIX[] = ".zarn-ingest-";  // the host's name and a dash follow
 const char WORK_RANDOM[] = "XXXXXX";         // filled in by the system
 
+constexpr mode_t RESULT_BITS = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH;  // as FileIO's
+
 // Errors of a name that no file can get, however sound the directory is.
 constexpr int ERRORS_OF_NAMES[] = {ENAMETOOLONG, EINVAL, EILSEQ};
 constexpr int ERRORS_OF_OCCUPANTS[] = {EEXIST, EISDIR, ENOTEMPTY};
@@ -102,6 +104,12 @@ std::string parentOf(std::string name) {
 /// The same words for every way in which the directory takes no file.
 WorkStops noResult(const Directory& output, const std::string& reason) {
     return WorkStops("no result can be written in " + output.name() + ": " + reason);
+}
+
+/// The same words for results that a crash could take.
+WorkStops notSafe(const Directory& output) {
+    return WorkStops("no result can be made safe on disk in " + output.name() + ": " +
+                     reasonFor(errno));
 }
 
 /// Makes a working directory; its name within the output directory.
@@ -182,6 +190,10 @@ std::string WorkDirectory::ownPath(const std::string& entry) const {
     return descriptorPath(fd_.get()) + "/" + entry;
 }
 
+void WorkDirectory::sync() const {
+    if (::syncfs(fd_.get()) != 0) throw notSafe(output_);
+}
+
 void WorkDirectory::checkRoom(std::size_t size) const {
     if (isRemoved(fd_)) throw noResult(output_, "the working directory was removed");
     const std::string name = nextName();
@@ -199,29 +211,36 @@ void WorkDirectory::checkRoom(std::size_t size) const {
 
 WorkFile::WorkFile(const WorkDirectory& directory) : directory_(directory), name_(nextName()) {}
 
-WorkFile::~WorkFile() { ::unlinkat(directory_.fd(), name_.c_str(), 0); }
+WorkFile::~WorkFile() {
+    if (!name_.empty()) ::unlinkat(directory_.fd(), name_.c_str(), 0);
+}
 
 void WorkFile::open() {
     file_ = Descriptor(::openat(directory_.fd(), name_.c_str(), O_RDONLY | O_CLOEXEC));
-    if (file_.get() == -1)
+    struct stat status = {};
+    if (file_.get() == -1 || ::fstat(file_.get(), &status) != 0)
         throw WorkStops("the working directory in " + directory_.output().name() +
                         " lost a file: " + reasonFor(errno));
+    id_ = idIn(status);
+    size_ = static_cast<std::size_t>(status.st_size);
+    static_cast<void>(::fchmod(file_.get(), RESULT_BITS));  // some file systems have none
 }
 
 void WorkFile::sync() const {
-    if (::fsync(file_.get()) != 0)
-        throw WorkStops("no result can be made safe on disk in " + directory_.output().name() +
-                        ": " + reasonFor(errno));
+    if (::fsync(file_.get()) != 0) throw notSafe(directory_.output());
 }
 
-void WorkFile::putInPlace(const std::string& entry, bool force) const {
+void WorkFile::putInPlace(const std::string& entry, bool force) {
     const Directory& output = directory_.output();
     output.checkCurrent();
     const bool moved =
         force ? ::renameat(directory_.fd(), name_.c_str(), output.fd(), entry.c_str()) == 0
               : renameToNew(directory_.fd(), name_, output.fd(), entry);
     const int error = errno;
-    if (moved) return checkPlaced(entry);
+    if (moved) {
+        name_.clear();
+        return checkPlaced(entry);
+    }
     if (contains(ERRORS_OF_OCCUPANTS, error))
         throw IngestError("the result " + entry + " exists already: " + reasonFor(error));
     if (contains(ERRORS_OF_NAMES, error))
@@ -233,11 +252,9 @@ void WorkFile::putInPlace(const std::string& entry, bool force) const {
 /// Makes sure that the file which was opened, and no other, now has the result's path.
 void WorkFile::checkPlaced(const std::string& entry) const {
     const Directory& output = directory_.output();
-    struct stat opened = {};
     struct stat placed = {};
-    const bool same = ::fstat(file_.get(), &opened) == 0 &&
-                      ::fstatat(output.fd(), entry.c_str(), &placed, AT_SYMLINK_NOFOLLOW) == 0 &&
-                      opened.st_dev == placed.st_dev && opened.st_ino == placed.st_ino;
+    const bool same = ::fstatat(output.fd(), entry.c_str(), &placed, AT_SYMLINK_NOFOLLOW) == 0 &&
+                      idIn(placed) == id_;
     if (!same) throw WorkStops("someone changes results in " + output.name() + " meanwhile");
     output.checkCurrent();
 }

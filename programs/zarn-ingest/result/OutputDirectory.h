@@ -45,6 +45,12 @@ public:
     int fd() const { return fd_.get(); }
     std::string ownPath(const std::string& entry) const;
 
+    /// Waits until all that is written here is safe on disk, and with it whatever else waits to be
+    /// written to this file system. Before Linux 5.8 the system does not tell of a failed write.
+    ///
+    /// @throw WorkStops  when the system cannot say so
+    void sync() const;
+
     /// Makes sure that a file of so many bytes can be written here now.
     ///
     /// @throw WorkStops  with the reason when it cannot
@@ -69,11 +75,15 @@ public:
     /// A path for CFITSIO, which makes the file: `open` then keeps hold of it.
     std::string path() const { return directory_.ownPath(name_); }
 
+    /// Also gives the file the permission bits that the archive's files have.
+    ///
     /// @throw WorkStops  when the file is not there
     void open();
 
-    /// A path to the very file that was opened.
-    std::string openedPath() const { return descriptorPath(file_.get()); }
+    /// The very file that was opened.
+    int fd() const { return file_.get(); }
+
+    std::size_t size() const { return size_; }  ///< of the file that was opened [bytes]
 
     /// Waits until the content is safe on disk.
     ///
@@ -87,14 +97,16 @@ public:
     /// @throw IngestError  when no file can have that name, or something has it already
     /// @throw WorkStops    when it cannot be done, or was done to another file or directory than
     ///                     those that this run opened
-    void putInPlace(const std::string& entry, bool force) const;
+    void putInPlace(const std::string& entry, bool force);
 
 private:
     void checkPlaced(const std::string& entry) const;
 
     const WorkDirectory& directory_;
-    std::string name_;
+    std::string name_;  ///< empty once it has its result's
     Descriptor file_{-1};
+    FileId id_;
+    std::size_t size_ = 0;
 };
 
 }  // namespace zarn::ingest

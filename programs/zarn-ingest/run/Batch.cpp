@@ -43,17 +43,17 @@ Batch::Batch(const Settings& settings, const StopSignals& signals, Reporter& rep
 bool Batch::run() {
     const std::vector<Input> inputs = collectInputs(withPattern(settings_), signals_);
     begin(inputs);
+    Group group(*converter_, groupSizeOf(settings_));
     for (std::size_t i = 0; i < inputs.size() && signals_.received() == 0; ++i) {
         const Input& input = inputs[i];
         if (!isOurs(input, i)) {
             converter_->leave(input);
         } else {
-            const Outcome outcome = converter_->convert(input);
-            if (!record(input, outcome)) return false;
-            reporter_.done(input.name, outcome);
+            group.add(input);
+            if (group.isFull() && !finish(group)) return false;
         }
     }
-    return true;
+    return finish(group);
 }
 
 /// Whether this run converts an input. One that stands for files which could not be listed belongs
@@ -82,13 +82,17 @@ void Batch::openJournal() {
     journal_ = std::make_unique<Journal>(directory);
 }
 
-/// Adds an input that needs no other try to the journal, if there is one. False when that failed:
-/// then the batch ends, so that no file is left out of the journal.
-bool Batch::record(const Input& input, const Outcome& outcome) {
-    if (!journal_ || !outcome.isFinal()) return true;
-    const std::string problem = journal_->tryAdd(input.name, outcome);
-    if (!problem.empty()) reporter_.error(problem);
-    return problem.empty();
+/// Finishes a group and adds it to the journal, if there is one. False when that failed: then the
+/// batch ends, so that no file is left out of the journal.
+bool Batch::finish(Group& group) {
+    const std::vector<Conversion> done = group.finish();
+    const std::string problem = journal_ ? journal_->tryAdd(done) : "";
+    if (!problem.empty()) {
+        reporter_.error(problem);
+        return false;
+    }
+    reporter_.done(done);
+    return true;
 }
 
 }  // namespace zarn::ingest

@@ -9,6 +9,7 @@
 #include "zarn-ingest/report/Reporter.h"
 #include "zarn-ingest/result/Converter.h"
 #include "zarn-ingest/run/DirectoryLocks.h"
+#include "zarn-ingest/run/Group.h"
 #include "zarn-ingest/run/Inputs.h"
 #include "zarn-ingest/run/Journal.h"
 #include "zarn-ingest/run/StopSignals.h"
@@ -35,7 +36,7 @@ private:
     void openJournal();
     bool isOurs(const Input& input, std::size_t position) const;
     void begin(const std::vector<Input>& inputs);
-    [[nodiscard]] bool record(const Input& input, const Outcome& outcome);
+    [[nodiscard]] bool finish(Group& group);
 
     const Settings& settings_;
     const StopSignals& signals_;

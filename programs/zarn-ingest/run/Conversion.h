@@ -2,6 +2,8 @@
 #ifndef ZARN_INGEST_CONVERSION_H
 #define ZARN_INGEST_CONVERSION_H
 
+#include <cstddef>
+
 #include "zarn-ingest/result/Converter.h"
 #include "zarn-ingest/settings/Settings.h"
 
@@ -20,6 +22,13 @@ inline ConversionOptions conversionOf(const Settings& settings) {
     options.reading = {settings.strict, settings.primaryOnly};
     options.moon = settings.moon;
     return options;
+}
+
+/// How many results are finished together. Where each is safe on disk, or each has its line in a
+/// report that is, waiting for one another saves most of the time.
+inline std::size_t groupSizeOf(const Settings& settings) {
+    constexpr std::size_t MOST = 32;
+    return conversionOf(settings).durable || !settings.report.empty() ? MOST : 1;
 }
 
 }  // namespace zarn::ingest

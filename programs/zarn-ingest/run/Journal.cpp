@@ -118,33 +118,45 @@ void Journal::recall(const std::vector<std::string>& sources) {
     }
 }
 
-void Journal::add(const std::string& source, const Outcome& outcome) {
-    const std::string record = recordOf(source, outcome);
-    const auto earlier = recalled_.find(printable(source));
-    if (earlier != recalled_.end() && earlier->second == record) return;
+void Journal::add(const std::vector<Conversion>& conversions) {
+    std::vector<std::string> records;
+    for (const Conversion& one : conversions) {
+        if (!one.outcome.isFinal()) continue;
+        const std::string record = recordOf(one.input.name, one.outcome);
+        if (!isTold(one.input.name, record)) records.push_back(record);
+    }
+    if (records.empty()) return;
     try {
-        append(record);
+        append(records);
     } catch (const std::exception& error) {
         throw std::runtime_error("the journal in " + directory_ + ": " + reasonOf(error));
     }
 }
 
-std::string Journal::tryAdd(const std::string& source, const Outcome& outcome) {
+std::string Journal::tryAdd(const std::vector<Conversion>& conversions) {
     try {
-        add(source, outcome);
+        add(conversions);
         return "";
     } catch (const std::exception& error) {
         return error.what();
     }
 }
 
-void Journal::append(const std::string& record) {
+bool Journal::isTold(const std::string& source, const std::string& record) const {
+    const auto earlier = recalled_.find(printable(source));
+    return earlier != recalled_.end() && earlier->second == record;
+}
+
+void Journal::append(const std::vector<std::string>& records) {
     const ACE_Time_Value now = ACE_OS::gettimeofday();
     const std::string iso = WexoTime::asISOTimeString(now);
+    const std::string times = iso + '\t' + WexoTime::asUnixTimeString(now) + '\t';
     const std::string fileName = journalOf(directory_, iso.substr(0, DATE_LENGTH));
     if (fileName != fileName_) file_ = std::make_unique<LineFile>(fileName);
     fileName_ = fileName;
-    file_->add(iso + '\t' + WexoTime::asUnixTimeString(now) + '\t' + record + '\n');
+    std::string lines;
+    for (const std::string& record : records) lines += times + record + '\n';
+    file_->add(lines);
 }
 
 }  // namespace zarn::ingest

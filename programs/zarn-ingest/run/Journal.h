@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "zarn-ingest/report/LineFile.h"
-#include "zarn-ingest/result/Outcome.h"
+#include "zarn-ingest/result/Converter.h"
 
 namespace zarn::ingest {
 
@@ -38,20 +38,21 @@ public:
     /// @throw std::exception  when the journal cannot be read
     void recall(const std::vector<std::string>& sources);
 
-    /// Appends a line, which is safe on disk when the call returns. Does nothing if the last line
-    /// recalled for the source says the same: then an earlier run wrote it and ended, or could not
-    /// move the source away.
+    /// Appends a line for each input that is done with; they are safe on disk when the call
+    /// returns. Leaves one out if the last line recalled for its source says the same: then an
+    /// earlier run wrote it and ended, or could not move the source away.
     ///
-    /// @throw std::runtime_error  when the line cannot be written; the next call cuts off any rest
-    void add(const std::string& source, const Outcome& outcome);
+    /// @throw std::runtime_error  when the lines cannot be written; the next call cuts off any rest
+    void add(const std::vector<Conversion>& conversions);
 
     /// The same without an exception.
     ///
-    /// @return  why the line cannot be written; empty: it was
-    [[nodiscard]] std::string tryAdd(const std::string& source, const Outcome& outcome);
+    /// @return  why the lines cannot be written; empty: they were
+    [[nodiscard]] std::string tryAdd(const std::vector<Conversion>& conversions);
 
 private:
-    void append(const std::string& record);
+    bool isTold(const std::string& source, const std::string& record) const;
+    void append(const std::vector<std::string>& records);
 
     std::string directory_;
     std::unordered_map<std::string, std::string>

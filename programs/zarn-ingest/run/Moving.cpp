@@ -35,14 +35,6 @@ std::string numbered(const std::string& name, unsigned number) {
     return name.substr(0, NAME_MAX - suffix.size()) + suffix;
 }
 
-/// Makes a move safe on disk. The new directory comes first: a crash may leave two names, never
-/// none.
-void syncMove(const std::string& file, const std::string& directory) {
-    syncToDisk(directory);
-    const std::string::size_type slash = file.rfind('/');
-    syncToDisk(slash == std::string::npos ? "." : file.substr(0, slash + 1));
-}
-
 /// Writes a reason, safe on disk, or completes one that a crash cut short. False if something else
 /// has the name.
 bool putReason(const std::string& fileName, const std::string& reason) {
@@ -76,10 +68,7 @@ bool isTaken(const std::string& name) {
 std::string moveInto(const std::string& file, const std::string& directory) {
     for (unsigned number = 0;; ++number) {
         std::string target = directory + "/" + numbered(baseName(file), number);
-        if (renameToNew(file, target)) {
-            syncMove(file, directory);
-            return target;
-        }
+        if (renameToNew(file, target)) return target;
         if (errno != EEXIST) throwCannotMove(file, directory);
     }
 }
@@ -92,9 +81,13 @@ std::string moveWithReason(const std::string& file, const std::string& directory
         std::string target = folder + name;
         if (isTaken(target) || !putReason(folder + reasonName(name), reason)) continue;
         if (!renameToNew(file, target)) throwCannotMove(file, directory);
-        syncMove(file, directory);
         return target;
     }
+}
+
+void syncMoves(const std::string& from, const std::set<std::string>& to) {
+    for (const std::string& directory : to) syncToDisk(directory);
+    syncToDisk(from);
 }
 
 std::string reasonName(const std::string& name) {

@@ -3,6 +3,8 @@
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/Utils.h>
 
+#include <algorithm>
+#include <set>
 #include <utility>
 
 #include "shared/cli/Reason.h"
@@ -83,10 +85,20 @@ bool Service::doSettled() {
     keepDirectories();
     const std::vector<Input> batch = nextBatch();
     converter_->beginBatch(batch, {});
+    Group group(*converter_, groupSizeOf(settings_));
     for (const Input& input : batch) {
-        if (signals_.received() != 0 || !hasRoom() || !handle(input)) return false;
+        if (signals_.received() != 0 || !hasRoom()) {
+            static_cast<void>(finish(group));
+            return false;
+        }
+        if (arrivals_.isUnchanged(input.name)) {
+            group.add(input);
+        } else {
+            ++left_;
+        }
+        if (group.isFull() && !finish(group)) return false;
     }
-    return true;
+    return finish(group);
 }
 
 /// Locks the directories that have the names now, and makes a converter that works in them.
@@ -106,15 +118,17 @@ std::vector<Input> Service::nextBatch() {
     for (const std::string& problem : arrivals_.unseen()) troubles_.meet(problem);
     if (journal_ && !recalled_) journal_->recall(arrivals_.present());
     recalled_ = true;
-    const std::map<std::string, Stuck> before = std::exchange(stuck_, {});
+    const std::map<std::string, Told> before = std::exchange(stuck_, {});
+    std::vector<Told> again;
     for (const std::string& name : settled) {
         const auto stuck = before.find(name);
         if (stuck != before.end() && stuck->second.identity == identityOf(name)) {
-            move(name, stuck->second.outcome);
+            again.push_back(stuck->second);
         } else {
             batch.push_back({name, ""});
         }
     }
+    moveAway(again);
     return batch;
 }
 
@@ -132,54 +146,88 @@ bool Service::hasRoom() {
     return false;
 }
 
-/// Converts a file, enters it in the journal and moves it away. False if no file can be converted
-/// at present: the next look begins with this one. A file that is being written again is left for
-/// later.
-bool Service::handle(const Input& input) {
-    if (!arrivals_.isUnchanged(input.name)) {
-        ++left_;
-        return true;
-    }
-    const Outcome outcome = converter_->convert(input);
-    if (outcome.status == Outcome::Status::STOPPED) {
-        troubles_.meet(outcome.problem);
-        converter_.reset();
-        return false;
-    }
-    const bool changed = !arrivals_.isUnchanged(input.name);
-    if (outcome.status == Outcome::Status::WAITS || changed) {
-        troubles_.meet(problemText(input.name, 0, changed ? CHANGED : outcome.problem));
-        return true;
-    }
-    if (!record(input, outcome)) return false;
-    reporter_.done(input.name, outcome);
-    move(input.name, outcome);
-    return true;
+/// Finishes the conversions of a group, enters the files in the journal and moves them away. False
+/// if no file can be converted at present: the next look begins with those that were left. A file
+/// that is being written again is left for later.
+bool Service::finish(Group& group) {
+    std::vector<Conversion> done = group.finish();
+    const bool stopped = std::any_of(done.begin(), done.end(), [](const Conversion& one) {
+        return one.outcome.status == Outcome::Status::STOPPED;
+    });
+    for (Conversion& one : done) leaveChanged(one);
+    for (const Conversion& one : done) meetTrouble(one);
+    done.erase(std::remove_if(done.begin(), done.end(),
+                              [](const Conversion& one) { return !one.outcome.isFinal(); }),
+               done.end());
+    if (stopped) converter_.reset();
+    if (!record(done)) return false;
+    reporter_.done(done);
+    std::vector<Told> sources;
+    for (Conversion& one : done) sources.push_back({one.input.name, std::move(one.outcome)});
+    moveAway(sources);
+    return !stopped;
 }
 
-/// Adds a file that is done with to the journal, if there is one; false when that failed.
-bool Service::record(const Input& input, const Outcome& outcome) {
+void Service::leaveChanged(Conversion& conversion) const {
+    Outcome& outcome = conversion.outcome;
+    if (outcome.status == Outcome::Status::STOPPED) return;
+    if (arrivals_.isUnchanged(conversion.input.name)) return;
+    outcome.status = Outcome::Status::WAITS;
+    outcome.problem = CHANGED;
+}
+
+void Service::meetTrouble(const Conversion& conversion) {
+    const Outcome& outcome = conversion.outcome;
+    if (outcome.status == Outcome::Status::STOPPED) troubles_.meet(outcome.problem);
+    if (outcome.status == Outcome::Status::WAITS)
+        troubles_.meet(problemText(conversion.input.name, 0, outcome.problem));
+}
+
+/// Adds files that are done with to the journal, if there is one; false when that failed.
+bool Service::record(const std::vector<Conversion>& conversions) {
     if (!journal_) return true;
-    const std::string problem = journal_->tryAdd(input.name, outcome);
+    const std::string problem = journal_->tryAdd(conversions);
     if (!problem.empty()) troubles_.meet(problem);
     return problem.empty();
 }
 
-/// Moves a source away, or notes that the next look must try again.
-void Service::move(const std::string& source, const Outcome& outcome) {
-    const std::string& directory = outcome.converted() ? settings_.doneDir : settings_.failedDir;
-    if (directory.empty()) return;
+/// Moves sources away, safe on disk, or notes that the next look must try again.
+void Service::moveAway(const std::vector<Told>& sources) {
+    std::set<std::string> reached;
+    for (const Told& source : sources) {
+        if (move(source)) reached.insert(directoryFor(source.outcome));
+    }
+    if (reached.empty()) return;
     try {
-        if (outcome.converted()) {
-            moveInto(source, directory);
-        } else {
-            moveWithReason(source, directory,
-                           problemText(source, outcome.line, outcome.problem) + "\n");
-        }
+        syncMoves(arrivals_.directory(), reached);
     } catch (const std::exception& error) {
         troubles_.meet(error.what());
-        stuck_[source] = {identityOf(source), outcome};
     }
+}
+
+/// Moves a source, if there is a directory for it; false if it stays.
+bool Service::move(const Told& source) {
+    const std::string& directory = directoryFor(source.outcome);
+    if (directory.empty()) return false;
+    try {
+        if (source.outcome.converted()) {
+            moveInto(source.name, directory);
+        } else {
+            moveWithReason(
+                source.name, directory,
+                problemText(source.name, source.outcome.line, source.outcome.problem) + "\n");
+        }
+        return true;
+    } catch (const std::exception& error) {
+        troubles_.meet(error.what());
+        stuck_[source.name] = {source.name, source.outcome, identityOf(source.name)};
+        return false;
+    }
+}
+
+/// Where a source goes; empty: it stays.
+const std::string& Service::directoryFor(const Outcome& outcome) const {
+    return outcome.converted() ? settings_.doneDir : settings_.failedDir;
 }
 
 }  // namespace zarn::ingest

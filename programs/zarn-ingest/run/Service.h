@@ -20,6 +20,7 @@
 #include "zarn-ingest/result/Converter.h"
 #include "zarn-ingest/run/Arrivals.h"
 #include "zarn-ingest/run/DirectoryLocks.h"
+#include "zarn-ingest/run/Group.h"
 #include "zarn-ingest/run/Journal.h"
 #include "zarn-ingest/run/StopSignals.h"
 #include "zarn-ingest/run/Troubles.h"
@@ -48,10 +49,11 @@ public:
     [[nodiscard]] bool run();
 
 private:
-    /// A source that is in the journal but could not be moved away.
-    struct Stuck {
-        std::string identity;  ///< tells it from a later file of the same name
+    /// A source that is done with and told of, but not moved away.
+    struct Told {
+        std::string name;
         Outcome outcome;
+        std::string identity = "";  ///< tells it from a later file of the same name
     };
 
     bool look();  ///< a watching service may ignore whether all was done
@@ -59,9 +61,13 @@ private:
     void keepDirectories();
     std::vector<Input> nextBatch();
     [[nodiscard]] bool hasRoom();
-    [[nodiscard]] bool handle(const Input& input);
-    [[nodiscard]] bool record(const Input& input, const Outcome& outcome);
-    void move(const std::string& source, const Outcome& outcome);
+    [[nodiscard]] bool finish(Group& group);
+    void leaveChanged(Conversion& conversion) const;
+    void meetTrouble(const Conversion& conversion);
+    [[nodiscard]] bool record(const std::vector<Conversion>& conversions);
+    void moveAway(const std::vector<Told>& sources);
+    bool move(const Told& source);
+    const std::string& directoryFor(const Outcome& outcome) const;
 
     const Settings& settings_;
     const StopSignals& signals_;
@@ -74,7 +80,7 @@ private:
     std::unique_ptr<Journal> journal_;      ///< none if the settings name no directory
     std::size_t left_ = 0;                  ///< files that changed during the last look
     bool recalled_ = false;                 ///< whether the journal of earlier runs was read
-    std::map<std::string, Stuck> stuck_;    ///< sources to move away, by name
+    std::map<std::string, Told> stuck_;     ///< sources that could not be moved away, by name
 };
 
 }  // namespace zarn::ingest

@@ -32,8 +32,9 @@ texts are converted without them, and counted. Keywords of these names that the
 primary header already has are kept.
 
 --resume continues after a run that was killed. A result that already holds the
-same cards counts as converted, and each result is safe on disk before the next
-file begins. The service always works like this.
+same cards counts as converted, and results are safe on disk, in groups of 32 at
+most, before the run says that they are converted. The service always works like
+this.
 
 --shard 3/8 converts the third of every eight files. The other shards belong to
 other runs, which must be given the same names in the same order: each run sees

@@ -13,7 +13,7 @@ using Kind = HeaderLine::Kind;
 
 constexpr std::size_t VALUE_WIDTH = 20;   // of the fixed format: columns 11 to 30
 constexpr std::size_t LEAST_COMMENT = 8;  // shorter beginnings of a comment wait for the next card
-const char CONTINUES[] = "CONTINUE  ";
+constexpr std::string_view CONTINUES = "CONTINUE  ";
 const char DIVIDER[] = " / ";
 
 std::string prefixOf(const HeaderLine& line) {
@@ -36,10 +36,11 @@ std::size_t fitting(const std::string& text, std::size_t begin, std::size_t room
 }
 
 /// The words at a text's beginning that fit, or of a longer first word its beginning.
-std::string wordsOf(const std::string& text, std::size_t room) {
+std::string_view wordsOf(std::string_view text, std::size_t room) {
     if (text.size() <= room) return text;
     const std::size_t blank = text.rfind(' ', room);
-    return withoutTrailing(text.substr(0, blank == std::string::npos || blank == 0 ? room : blank));
+    return withoutTrailing(
+        text.substr(0, blank == std::string_view::npos || blank == 0 ? room : blank));
 }
 
 /// A text over several cards: all but the last end in '&'. Its comment goes on behind it.
@@ -59,12 +60,12 @@ std::vector<std::string> continuedCards(std::string prefix, const std::string& t
         const bool ends = at == text.size() && comment.size() - said <= room;
         card += ends ? "'" : "&'";
         if (at == text.size() && (ends || room > LEAST_COMMENT)) {
-            const std::string part = wordsOf(comment.substr(said, room + 1), room);
+            const std::string part(wordsOf(std::string_view(comment).substr(said, room + 1), room));
             card = withComment(card, part);
             said += part.size();
             while (said < comment.size() && comment[said] == ' ') ++said;  // readers put one back
         }
-        cards.push_back(withoutTrailing(card));
+        cards.emplace_back(withoutTrailing(card));
         if (ends) return cards;
         prefix = CONTINUES;
     }
@@ -75,7 +76,7 @@ std::vector<std::string> textCards(const std::string& prefix, const CardValue& v
     const std::size_t column = KEYWORD_LENGTH + 2 + VALUE_WIDTH;
     for (const std::string& tried :
          {withComment(padded(card, column), value.comment), withComment(card, value.comment)}) {
-        if (tried.size() <= CARD_LENGTH) return {withoutTrailing(tried)};
+        if (tried.size() <= CARD_LENGTH) return {std::string(withoutTrailing(tried))};
     }
     return continuedCards(prefix, value.text, value.comment);
 }
@@ -90,24 +91,26 @@ std::vector<std::string> numberCard(const HeaderLine& line, Repairs& repairs) {
     if (card.size() > CARD_LENGTH) return {};
     const std::string full = withComment(card, value.comment);
     if (full.size() > CARD_LENGTH) repairs[Repair::NUMBER_COMMENTS].add(line.number);
-    return {withoutTrailing(full.substr(0, CARD_LENGTH))};
+    return {std::string(withoutTrailing(std::string_view(full).substr(0, CARD_LENGTH)))};
 }
 
-std::vector<std::string> commentaryCards(const std::string& keyword, const std::string& text) {
+std::vector<std::string> commentaryCards(const std::string& keyword, std::string_view text) {
     constexpr std::size_t ROOM = CARD_LENGTH - KEYWORD_LENGTH;
     std::vector<std::string> cards;
     std::size_t at = 0;
     do {
-        cards.push_back(withoutTrailing(padded(keyword, KEYWORD_LENGTH) + text.substr(at, ROOM)));
+        std::string card = padded(keyword, KEYWORD_LENGTH).append(text.substr(at, ROOM));
+        card.resize(withoutTrailing(card).size());
+        cards.push_back(std::move(card));
         at += ROOM;
     } while (at < text.size());
     return cards;
 }
 
-LogicalCard logicalCard(const HeaderLine& line, std::vector<std::string> cards) {
+LogicalCard logicalCard(HeaderLine&& line, std::vector<std::string> cards) {
     LogicalCard card;
-    card.keyword = line.keyword;
-    card.value = line.value;
+    card.keyword = std::move(line.keyword);
+    card.value = std::move(line.value);
     card.cards = std::move(cards);
     card.number = line.number;
     card.isHierarch = line.isHierarch;
@@ -115,24 +118,40 @@ LogicalCard logicalCard(const HeaderLine& line, std::vector<std::string> cards) 
 }
 
 /// A line that is a card of the standard already, with its keyword in upper case.
-std::string asWritten(const HeaderLine& line) {
+std::string asWritten(HeaderLine& line) {
+    if (line.isUpperCase) return std::move(line.text);
     const std::size_t equals = line.text.find('=');
-    return upper(line.text.substr(0, equals)) + line.text.substr(equals);
+    return upper(std::string_view(line.text).substr(0, equals)) + line.text.substr(equals);
 }
+
+/// A line, and those behind it that continue its text.
+class Parts {
+public:
+    Parts(const HeaderLine* begin, const HeaderLine* end) : begin_(begin), end_(end) {}
+
+    const HeaderLine* begin() const { return begin_; }
+    const HeaderLine* end() const { return end_; }
+    std::size_t size() const { return static_cast<std::size_t>(end_ - begin_); }
+    const HeaderLine& operator[](std::size_t i) const { return begin_[i]; }
+
+private:
+    const HeaderLine* begin_;
+    const HeaderLine* end_;
+};
 
 /// Goes through the lines of one header.
 class Layout {
 public:
-    Layout(const std::vector<HeaderLine>& lines, Repairs& repairs, Tally& upperCase)
-        : lines_(lines), repairs_(repairs), upperCase_(upperCase) {}
+    Layout(std::vector<HeaderLine> lines, Repairs& repairs, Tally& upperCase)
+        : lines_(std::move(lines)), repairs_(repairs), upperCase_(upperCase) {}
 
-    std::vector<LogicalCard> cards() {
+    LogicalCards cards() {
         while (at_ < lines_.size()) take(lines_[at_++]);
         return std::move(cards_);
     }
 
 private:
-    void take(const HeaderLine& line) {
+    void take(HeaderLine& line) {
         if (!line.isUpperCase && (line.kind == Kind::VALUE || line.kind == Kind::COMMENTARY))
             upperCase_.add(line.number);
         if (line.kind == Kind::VALUE) {
@@ -144,42 +163,42 @@ private:
         }
     }
 
-    void takeValue(const HeaderLine& line) {
-        const std::vector<const HeaderLine*> parts = partsOf(line);
-        const bool exact = std::all_of(parts.begin(), parts.end(), [](const HeaderLine* part) {
-            return part->value.isLegal && part->isInColumns && part->text.size() <= CARD_LENGTH;
+    void takeValue(HeaderLine& line) {
+        const Parts parts = partsOf(line);
+        const bool exact = std::all_of(parts.begin(), parts.end(), [](const HeaderLine& part) {
+            return part.value.isLegal && part.isInColumns && part.text.size() <= CARD_LENGTH;
         });
         if (exact && chains(parts) && (!line.isHierarch || line.hasHierarch)) {
-            std::vector<std::string> cards = {asWritten(line)};
+            std::vector<std::string> cards;
+            cards.push_back(asWritten(line));
             for (std::size_t i = 1; i < parts.size(); ++i)
-                cards.push_back("CONTINUE" + parts[i]->text.substr(KEYWORD_LENGTH));
-            cards_.push_back(logicalCard(line, std::move(cards)));
+                cards.push_back("CONTINUE" + parts[i].text.substr(KEYWORD_LENGTH));
+            cards_.push_back(logicalCard(std::move(line), std::move(cards)));
         } else {
             writeAnew(line, parts);
         }
     }
 
     /// The line, and those that continue its text.
-    std::vector<const HeaderLine*> partsOf(const HeaderLine& line) {
-        std::vector<const HeaderLine*> parts = {&line};
-        if (line.value.kind != CardValue::Kind::TEXT) return parts;
-        while (at_ < lines_.size() && lines_[at_].kind == Kind::CONTINUE)
-            parts.push_back(&lines_[at_++]);
-        return parts;
+    Parts partsOf(const HeaderLine& line) {
+        const bool isText = line.value.kind == CardValue::Kind::TEXT;
+        while (isText && at_ < lines_.size() && lines_[at_].kind == Kind::CONTINUE) ++at_;
+        return {&line, lines_.data() + at_};
     }
 
     /// Whether each text that goes on says so, and the cards stand as the standard wants them.
-    static bool chains(const std::vector<const HeaderLine*>& parts) {
+    static bool chains(const Parts& parts) {
         for (std::size_t i = 0; i < parts.size(); ++i) {
-            const std::string& text = parts[i]->value.text;
+            const std::string& text = parts[i].value.text;
             if (i + 1 < parts.size() && (text.empty() || text.back() != '&')) return false;
-            if (i > 0 && upper(parts[i]->text.substr(0, sizeof CONTINUES - 1)) != CONTINUES)
+            if (i > 0 &&
+                upper(std::string_view(parts[i].text).substr(0, CONTINUES.size())) != CONTINUES)
                 return false;
         }
         return true;
     }
 
-    void writeAnew(HeaderLine line, const std::vector<const HeaderLine*>& parts) {
+    void writeAnew(HeaderLine line, const Parts& parts) {
         joinParts(line.value, parts);
         const HeaderLine joined = line;
         if (line.value.kind == CardValue::Kind::UNKNOWN) line.value.kind = CardValue::Kind::TEXT;
@@ -191,14 +210,14 @@ private:
         if (cards.empty()) return takeOther(line);
         noteValue(joined, parts);
         if (line.isHierarch && !line.hasHierarch) repairs_[Repair::OTHER_KEYWORDS].add(line.number);
-        cards_.push_back(logicalCard(line, std::move(cards)));
+        cards_.push_back(logicalCard(std::move(line), std::move(cards)));
         cards_.back().isContinuedAnew = cards_.back().cards.size() > 1;
     }
 
-    static void joinParts(CardValue& value, const std::vector<const HeaderLine*>& parts) {
+    static void joinParts(CardValue& value, const Parts& parts) {
         for (std::size_t i = 1; i < parts.size(); ++i) {
             if (!value.text.empty() && value.text.back() == '&') value.text.pop_back();
-            const CardValue& more = parts[i]->value;
+            const CardValue& more = parts[i].value;
             value.text += more.text;
             value.isClosed = value.isClosed && more.isClosed;
             if (!value.comment.empty() && !more.comment.empty()) value.comment += ' ';
@@ -207,7 +226,7 @@ private:
     }
 
     /// Counts why a value is written anew.
-    void noteValue(const HeaderLine& line, const std::vector<const HeaderLine*>& parts) {
+    void noteValue(const HeaderLine& line, const Parts& parts) {
         const CardValue& value = line.value;
         if (!value.isClosed) repairs_[Repair::OPEN_QUOTES].add(line.number);
         if (!value.isLegal && value.isClosed) repairs_[Repair::BARE_VALUES].add(line.number);
@@ -216,11 +235,13 @@ private:
         if (isLong) repairs_[Repair::LONG_VALUES].add(line.number);
     }
 
-    void takeCommentary(const HeaderLine& line) {
-        LogicalCard card = logicalCard(line, commentaryCards(line.keyword, line.commentary));
-        if (card.cards.size() > 1) repairs_[Repair::LONG_COMMENTARY].add(line.number);
+    void takeCommentary(HeaderLine& line) {
+        std::string_view commentary = line.text;
+        commentary.remove_prefix(std::min(commentary.size(), KEYWORD_LENGTH));
+        std::vector<std::string> cards = commentaryCards(line.keyword, commentary);
+        if (cards.size() > 1) repairs_[Repair::LONG_COMMENTARY].add(line.number);
         if (!line.isInColumns) repairs_[Repair::EQUALS_SIGNS].add(line.number);
-        cards_.push_back(std::move(card));
+        cards_.push_back(logicalCard(std::move(line), std::move(cards)));
     }
 
     void takeOther(const HeaderLine& line) {
@@ -228,21 +249,20 @@ private:
         cards_.push_back(commentOf(line.text, line.number));
     }
 
-    const std::vector<HeaderLine>& lines_;
+    std::vector<HeaderLine> lines_;  ///< emptied one by one
     Repairs& repairs_;
     Tally& upperCase_;
-    std::vector<LogicalCard> cards_;
+    LogicalCards cards_;
     std::size_t at_ = 0;
 };
 
 }  // namespace
 
-std::vector<LogicalCard> cardsOf(const std::vector<HeaderLine>& lines, Repairs& repairs,
-                                 Tally& upperCase) {
-    return Layout(lines, repairs, upperCase).cards();
+LogicalCards cardsOf(std::vector<HeaderLine> lines, Repairs& repairs, Tally& upperCase) {
+    return Layout(std::move(lines), repairs, upperCase).cards();
 }
 
-LogicalCard commentOf(const std::string& text, std::size_t number) {
+LogicalCard commentOf(std::string_view text, std::size_t number) {
     LogicalCard card;
     card.keyword = "COMMENT";
     card.cards = commentaryCards(card.keyword, text);
@@ -265,7 +285,9 @@ std::string fixedCard(const std::string& keyword, const std::string& value,
     const std::size_t indent = value.size() < VALUE_WIDTH ? VALUE_WIDTH - value.size() : 0;
     const std::string blanks(indent, ' ');
     const std::string field = isText ? value + blanks : blanks + value;
-    return withoutTrailing(withComment(padded(keyword, KEYWORD_LENGTH) + "= " + field, comment));
+    std::string card = withComment(padded(keyword, KEYWORD_LENGTH) + "= " + field, comment);
+    card.resize(withoutTrailing(card).size());
+    return card;
 }
 
 }  // namespace zarn::ingest

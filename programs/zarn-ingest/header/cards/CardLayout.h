@@ -3,7 +3,9 @@
 #define ZARN_INGEST_CARDLAYOUT_H
 
 #include <cstddef>
+#include <deque>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "zarn-ingest/header/Repairs.h"
@@ -21,15 +23,17 @@ struct LogicalCard {
     bool isContinuedAnew = false;  ///< a text goes on in CONTINUE cards that the line did not have
 };
 
+/// Those of one header. A deque: what describes the file is taken out near the beginning.
+using LogicalCards = std::deque<LogicalCard>;
+
 /// Turns lines into cards, byte for byte where they stand as the standard wants them.
 ///
 /// @param lines      of one header
 /// @param upperCase  counts keywords that were written otherwise
-std::vector<LogicalCard> cardsOf(const std::vector<HeaderLine>& lines, Repairs& repairs,
-                                 Tally& upperCase);
+LogicalCards cardsOf(std::vector<HeaderLine> lines, Repairs& repairs, Tally& upperCase);
 
 /// A COMMENT card, or several.
-LogicalCard commentOf(const std::string& text, std::size_t number);
+LogicalCard commentOf(std::string_view text, std::size_t number);
 
 /// COMMENT cards that hold another card, with all that continues it.
 LogicalCard asComment(const LogicalCard& card);

@@ -10,33 +10,28 @@ namespace zarn::ingest {
 
 namespace {
 
-constexpr const char* BITPIX_VALUES[] = {"8", "16", "32", "64", "-32", "-64"};
-constexpr const char* BINARY_TABLES[] = {"BINTABLE", "A3DTABLE"};
+constexpr std::string_view BITPIX_VALUES[] = {"8", "16", "32", "64", "-32", "-64"};
+constexpr std::string_view BINARY_TABLES[] = {"BINTABLE", "A3DTABLE"};
+
+constexpr std::string_view CHECKSUMS[] = {"CHECKSUM", "DATASUM"};
 
 // CFITSIO takes HIERARCH cards of these names for the keywords themselves.
-constexpr const char* STRUCTURE[] = {"SIMPLE",  "XTENSION", "BITPIX", "NAXIS",    "EXTEND",
-                                     "GROUPS",  "PCOUNT",   "GCOUNT", "CHECKSUM", "DATASUM",
-                                     "TFIELDS", "THEAP",    "ZIMAGE", "END"};
-
-template <typename Words>
-bool contains(const Words& words, const std::string& word) {
-    return std::find(std::begin(words), std::end(words), word) != std::end(words);
-}
+constexpr std::string_view STRUCTURE[] = {"SIMPLE",  "XTENSION", "BITPIX", "NAXIS",    "EXTEND",
+                                          "GROUPS",  "PCOUNT",   "GCOUNT", "CHECKSUM", "DATASUM",
+                                          "TFIELDS", "THEAP",    "ZIMAGE", "END"};
 
 }  // namespace
 
-bool isChecksum(const std::string& keyword) {
-    return keyword == "CHECKSUM" || keyword == "DATASUM";
-}
+bool isChecksum(std::string_view keyword) { return isOneOf(keyword, CHECKSUMS); }
 
-bool isBinaryTable(const std::string& extension) { return contains(BINARY_TABLES, extension); }
+bool isBinaryTable(std::string_view extension) { return isOneOf(extension, BINARY_TABLES); }
 
-bool isBitpix(const std::string& number) { return contains(BITPIX_VALUES, number); }
+bool isBitpix(std::string_view number) { return isOneOf(number, BITPIX_VALUES); }
 
 int axisOf(const std::string& keyword) {
     constexpr std::size_t NAME = 5;
     const bool hasLength = keyword.size() > NAME && keyword.size() <= KEYWORD_LENGTH;
-    if (keyword.rfind("NAXIS", 0) != 0 || !hasLength) return 0;
+    if (!hasLength || !begins(keyword, "NAXIS")) return 0;
     if (keyword.find_first_not_of("0123456789", NAME) != std::string::npos) return 0;
     return std::max(1, std::stoi(keyword.substr(NAME)));
 }
@@ -44,11 +39,11 @@ int axisOf(const std::string& keyword) {
 bool isTakenForStructure(const std::string& name) {
     const bool isOfColumn = name.size() <= KEYWORD_LENGTH && name.front() == 'T' &&
                             name.back() >= '0' && name.back() <= '9';
-    return contains(STRUCTURE, name) || axisOf(name) > 0 || isOfColumn;
+    return isOneOf(name, STRUCTURE) || axisOf(name) > 0 || isOfColumn;
 }
 
 std::string withoutPlus(const std::string& number) {
-    return number.rfind('+', 0) == 0 ? number.substr(1) : number;
+    return begins(number, "+") ? number.substr(1) : number;
 }
 
 bool isZero(const std::string& number) {

@@ -3,17 +3,18 @@
 #define ZARN_INGEST_STRUCTURALKEYWORDS_H
 
 #include <string>
+#include <string_view>
 
 namespace zarn::ingest {
 
 /// Whether the keyword is one of the two that CFITSIO's checksums stand under.
-bool isChecksum(const std::string& keyword);
+bool isChecksum(std::string_view keyword);
 
 /// Whether an extension of this type is a binary table, by its name of today or a former one.
-bool isBinaryTable(const std::string& extension);
+bool isBinaryTable(std::string_view extension);
 
 /// Whether a number is one of the six that BITPIX can be.
-bool isBitpix(const std::string& number);
+bool isBitpix(std::string_view number);
 
 /// The number in NAXIS1, NAXIS2 and so on, at least 1; 0 for another keyword.
 int axisOf(const std::string& keyword);

@@ -6,6 +6,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "zarn-ingest/header/cards/StructuralKeywords.h"
@@ -16,16 +17,19 @@ namespace zarn::ingest {
 
 namespace {
 
+constexpr std::string_view THEAP = "THEAP";
+constexpr std::string_view COUNTS[] = {"GROUPS", "PCOUNT", "GCOUNT"};  // of data
+
 /// The cards of one header, from which those that describe the file are taken out.
 class Structure {
 public:
-    Structure(std::vector<LogicalCard> cards, HduPosition position, Repairs& repairs)
+    Structure(LogicalCards cards, HduPosition position, Repairs& repairs)
         : cards_(std::move(cards)),
           position_(position),
           repairs_(repairs),
           isForExtensions_(position == HduPosition::FIRST && cards_.empty()) {}
 
-    std::vector<LogicalCard> structured(const std::vector<LogicalCard>& titles) {
+    LogicalCards structured(const LogicalCards& titles) {
         demoteHierarch();
         findTable();
         if (position_ == HduPosition::LATER) {
@@ -35,13 +39,13 @@ public:
         }
         leaveData();
         begin_.insert(begin_.end(), titles.begin(), titles.end());
-        begin_.insert(begin_.end(), std::make_move_iterator(cards_.begin()),
-                      std::make_move_iterator(cards_.end()));
-        return std::move(begin_);
+        cards_.insert(cards_.begin(), std::make_move_iterator(begin_.begin()),
+                      std::make_move_iterator(begin_.end()));
+        return std::move(cards_);
     }
 
 private:
-    using Cards = std::vector<LogicalCard>;
+    using Cards = LogicalCards;
     using Form = std::string (*)(const std::string&);  ///< the legal value that a text stands for
 
     void demoteHierarch() {
@@ -133,7 +137,7 @@ private:
     /// A reader would make an image of the size that ZIMAGE and its like promise.
     void defuseCompression() {
         for (LogicalCard& card : cards_) {
-            if (card.keyword != "ZIMAGE" || card.isHierarch) continue;
+            if (!isKeyword(card, "ZIMAGE")) continue;
             repairs_[Repair::COMPRESSED].add(card.number);
             card.keyword = "WAS ZIMAGE";
             std::string text = "HIERARCH " + card.keyword + " = " + card.value.text;
@@ -202,7 +206,8 @@ private:
         std::string& text = card.cards.front();
         if (text.size() <= CARD_LENGTH) return;
         repairs_[Repair::NUMBER_COMMENTS].add(card.number);
-        text = withoutTrailing(text.substr(0, CARD_LENGTH));
+        text.resize(CARD_LENGTH);
+        text.resize(withoutTrailing(text).size());
     }
 
     /// Whether a card of the beginning stands in the fixed format.
@@ -212,7 +217,7 @@ private:
         if (value.kind != CardValue::Kind::NUMBER && value.kind != CardValue::Kind::LOGICAL)
             return false;
         const std::string expected = fixedCard(card.keyword, value.text, "");
-        return card.cards.front().rfind(expected, 0) == 0;
+        return begins(card.cards.front(), expected);
     }
 
     /// Leaves out a keyword's cards from a place on.
@@ -275,8 +280,8 @@ private:
         if (card.isHierarch) return false;
         const std::string& keyword = card.keyword;
         const std::string& text = card.value.text;
-        if (keyword == "THEAP") return table_.has_value();
-        if (keyword != "GROUPS" && keyword != "PCOUNT" && keyword != "GCOUNT") return false;
+        if (keyword == THEAP) return table_.has_value();
+        if (!isOneOf(keyword, COUNTS)) return false;
         const bool isNumber = card.value.kind == CardValue::Kind::NUMBER;
         const bool isHarmless = (keyword == "GROUPS" && text == "F") ||
                                 (keyword == "PCOUNT" && isNumber && isZero(text)) ||
@@ -314,17 +319,17 @@ private:
         }
     }
 
-    static bool isKeyword(const LogicalCard& card, const std::string& keyword) {
+    static bool isKeyword(const LogicalCard& card, std::string_view keyword) {
         return card.keyword == keyword && !card.isHierarch;
     }
 
-    Cards::iterator locate(const std::string& keyword) {
-        return std::find_if(cards_.begin(), cards_.end(), [&keyword](const LogicalCard& card) {
+    Cards::iterator locate(std::string_view keyword) {
+        return std::find_if(cards_.begin(), cards_.end(), [keyword](const LogicalCard& card) {
             return isKeyword(card, keyword);
         });
     }
 
-    const LogicalCard* find(const std::string& keyword) {
+    const LogicalCard* find(std::string_view keyword) {
         const auto found = locate(keyword);
         return found == cards_.end() ? nullptr : &*found;
     }
@@ -344,9 +349,8 @@ private:
 
 }  // namespace
 
-std::vector<LogicalCard> structured(std::vector<LogicalCard> cards,
-                                    const std::vector<LogicalCard>& titles, HduPosition position,
-                                    Repairs& repairs) {
+LogicalCards structured(LogicalCards cards, const LogicalCards& titles, HduPosition position,
+                        Repairs& repairs) {
     return Structure(std::move(cards), position, repairs).structured(titles);
 }
 

@@ -22,9 +22,8 @@ enum class HduPosition {
 /// @param cards   of one header, in the order of its text
 /// @param titles  follow the cards that every header begins with
 /// @return        all of them, in the order of the file
-std::vector<LogicalCard> structured(std::vector<LogicalCard> cards,
-                                    const std::vector<LogicalCard>& titles, HduPosition position,
-                                    Repairs& repairs);
+LogicalCards structured(LogicalCards cards, const LogicalCards& titles, HduPosition position,
+                        Repairs& repairs);
 
 }  // namespace zarn::ingest
 

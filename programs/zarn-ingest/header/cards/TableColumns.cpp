@@ -15,7 +15,7 @@ constexpr std::size_t MOST_COLUMNS = 999;
 constexpr std::size_t MOST_BYTES = std::numeric_limits<int>::max();  // of a row, for every machine
 
 /// A keyword's last card, which is the one that CFITSIO takes.
-const LogicalCard* find(const std::vector<LogicalCard>& cards, const std::string& keyword) {
+const LogicalCard* find(const LogicalCards& cards, const std::string& keyword) {
     const auto found = std::find_if(cards.rbegin(), cards.rend(), [&keyword](const auto& card) {
         return card.keyword == keyword && !card.isHierarch;
     });
@@ -61,7 +61,7 @@ std::optional<std::size_t> asciiWidth(std::string form) {
 }
 
 /// Where a column ends in a row of which earlier columns fill so many bytes.
-std::optional<std::size_t> endOfColumn(const std::vector<LogicalCard>& cards, TableKind kind,
+std::optional<std::size_t> endOfColumn(const LogicalCards& cards, TableKind kind,
                                        const std::string& number, std::size_t filled) {
     const LogicalCard* const form = find(cards, "TFORM" + number);
     if (form == nullptr || form->value.kind != CardValue::Kind::TEXT) return std::nullopt;
@@ -76,7 +76,7 @@ std::optional<std::size_t> endOfColumn(const std::vector<LogicalCard>& cards, Ta
 
 }  // namespace
 
-std::optional<TableColumns> columnsOf(const std::vector<LogicalCard>& cards, TableKind kind) {
+std::optional<TableColumns> columnsOf(const LogicalCards& cards, TableKind kind) {
     const auto number = wholeNumber(find(cards, "TFIELDS"));
     if (!number || *number > MOST_COLUMNS) return std::nullopt;
     TableColumns columns = {*number, 0};

@@ -20,7 +20,7 @@ struct TableColumns {
 };
 
 /// What TFORMn and TBCOLn say; none where a reader could not open the table.
-std::optional<TableColumns> columnsOf(const std::vector<LogicalCard>& cards, TableKind kind);
+std::optional<TableColumns> columnsOf(const LogicalCards& cards, TableKind kind);
 
 }  // namespace zarn::ingest
 

@@ -3,6 +3,7 @@
 #define ZARN_INGEST_CARDVALUE_H
 
 #include <string>
+#include <string_view>
 
 namespace zarn::ingest {
 
@@ -24,7 +25,7 @@ struct CardValue {
 };
 
 /// @param field  what follows "= "; longer than a card as may be
-CardValue valueIn(const std::string& field);
+CardValue valueIn(std::string_view field);
 
 /// A text in quotes, those within doubled, filled with blanks to the 8 characters that the fixed
 /// format asks for.

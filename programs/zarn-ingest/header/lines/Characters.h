@@ -13,7 +13,7 @@ namespace zarn::ingest {
 /// of Latin-1, where the line is no UTF-8) their nearest form, control characters blanks.
 ///
 /// @param number  of the line, under which the repairs are counted
-std::string inAscii(const std::string& line, std::size_t number, Repairs& repairs);
+std::string inAscii(std::string line, std::size_t number, Repairs& repairs);
 
 }  // namespace zarn::ingest
 

@@ -1,26 +1,31 @@
 #include "zarn-ingest/header/lines/Columns.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace zarn::ingest {
 
-std::string withoutTrailing(const std::string& text) {
-    return text.substr(0, text.find_last_not_of(' ') + 1);  // npos + 1 is 0: nothing
+std::string_view withoutTrailing(std::string_view text) {
+    std::size_t length = text.size();
+    while (length > 0 && text[length - 1] == ' ') --length;
+    return text.substr(0, length);
 }
 
-std::string trimmed(const std::string& text) {
-    const std::size_t begin = text.find_first_not_of(' ');
-    return begin == std::string::npos ? "" : withoutTrailing(text.substr(begin));
+std::string_view trimmed(std::string_view text) {
+    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+    return withoutTrailing(text);
 }
 
-std::string upper(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return text;
+std::string upper(std::string_view text) {
+    std::string result(text);
+    const auto toUpper = [](char c) {
+        const bool isLower = c >= 'a' && c <= 'z';
+        return isLower ? static_cast<char>(c - 'a' + 'A') : c;
+    };
+    std::transform(result.begin(), result.end(), result.begin(), toUpper);
+    return result;
 }
 
-bool isBlank(const std::string& text) { return text.find_first_not_of(' ') == std::string::npos; }
+bool isBlank(std::string_view text) { return trimmed(text).empty(); }
 
 std::string padded(std::string text, std::size_t width) {
     if (text.size() < width) text.resize(width, ' ');

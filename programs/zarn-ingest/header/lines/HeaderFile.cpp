@@ -1,10 +1,12 @@
 #include "zarn-ingest/header/lines/HeaderFile.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <iterator>
 #include <system_error>
 
@@ -23,13 +25,15 @@ constexpr std::size_t FITS_BLOCK = 2880;          // the unit of a FITS file's s
 constexpr std::size_t CONTROL_SHARE = 20;
 constexpr std::size_t UNPRINTABLE_SHARE = 3;
 
-bool isPrintable(char c) { return c >= ' ' && c <= '~'; }
+bool isPlain(char c) { return (c >= ' ' && c <= '~') || c == '\n'; }
 
 bool isBinary(const std::string& bytes) {
+    // Nearly every text ends here.
+    if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return isPlain(c); })) return false;
     std::size_t control = 0;
     std::size_t unprintable = 0;
     for (const char c : bytes) {
-        if (isPrintable(c) || std::isspace(static_cast<unsigned char>(c)) != 0) continue;
+        if (isPlain(c) || std::isspace(static_cast<unsigned char>(c)) != 0) continue;
         ++unprintable;
         if (std::iscntrl(static_cast<unsigned char>(c)) != 0) ++control;
     }
@@ -68,25 +72,27 @@ constexpr std::errc NO_FILE[] = {std::errc::no_such_file_or_directory, std::errc
     throw InputWaits(problem);
 }
 
+/// Looks before anything is opened: opening a device may do something to it.
 void refuseOtherThanFile(const std::string& fileName) {
-    std::error_code error;
-    const auto status = std::filesystem::status(fileName, error);
-    if (status.type() == std::filesystem::file_type::not_found)
-        error = std::make_error_code(std::errc::no_such_file_or_directory);
-    if (error) failReading(error);
-    if (std::filesystem::is_directory(status)) throw IngestError("is a directory");
-    if (!std::filesystem::is_regular_file(status)) throw IngestError("is not a regular file");
-    if (std::filesystem::file_size(fileName, error) > MAX_BYTES && !error)
+    struct stat status = {};
+    if (::stat(fileName.c_str(), &status) != 0) failReading({errno, std::generic_category()});
+    if (S_ISDIR(status.st_mode)) throw IngestError("is a directory");
+    if (!S_ISREG(status.st_mode)) throw IngestError("is not a regular file");
+    if (static_cast<std::uintmax_t>(status.st_size) > MAX_BYTES)
         throw IngestError("is larger than " + std::to_string(MAX_BYTES >> 20U) +
                           " MiB, not a header text file");
 }
 
 }  // namespace
 
-std::string readHeaderFile(const std::string& fileName) {
+HeaderFile readHeaderFile(const std::string& fileName) {
     refuseOtherThanFile(fileName);
     try {
-        return readFile(fileName);
+        const Descriptor file = openForReading(fileName);
+        HeaderFile result = {"", versionOf(file.get())};
+        while (readChunk(file.get(), result.bytes)) {
+        }
+        return result;
     } catch (const std::system_error& error) {
         failReading(error.code());
     }

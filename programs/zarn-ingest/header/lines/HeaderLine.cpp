@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <utility>
 
 #include "zarn-ingest/header/lines/Columns.h"
 
@@ -11,26 +12,29 @@ namespace {
 
 constexpr std::size_t LONGEST_KEYWORD = 40;  // that still leaves a HIERARCH card room [characters]
 constexpr std::size_t MOST_WORDS = 4;        // of a keyword; more are a sentence
-const char KEYWORD_CHARACTERS[] =
-    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
-const char HIERARCH[] = "HIERARCH ";
-constexpr std::size_t HIERARCH_LENGTH = sizeof HIERARCH - 1;
+constexpr std::string_view HIERARCH = "HIERARCH ";
+constexpr std::string_view CONTINUE = "CONTINUE";
+constexpr std::string_view END = "END";
+
+// Keywords that no value can have: what follows them is read otherwise.
+constexpr std::string_view RESERVED[] = {"COMMENT", "HISTORY", CONTINUE, END, "HIERARCH"};
+constexpr std::string_view COMMENTARY[] = {"", "COMMENT", "HISTORY"};
 
 using Kind = HeaderLine::Kind;
 
+bool isOfKeywords(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' ||
+           c == '_';
+}
+
 /// Words with one blank between them.
-std::string normalized(const std::string& words) {
+std::string normalized(std::string_view words) {
+    if (words.find("  ") == std::string_view::npos) return std::string(words);
     std::string result;
-    for (const char c : trimmed(words)) {
+    for (const char c : words) {
         if (c != ' ' || result.back() != ' ') result += c;
     }
     return result;
-}
-
-/// Keywords that a value cannot have: what follows them is read otherwise.
-bool isReserved(const std::string& keyword) {
-    return keyword == "COMMENT" || keyword == "HISTORY" || keyword == "CONTINUE" ||
-           keyword == "END" || keyword == "HIERARCH";
 }
 
 /// Whether words before an equals sign are a keyword rather than the beginning of a sentence.
@@ -40,34 +44,33 @@ bool isKeywordOfHierarch(const std::string& name, const CardValue& value) {
                          static_cast<std::size_t>(blanks) < MOST_WORDS && !name.empty() &&
                          std::isalnum(static_cast<unsigned char>(name.front())) != 0;
     const bool hasValue = value.kind != CardValue::Kind::UNKNOWN || blanks == 0;
-    return isShort && hasValue && !isReserved(upper(name));
+    return isShort && hasValue && !isOneOf(upper(name), RESERVED);
 }
 
 void readValue(HeaderLine& line, std::size_t equals) {
-    const std::string before = line.text.substr(0, equals);
-    line.hasHierarch = upper(before.substr(0, HIERARCH_LENGTH)) == HIERARCH;
-    const std::string name = normalized(line.hasHierarch ? before.substr(HIERARCH_LENGTH) : before);
-    line.value = valueIn(line.text.substr(equals + 1));
-    line.keyword = upper(name);
+    const std::string_view text = line.text;
+    const std::string_view before = text.substr(0, equals);
+    line.hasHierarch =
+        before.size() >= HIERARCH.size() && upper(before.substr(0, HIERARCH.size())) == HIERARCH;
+    const std::string name =
+        normalized(trimmed(line.hasHierarch ? before.substr(HIERARCH.size()) : before));
+    line.value = valueIn(text.substr(equals + 1));
+    if (line.keyword != name) line.keyword = upper(name);
     line.isUpperCase = line.keyword == name;
-    const bool isPlain = !line.hasHierarch && isLegalKeyword(name) && !isReserved(line.keyword);
-    const std::string& text = line.text;
+    const bool isPlain =
+        !line.hasHierarch && isLegalKeyword(name) && !isOneOf(line.keyword, RESERVED);
     line.isHierarch = !isPlain;
     line.isInColumns = line.hasHierarch || (isPlain && equals == KEYWORD_LENGTH && text[0] != ' ' &&
                                             (text.size() == equals + 1 || text[equals + 1] == ' '));
-    const bool isNamed = line.hasHierarch && !name.empty() && !isReserved(line.keyword);
+    const bool isNamed = line.hasHierarch && !name.empty() && !isOneOf(line.keyword, RESERVED);
     if (isPlain || isNamed || isKeywordOfHierarch(name, line.value)) line.kind = Kind::VALUE;
-}
-
-bool isCommentary(const std::string& keyword) {
-    return keyword.empty() || keyword == "COMMENT" || keyword == "HISTORY";
 }
 
 }  // namespace
 
-bool isLegalKeyword(const std::string& keyword) {
+bool isLegalKeyword(std::string_view keyword) {
     return !keyword.empty() && keyword.size() <= KEYWORD_LENGTH &&
-           keyword.find_first_not_of(KEYWORD_CHARACTERS) == std::string::npos;
+           std::all_of(keyword.begin(), keyword.end(), isOfKeywords);
 }
 
 bool HeaderLine::isSurelyCard() const {
@@ -76,7 +79,7 @@ bool HeaderLine::isSurelyCard() const {
     return kind == Kind::CONTINUE || kind == Kind::END;
 }
 
-HeaderLine readLine(const std::string& text, std::size_t number) {
+HeaderLine readLine(std::string text, std::size_t number) {
     const std::size_t indent = text.find_first_not_of(' ');
     if (indent > 0 && indent < KEYWORD_LENGTH) {
         HeaderLine moved = readLine(text.substr(indent), number);
@@ -84,21 +87,21 @@ HeaderLine readLine(const std::string& text, std::size_t number) {
         if (moved.kind != Kind::OTHER) return moved;
     }
     HeaderLine line;
-    line.text = withoutTrailing(text);
+    text.resize(withoutTrailing(text).size());
+    line.text = std::move(text);
     line.number = number;
     if (line.text.empty()) return line;
-    const std::string columns = line.text.substr(0, KEYWORD_LENGTH);
+    const std::string_view columns = std::string_view(line.text).substr(0, KEYWORD_LENGTH);
     line.keyword = upper(withoutTrailing(columns));
     line.kind = Kind::OTHER;
-    if (upper(line.text) == "END") {
+    if (line.text.size() == END.size() && line.keyword == END) {
         line.kind = Kind::END;
-    } else if (isCommentary(line.keyword)) {
+    } else if (isOneOf(line.keyword, COMMENTARY)) {
         line.kind = Kind::COMMENTARY;
         line.isUpperCase = padded(line.keyword, columns.size()) == columns;
-        line.commentary = line.text.size() > KEYWORD_LENGTH ? line.text.substr(KEYWORD_LENGTH) : "";
-    } else if (line.keyword == "CONTINUE" && line.text.find('\'') != std::string::npos) {
+    } else if (line.keyword == CONTINUE && line.text.find('\'') != std::string::npos) {
         line.kind = Kind::CONTINUE;
-        line.value = valueIn(line.text.substr(line.text.find('\'')));
+        line.value = valueIn(std::string_view(line.text).substr(line.text.find('\'')));
     } else if (const std::size_t equals = line.text.find('='); equals != std::string::npos) {
         readValue(line, equals);
     }

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 #include "zarn-ingest/header/Repairs.h"
 #include "zarn-ingest/header/lines/CardValue.h"
@@ -29,7 +30,6 @@ struct HeaderLine {
     bool isHierarch = false;   ///< the keyword is one that only a HIERARCH card can have
     bool hasHierarch = false;  ///< the line says so itself
     bool isInColumns = true;   ///< keyword and equals sign stand where cards have them
-    std::string commentary;    ///< of COMMENTARY: what follows column 8
     Repairs repairs;           ///< of the line's characters and columns
     bool isUpperCase = true;   ///< the keyword is written so
 
@@ -39,10 +39,10 @@ struct HeaderLine {
 };
 
 /// Reads a line.
-HeaderLine readLine(const std::string& text, std::size_t number);
+HeaderLine readLine(std::string text, std::size_t number);
 
 /// Whether a keyword is one of letters, digits, '-' and '_', 8 at most.
-bool isLegalKeyword(const std::string& keyword);
+bool isLegalKeyword(std::string_view keyword);
 
 }  // namespace zarn::ingest
 

@@ -12,6 +12,7 @@ namespace zarn::ingest {
 namespace {
 
 constexpr std::size_t MAX_LINES = 100000;  // far above any header; keeps memory and time bounded
+constexpr std::size_t USUAL_LINE = 40;     // [bytes]; few texts have shorter ones
 const char BYTE_ORDER_MARK[] = "\xEF\xBB\xBF";
 
 /// Whether a line's columns hold a card that stands as the standard wants it.
@@ -29,7 +30,7 @@ std::vector<std::string> piecesOf(const std::string& line) {
 }
 
 /// Whether nothing stands in the keyword's columns, as in commentary and blank cards.
-bool hasNoKeyword(const std::string& columns) { return isBlank(columns.substr(0, KEYWORD_LENGTH)); }
+bool hasNoKeyword(std::string_view columns) { return isBlank(columns.substr(0, KEYWORD_LENGTH)); }
 
 /// Whether a line is a row of cards: two at least, and at least half of those with a keyword.
 bool isRow(const std::vector<std::string>& pieces) {
@@ -39,21 +40,22 @@ bool isRow(const std::vector<std::string>& pieces) {
     return cards >= 2 && 2 * cards >= static_cast<std::ptrdiff_t>(pieces.size()) - without;
 }
 
-HeaderLine lineOf(const std::string& text, std::size_t number) {
+HeaderLine lineOf(std::string text, std::size_t number) {
     Repairs repairs;
-    HeaderLine line = readLine(inAscii(text, number, repairs), number);
+    HeaderLine line = readLine(inAscii(std::move(text), number, repairs), number);
     line.repairs = std::move(repairs);
     return line;
 }
 
-void addLine(const std::string& text, std::size_t number, std::vector<HeaderLine>& lines) {
-    const std::vector<std::string> pieces = piecesOf(text);
+void addLine(std::string text, std::size_t number, std::vector<HeaderLine>& lines) {
+    std::vector<std::string> pieces;
+    if (text.size() > CARD_LENGTH) pieces = piecesOf(text);
     if (!isRow(pieces)) {
-        lines.push_back(lineOf(text, number));
+        lines.push_back(lineOf(std::move(text), number));
         return;
     }
     const std::size_t first = lines.size();
-    for (const std::string& piece : pieces) lines.push_back(lineOf(piece, number));
+    for (std::string& piece : pieces) lines.push_back(lineOf(std::move(piece), number));
     lines[first].repairs[Repair::CUT_LINES].add(number);
 }
 
@@ -84,6 +86,7 @@ void takeIndent(std::vector<HeaderLine>& lines) {
 Lines linesOf(const std::string& bytes) {
     Lines result;
     const char lineEnd = bytes.find('\n') == std::string::npos ? '\r' : '\n';
+    result.lines.reserve(std::min(bytes.size() / USUAL_LINE + 1, MAX_LINES));
     std::size_t number = 0;
     const bool marked = bytes.rfind(BYTE_ORDER_MARK, 0) == 0;
     std::size_t at = marked ? sizeof BYTE_ORDER_MARK - 1 : 0;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "zarn-ingest/header/lines/Columns.h"
 
@@ -13,7 +15,8 @@ namespace {
 using Kind = HeaderLine::Kind;
 
 // How the lines begin by which dump programs name a header, behind what they draw around it.
-constexpr const char* NAMES_OF_HEADERS[] = {"HDU", "EXTENSION", "EXT ", "XTENSION", "HEADER OF "};
+constexpr std::string_view NAMES_OF_HEADERS[] = {"HDU", "EXTENSION", "EXT ", "XTENSION",
+                                                 "HEADER OF "};
 constexpr char DRAWN[] = "-=*#+<>[]|. ";
 
 /// "--- HDU 1 ---", "# HDU 2 in file.fits:", "=== Extension: SCI ===", "Extension 3:"
@@ -21,21 +24,21 @@ bool dividesHeaders(const HeaderLine& line) {
     if (line.kind != Kind::OTHER) return false;
     const std::size_t begin = line.text.find_first_not_of(DRAWN);
     if (begin == std::string::npos) return false;
-    const std::string name = upper(line.text.substr(begin));
+    const std::string name = upper(std::string_view(line.text).substr(begin));
     const bool isNumbered = name.find_first_of("0123456789") != std::string::npos;
     return (begin > 0 || isNumbered) &&
            std::any_of(std::begin(NAMES_OF_HEADERS), std::end(NAMES_OF_HEADERS),
-                       [&name](const char* word) { return name.rfind(word, 0) == 0; });
+                       [&name](std::string_view word) { return begins(name, word); });
 }
 
 /// Cards of a header's beginning, before which another one has hardly begun.
 bool isOfBeginning(const HeaderLine& line) {
-    constexpr const char* KEYWORDS[] = {"SIMPLE", "BITPIX", "EXTEND", "PCOUNT", "GCOUNT", "GROUPS"};
-    return line.keyword.rfind("NAXIS", 0) == 0 ||
-           std::find(std::begin(KEYWORDS), std::end(KEYWORDS), line.keyword) != std::end(KEYWORDS);
+    constexpr std::string_view KEYWORDS[] = {"SIMPLE", "BITPIX", "EXTEND",
+                                             "PCOUNT", "GCOUNT", "GROUPS"};
+    return begins(line.keyword, "NAXIS") || isOneOf(line.keyword, KEYWORDS);
 }
 
-bool isKeyword(const HeaderLine& line, const char* keyword) {
+bool isKeyword(const HeaderLine& line, std::string_view keyword) {
     return line.kind == Kind::VALUE && !line.isHierarch && line.keyword == keyword;
 }
 
@@ -53,8 +56,8 @@ std::vector<const HeaderLine*> nextCards(const std::vector<HeaderLine>& lines) {
 /// Goes through a text and collects its sections.
 class Divider {
 public:
-    Divider(const std::vector<HeaderLine>& lines, Repairs& repairs)
-        : lines_(lines), repairs_(repairs), next_(nextCards(lines)) {}
+    Divider(std::vector<HeaderLine> lines, Repairs& repairs)
+        : lines_(std::move(lines)), repairs_(repairs), next_(nextCards(lines_)) {}
 
     std::vector<Section> sections() {
         for (at_ = 0; at_ < lines_.size(); ++at_) take(lines_[at_]);
@@ -65,7 +68,7 @@ public:
     }
 
 private:
-    void take(const HeaderLine& line) {
+    void take(HeaderLine& line) {
         const bool begins = beginsHeader(line);
         if (begins) close();
         if (line.kind == Kind::END) {
@@ -73,13 +76,13 @@ private:
         } else if (line.kind == Kind::BLANK && section_.lines.empty()) {
             if (sections_.empty()) repairs_[Repair::BLANK_START].add(line.number);
         } else if (line.kind == Kind::OTHER && (begins || isTitle())) {
-            section_.titles.push_back(line);
+            section_.titles.push_back(std::move(line));
         } else {
-            section_.lines.push_back(line);
             hasStructure_ = hasStructure_ || isKeyword(line, "SIMPLE") ||
                             isKeyword(line, "XTENSION") || isKeyword(line, "BITPIX");
             hasValue_ = hasValue_ || line.kind == Kind::VALUE;
             hasContent_ = hasContent_ || (line.kind == Kind::VALUE && !isOfBeginning(line));
+            section_.lines.push_back(std::move(line));
         }
     }
 
@@ -96,7 +99,7 @@ private:
     /// A line that is no card and stands before the first card of its header.
     bool isTitle() const { return section_.lines.empty(); }
 
-    bool nextCardIs(const char* keyword) const {
+    bool nextCardIs(std::string_view keyword) const {
         return next_[at_] != nullptr && isKeyword(*next_[at_], keyword);
     }
 
@@ -123,7 +126,7 @@ private:
         last.insert(last.end(), section_.lines.begin(), section_.lines.end());
     }
 
-    const std::vector<HeaderLine>& lines_;
+    std::vector<HeaderLine> lines_;  ///< emptied up to the one that is looked at
     Repairs& repairs_;
     std::vector<const HeaderLine*> next_;  ///< the card behind each line
     std::vector<Section> sections_;
@@ -136,8 +139,8 @@ private:
 
 }  // namespace
 
-std::vector<Section> sectionsOf(const std::vector<HeaderLine>& lines, Repairs& repairs) {
-    return Divider(lines, repairs).sections();
+std::vector<Section> sectionsOf(std::vector<HeaderLine> lines, Repairs& repairs) {
+    return Divider(std::move(lines), repairs).sections();
 }
 
 }  // namespace zarn::ingest

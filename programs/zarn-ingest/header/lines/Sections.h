@@ -21,7 +21,7 @@ struct Section {
 ///
 /// @param repairs  where blank lines before the first card are counted
 /// @return         one section at least
-std::vector<Section> sectionsOf(const std::vector<HeaderLine>& lines, Repairs& repairs);
+std::vector<Section> sectionsOf(std::vector<HeaderLine> lines, Repairs& repairs);
 
 }  // namespace zarn::ingest
 
