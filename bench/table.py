@@ -1,7 +1,7 @@
 """Turns measurements into bench/rows.csv's table of ratios: table.py MEASUREMENTS DIRECTORY
 
-Prints the machine's facts and the table; the directory receives ratios.csv, ratios.png, growth.png
-and, for gnuplot, what they were drawn from.
+Prints the machine's facts and the table; the directory receives the table as ratios.csv and, for
+docs/performance.md, ratios.md, the pictures ratios.png and growth.png, and what they are drawn from.
 """
 
 import csv
@@ -46,7 +46,9 @@ def parse_aim(text):
 
 
 def show_ratio(ratio):
-    return f"{ratio:.2f}" if ratio >= 0.1 else f"1/{1 / ratio:.0f}"
+    if ratio >= 0.5:
+        return f"{ratio:.2f}"
+    return f"1/{1 / ratio:.1f}" if ratio > 0.1 else f"1/{1 / ratio:.0f}"
 
 
 def show_time(seconds):
@@ -115,6 +117,17 @@ def write_csv(rows, name):
                              row["seconds"], row["remark"]])
 
 
+def write_markdown(rows, name):
+    """Without our own times, and without what was measured beside an older build."""
+    left_out = (COLUMNS.index("met"), COLUMNS.index("ours"))
+    table = [COLUMNS, ["---"] * len(COLUMNS)]
+    table += [cells(row) for row in rows if not row["peer"].endswith("/before")]
+    with open(name, "w") as file:
+        for line in table:
+            kept = [cell for i, cell in enumerate(line) if i not in left_out]
+            file.write("| " + " | ".join(kept) + " |\n")
+
+
 def write_points(rows, measured, name):
     """A block of data for each series of growth, relative to its first point."""
     with open(name, "w") as file:
@@ -151,6 +164,7 @@ def main():
     print("\n".join(facts()), end="\n\n")
     print_table(rows)
     write_csv(rows, f"{directory}/ratios.csv")
+    write_markdown(rows, f"{directory}/ratios.md")
     write_ratios([row for row in rows if row["seconds"]], f"{directory}/ratios.dat")
     write_points(growth, measured, f"{directory}/growth.dat")
     draw(directory, "ratios", "growth")
