@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <iomanip>
 #include <sstream>
@@ -46,11 +47,13 @@ void addFile(const std::string& directory, std::size_t size) {
     const std::string content(size, 'x');
     const std::string bytes = std::to_string(size);
     FileIO(name, false, true).write(content);
-    addSide("file-write-" + bytes + "/ours",
-            [=] { return FileIO(name, false, true).write(content).close().getCompleteName(); });
+    addSide("file-write-" + bytes + "/ours", [=] {
+        FileIO(name, false, true).write(content.c_str());
+        return &content;
+    });
     addSide("file-write-" + bytes + "/bare", [=] {
         const int file = openFile(directory, name, O_WRONLY);
-        const ssize_t written = ::write(file, content.data(), content.size());
+        const ssize_t written = ::write(file, content.c_str(), std::strlen(content.c_str()));
         ::close(file);
         return written;
     });
@@ -77,6 +80,12 @@ std::string writeHeader(const std::string& directory, int cards) {
     return name;
 }
 
+/// Removes a card that may be missing.
+void removeKey(fitsfile* file, const char* keyword) {
+    int status = 0;
+    fits_delete_key(file, keyword, &status);
+}
+
 int convertByHand(const std::string& header) {
     fitsfile* file = nullptr;
     int status = 0;
@@ -85,6 +94,7 @@ int convertByHand(const std::string& header) {
     for (std::string line; std::getline(text, line);)
         fits_write_record(file, line.c_str(), &status);
     fits_update_key_lng(file, "NAXIS", 0, "# of axes in frame", &status);
+    for (const char* keyword : {"NAXIS1", "NAXIS2"}) removeKey(file, keyword);
     fits_close_file(file, &status);
     return status;
 }

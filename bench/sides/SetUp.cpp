@@ -59,6 +59,14 @@ void addProperties(const std::string& directory) {
         ours->get(SECTION, KEY, value);
         return value;
     });
+    const auto opened = std::make_shared<Properties>();
+    opened->load(file);
+    opened->open_section(SECTION);
+    addSide("properties-get/opened", [opened] {
+        std::string value;
+        opened->get(KEY, value);
+        return value;
+    });
     addSide("properties-get/boost",
             [tree = loadTree(file)] { return tree.get_child(SECTION).get<std::string>(KEY); });
     addSide("properties-get/inih",
@@ -147,6 +155,7 @@ std::vector<std::string> parseAce(CommandLine& line) {
 void addCommandLines() {
     const auto line = std::make_shared<CommandLine>();
     addSide("command-line/ours", [line] { return Config(*line).parseCommandLine(false); });
+    addSide("command-line/table", [line] { return std::make_unique<Config>(*line); });
     addSide("command-line/ace", [line] { return parseAce(*line); });
     addSide("command-line/cli11", [line] { return parseCli11(*line); });
     addSide("command-line/boost", [line] { return parseBoost(*line); });
