@@ -25,7 +25,10 @@ TEST(LogFileTest, ATornLineIsEndedBeforeTheNextOne) {
     write("three\n", 6);
     write("four\n", all);
     write("five\n", all);
-    EXPECT_EQ(dir.get("l.log"), "one\ntw\nfour\nfive\n");
+    const std::string text = dir.get("l.log");
+    EXPECT_EQ(text, "one\ntw\nfour\nfive\n");
+    EXPECT_EQ(log.rdbuf()->pubseekoff(0, std::ios_base::cur),
+              static_cast<std::streamoff>(text.size()));
 }
 
 }  // namespace zarn::ingest
