@@ -1,0 +1,149 @@
+#!/usr/bin/env python3
+"""Checks from traces of zarn-ingest that no power cut could make its journal untrue.
+
+    order.py PROGRAM SAMPLES
+
+A model of a disk follows the system calls: what was written or renamed counts as lost until a sync
+of the file, of its directory or of everything. At each journal line, the result that it tells of
+must be safe; at each move of a source, so must its journal line; at the end, everything. The runs
+are of one file, and of enough for several groups.
+"""
+
+import codecs
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+CALLS = "write,rename,renameat,renameat2,link,linkat,fsync,syncfs"
+SERVICE = """[ingest]
+pattern = in/*.hdr
+output-dir = out
+[service]
+done = done
+failed = failed
+journal = journal
+settle = 0
+least-free = 0
+"""
+RUNS = {  # arguments, and how many files
+    "a batch with a journal": (["-j", "journal", "-o", "out", "in/*.hdr"], (1, 100)),
+    "a batch that goes on": (["-r", "-j", "journal", "-o", "out", "in/*.hdr"], (1, 100)),
+    "the service": (["-p", "p.ini"], (1, 100)),
+}
+
+
+class Disk:
+    """What a power cut would take."""
+
+    def __init__(self):
+        self.written = set()  # files whose content is not safe
+        self.named = set()    # files whose names are not safe
+        self.told = {}        # sources in the journal, and the journal
+        self.faults = []
+        self.moves = 0
+
+    def write(self, path, text):
+        self.written.add(path)
+        if path.endswith(".journal"):
+            for line in text.splitlines():
+                self.tell(path, line.split("\t"))
+
+    def tell(self, journal, fields):
+        source, result = (os.path.abspath(name) for name in fields[2:4])
+        self.told[source] = journal
+        if fields[4] == "converted" and not self.is_safe(result):
+            self.faults.append(f"{fields[3]} is told of and not safe")
+
+    def rename(self, old, new):
+        if old.endswith(".hdr"):
+            self.moves += 1
+            if not self.is_safe(self.told.get(old)):
+                self.faults.append(f"{old} moves, and its journal line is not safe")
+        if old in self.written:
+            self.written.remove(old)
+            self.written.add(new)
+        self.named.discard(old)
+        self.named.add(new)
+
+    def sync(self, path):
+        self.written.discard(path)
+        self.named = {name for name in self.named if os.path.dirname(name) != path}
+
+    def sync_all(self):
+        self.written.clear()
+        self.named.clear()
+
+    def is_safe(self, path):
+        return path is not None and os.path.exists(path) and path not in self.written | self.named
+
+
+def follow(trace, disk):
+    """Plays the calls of a trace that succeeded."""
+    quoted = r'"((?:[^"\\]|\\.)*)"(?:\.\.\.)?'
+    place = r"(?:\w+<([^>]*)>, )?"
+    for line in trace.splitlines():
+        call = re.match(r"\d+ +(\w+)\((.*)\) += \d+$", line)
+        if not call:
+            continue
+        name, arguments = call.groups()
+        if name == "write":
+            written = re.match(rf"\d+<(/[^>]*)>, {quoted}", arguments)  # not files in memory
+            if written:
+                disk.write(written.group(1), codecs.decode(written.group(2), "unicode_escape"))
+        elif name == "fsync":
+            disk.sync(re.match(r"\d+<([^>]*)>", arguments).group(1))
+        elif name == "syncfs":
+            disk.sync_all()
+        else:
+            parts = re.match(rf"{place}{quoted}, {place}{quoted}", arguments).groups()
+            old, new = (os.path.join(folder or "", file) for folder, file in (parts[:2], parts[2:]))
+            disk.rename(os.path.abspath(old), os.path.abspath(new))
+
+
+def run(program, samples, arguments, files):
+    """Faults of one run in the present directory."""
+    os.mkdir("in")
+    text = (samples / "imager.hdr").read_text()
+    for number in range(files):
+        pathlib.Path(f"in/{number}.hdr").write_text(text)
+    pathlib.Path("p.ini").write_text(SERVICE)
+    subprocess.run(["strace", "-f", "-y", "-s", "100000", "-o", "trace", "-e", f"trace={CALLS}",
+                    program, "-q", *arguments], check=True)
+    disk = Disk()
+    follow(pathlib.Path("trace").read_text(errors="replace"), disk)
+    if len(disk.told) != files:
+        disk.faults.append(f"{len(disk.told)} of {files} files are in the journal")
+    if arguments[0] == "-p" and disk.moves != files:
+        disk.faults.append(f"{disk.moves} of {files} files were moved")
+    disk.faults += [f"{path} is not safe at the end" for path in sorted(disk.written | disk.named)
+                    if path.startswith(os.getcwd()) and os.path.exists(path)]
+    return disk.faults
+
+
+def main():
+    program, samples = os.path.realpath(sys.argv[1]), pathlib.Path(sys.argv[2]).resolve()
+    if subprocess.run(["strace", "-o", "/dev/null", "true"], capture_output=True).returncode != 0:
+        print("skipped: needs strace, and a kernel that lets it trace")
+        return 77
+    # The leak sanitizer does not work in a process that is traced.
+    os.environ["ASAN_OPTIONS"] = os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0"
+    failed = 0
+    here = os.getcwd()
+    for name, (arguments, numbers) in RUNS.items():
+        for files in numbers:
+            with tempfile.TemporaryDirectory() as directory:
+                os.chdir(os.path.realpath(directory))
+                faults = run(program, samples, arguments, files)
+                os.chdir(here)
+            for fault in faults:
+                print(f"FAILED: {name}, {files} files: {fault}")
+            failed += len(faults)
+            print(f"{name}, {files} files: {'ok' if not faults else 'untrue'}")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
