@@ -1,10 +1,11 @@
 #include "zarnsys/util/Astronomy.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <iterator>
 #include <limits>
+#include <utility>
 
 #include "zarnsys/util/Formulas.h"
 #include "zarnsys/util/Lunation.h"
@@ -51,6 +52,48 @@ constexpr PhaseTerm PHASE_TERMS[] = {
     {0, 1, 2, -0.0006, -0.0006},  {0, -1, 2, 0.001, 0.0021},  {1, 2, 0, 0.0005, 0.0003},
     {1, -2, 0, 0.0, 0.0004},      {2, 1, 0, 0.0, -0.0003},
 };
+constexpr auto EVERY_PHASE_TERM = std::make_index_sequence<std::size(PHASE_TERMS)>();
+
+constexpr double LUNATIONS_PER_CENTURY = 1236.85;
+
+/// What the mean phases and their corrections depend on [rad].
+struct PhaseAngles {
+    double m;
+    double mpr;
+    double f;
+};
+
+template <double PhaseTerm::*COLUMN, std::size_t I>
+double addPhaseTerm(double sum, const PhaseAngles& at) {
+    constexpr PhaseTerm TERM = PHASE_TERMS[I];
+    if constexpr (TERM.*COLUMN == 0.0) return sum;
+    return sum + TERM.*COLUMN * std::sin(TERM.m * at.m + TERM.mpr * at.mpr + TERM.f * at.f);
+}
+
+template <double PhaseTerm::*COLUMN, std::size_t... I>
+double addPhaseTerms(double sum, const PhaseAngles& at, std::index_sequence<I...> /*terms*/) {
+    ((sum = addPhaseTerm<COLUMN, I>(sum, at)), ...);
+    return sum;
+}
+
+double correctionOfNewOrFull(double T, const PhaseAngles& at) {
+    const double first = (0.1734 - 0.000393 * T) * std::sin(at.m);
+    return addPhaseTerms<&PhaseTerm::newFull>(first, at, EVERY_PHASE_TERM);
+}
+
+double correctionOfQuarter(double T, const PhaseAngles& at, int nph) {
+    const double first = (0.1721 - 0.0004 * T) * std::sin(at.m);
+    const double sum = addPhaseTerms<&PhaseTerm::quarter>(first, at, EVERY_PHASE_TERM);
+    const double quarter = 0.0028 - 0.0004 * std::cos(at.m) + 0.0003 * std::cos(at.mpr);
+    if (nph == 1) return sum + quarter;
+    return nph == 3 ? sum - quarter : sum;
+}
+
+/// The mean phase without its periodic term [d], Julian Date, at `lun` lunations and T centuries.
+double meanPhase(double lun, double T) {
+    const double T2 = T * T;
+    return 2415020.75933 + 29.53058868 * lun + 0.0001178 * T2 - 1.55e-7 * (T2 * T);
+}
 
 double newMoon(std::int64_t lunation) {
     double jd = 0;
@@ -58,23 +101,40 @@ double newMoon(std::int64_t lunation) {
     return jd;
 }
 
+/// Between which instants [d] a new moon comes for certain.
+struct Bounds {
+    double earliest;
+    double latest;
+};
+
+Bounds newMoonBounds(std::int64_t lunation) {
+    const auto lun = static_cast<double>(lunation);
+    const double T = lun / LUNATIONS_PER_CENTURY;
+    // The sum of all coefficients is 0.62493 + 0.000393 |T|; the rest is for rounding.
+    const double corrections = 0.626 + 0.0004 * std::fabs(T);
+    const double mean = meanPhase(lun, T);
+    return {mean - corrections, mean + corrections};
+}
+
 // The last instant for which the search for a new moon ends [d], Julian Date: the series' cubic
 // term lets the mean new moons advance up to lunation 346,000,000 only.
 constexpr double LAST_DATE = 6.836e9;
-constexpr double LONGEST_MEAN_LUNATION = 29.5307;  // [d], more than any
-constexpr double LUNATIONS_EPOCH = 2415020.5;      // [d], Julian Date
+constexpr double LONGEST_MEAN_LUNATION =
+    29.5307;                                   // [d], more than any, corrections' growth included
+constexpr double LUNATIONS_EPOCH = 2415020.5;  // [d], Julian Date
 
 /// Where the search for a new moon begins: a lunation early, at present.
 double firstGuess(double jd) {
     return std::trunc((jd - LUNATIONS_EPOCH) / LONGEST_MEAN_LUNATION - 1.0);
 }
 
-/// How many new moons from one at `newjd` on come before `jd` for certain: this one, and those that
-/// the corrections, which grow with the distance from 1900, cannot carry beyond it.
-std::int64_t newMoonsBefore(double jd, double newjd) {
-    const double corrections = 2.0 + 3.4e-8 * std::fabs(jd - LUNATIONS_EPOCH);  // [d], at most
-    const double lunations = (jd - newjd - corrections) / LONGEST_MEAN_LUNATION;
-    return 1 + static_cast<std::int64_t>(std::max(0.0, lunations));
+/// The first lunation from `n` on whose end is not before `jd` for certain.
+std::int64_t skipEarlier(std::int64_t n, double jd) {
+    for (;;) {
+        const double left = jd - newMoonBounds(n + 1).latest;
+        if (left <= 0.0) return n;
+        n += 1 + static_cast<std::int64_t>(left / LONGEST_MEAN_LUNATION);
+    }
 }
 
 }  // namespace
@@ -145,25 +205,16 @@ void lpmoon(double jd, double lat, double sid, double* ra, double* dec, double* 
 
 void flmoon(int n, int nph, double* jdout) {
     const double lun = 0.25 * nph + n;
-    const double T = lun / 1236.85;  // centuries
+    const double T = lun / LUNATIONS_PER_CENTURY;
     const double T2 = T * T;
     const double T3 = T2 * T;
-    const double jd = 2415020.75933 + 29.53058868 * lun + 0.0001178 * T2 - 1.55e-7 * T3 +
-                      0.00033 * sinDeg(166.56 + 132.87 * T - 0.009173 * T2);
-    const double M = (359.2242 + 29.10535608 * lun - 3.33e-5 * T2 - 3.47e-6 * T3) / DEG_PER_RAD;
-    const double Mpr =
-        (306.0253 + 385.81691806 * lun + 0.0107306 * T2 + 1.236e-5 * T3) / DEG_PER_RAD;
-    const double F = (21.2964 + 390.67050646 * lun - 0.0016528 * T2 - 2.39e-6 * T3) / DEG_PER_RAD;
+    const double jd = meanPhase(lun, T) + 0.00033 * sinDeg(166.56 + 132.87 * T - 0.009173 * T2);
+    const PhaseAngles at = {
+        (359.2242 + 29.10535608 * lun - 3.33e-5 * T2 - 3.47e-6 * T3) / DEG_PER_RAD,
+        (306.0253 + 385.81691806 * lun + 0.0107306 * T2 + 1.236e-5 * T3) / DEG_PER_RAD,
+        (21.2964 + 390.67050646 * lun - 0.0016528 * T2 - 2.39e-6 * T3) / DEG_PER_RAD};
     const bool newOrFull = nph == 0 || nph == 2;
-    double cor = (newOrFull ? 0.1734 - 0.000393 * T : 0.1721 - 0.0004 * T) * std::sin(M);
-    for (const PhaseTerm& term : PHASE_TERMS) {
-        const double argument = term.m * M + term.mpr * Mpr + term.f * F;
-        cor += (newOrFull ? term.newFull : term.quarter) * std::sin(argument);
-    }
-    const double quarter = 0.0028 - 0.0004 * std::cos(M) + 0.0003 * std::cos(Mpr);
-    if (nph == 1) cor += quarter;
-    if (nph == 3) cor -= quarter;
-    *jdout = jd + cor;
+    *jdout = jd + (newOrFull ? correctionOfNewOrFull(T, at) : correctionOfQuarter(T, at, nph));
 }
 
 Lunation findLunation(double jd) {
@@ -171,22 +222,21 @@ Lunation findLunation(double jd) {
     constexpr double FIRST_LUNATION = std::numeric_limits<int>::min();
     const double guess = firstGuess(jd);
     if (!(guess >= FIRST_LUNATION) || !(jd <= LAST_DATE)) return {0, NONE, NONE};
-    auto n = static_cast<std::int64_t>(guess);
-    double lastnewjd = newMoon(n);
-    double newjd = newMoon(n + 1);
-    while (newjd < jd) {  // as one lunation after the other, but sooner
-        const std::int64_t step = newMoonsBefore(jd, newjd);
-        n += step;
-        lastnewjd = step == 1 ? newjd : newMoon(n);
-        newjd = newMoon(n + 1);
+    // As if one lunation after the other were tried from the guess on, until one ends at `jd` or
+    // later; the series is needed for ends that may come on either side of it only.
+    std::int64_t n = skipEarlier(static_cast<std::int64_t>(guess), jd);
+    while (newMoonBounds(n + 1).earliest < jd) {
+        const double end = newMoon(n + 1);
+        if (end >= jd) return {static_cast<int>(n), newMoon(n), end};
+        ++n;
     }
-    return {static_cast<int>(n), lastnewjd, newjd};
+    return {static_cast<int>(n), newMoon(n), newMoonBounds(n + 1).earliest};
 }
 
 bool holds(const Lunation& lunation, double jd) {
     constexpr int REGULAR = 600000;  // so far from 1900, new moons still come in their order
     return lunation.number > -REGULAR && lunation.number < REGULAR && lunation.newMoon < jd &&
-           jd <= lunation.nextNewMoon && firstGuess(jd) <= lunation.number;
+           jd <= lunation.lastsUntil && firstGuess(jd) <= lunation.number;
 }
 
 float lun_age(double jd, int* nlun) {

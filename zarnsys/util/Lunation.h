@@ -5,8 +5,8 @@
 /// A lunation, as `flmoon` counts them.
 struct Lunation {
     int number;
-    double newMoon;      ///< that it begins with, Julian Date [d]; not a number: none was found
-    double nextNewMoon;  ///< Julian Date [d]
+    double newMoon;     ///< that it begins with, Julian Date [d]; not a number: none was found
+    double lastsUntil;  ///< for certain, Julian Date [d]: at most the next new moon
 };
 
 /// The lunation of an instant, by the search that `lun_age` describes.
