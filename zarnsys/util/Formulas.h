@@ -138,12 +138,15 @@ template <std::size_t N, std::size_t... I>
     return x == 0.0 ? onAxis : positive;
 }
 
-/// The sun's ecliptic longitude and the obliquity of the ecliptic [rad], see `lpsun`.
-[[gnu::always_inline]] inline double sunLongitude(double jd) {
-    const double n = jd - J2000;
-    const double L = 280.46 + 0.9856474 * n;
-    const double g = (357.528 + 0.9856003 * n) / DEG_PER_RAD;
-    return (L + 1.915 * std::sin(g) + 0.02 * std::sin(2.0 * g)) / DEG_PER_RAD;
+/// The sun's mean anomaly, its ecliptic longitude and the obliquity of the ecliptic [rad], see
+/// `lpsun`.
+[[gnu::always_inline]] inline double sunAnomaly(double jd) {
+    return (357.528 + 0.9856003 * (jd - J2000)) / DEG_PER_RAD;
+}
+[[gnu::always_inline]] inline double sunLongitude(double jd, const Pair& anomaly) {
+    const double L = 280.46 + 0.9856474 * (jd - J2000);
+    const double sineOfTwice = 2.0 * anomaly.sine * anomaly.cosine;
+    return (L + 1.915 * anomaly.sine + 0.02 * sineOfTwice) / DEG_PER_RAD;
 }
 [[gnu::always_inline]] inline double obliquity(double jd) {
     return (23.439 - 4e-7 * (jd - J2000)) / DEG_PER_RAD;
@@ -196,6 +199,19 @@ template <std::size_t N, std::size_t... I>
                                                const Pair& latitude) {
     return {south * latitude.cosine + pole * latitude.sine,
             pole * latitude.cosine - south * latitude.sine, -west};
+}
+
+/// Altitude and azimuth [deg] of a direction in the frame of the horizon, see `altit`.
+[[gnu::always_inline]] inline double altitude(const Vector& horizon) {
+    return std::asin(withinOne(horizon.x)) * DEG_PER_RAD;
+}
+[[gnu::always_inline]] inline double azimuth(const Vector& horizon) {
+    return circleAngle(horizon.y, horizon.z) * DEG_PER_RAD;
+}
+
+/// The cosine of the angle between two directions.
+[[gnu::always_inline]] inline double cosineBetween(const Vector& a, const Vector& b) {
+    return withinOne(a.x * b.x + a.y * b.y + a.z * b.z);
 }
 
 }  // namespace formulas

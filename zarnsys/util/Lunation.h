@@ -5,8 +5,9 @@
 /// A lunation, as `flmoon` counts them.
 struct Lunation {
     int number;
-    double newMoon;     ///< that it begins with, Julian Date [d]; not a number: none was found
-    double lastsUntil;  ///< for certain, Julian Date [d]: at most the next new moon
+    double newMoon;      ///< that it begins with, Julian Date [d]; not a number: none was found
+    double uncertainty;  ///< of that against what `flmoon` gives [d], at most
+    double lastsUntil;   ///< for certain, Julian Date [d]: at most the next new moon
 };
 
 /// The lunation of an instant, by the search that `lun_age` describes.
@@ -14,5 +15,9 @@ Lunation findLunation(double jd);
 
 /// Whether `findLunation` would find this lunation again for another instant; false when in doubt.
 bool holds(const Lunation& lunation, double jd);
+
+/// The moon's age at an instant of a lunation, see `lun_age`: to the last bit that of the new moon
+/// by `flmoon`, which takes its place in the lunation where its uncertainty matters.
+float ageIn(Lunation& lunation, double jd);
 
 #endif  // ZARNSYS_UTIL_LUNATION_H

@@ -57,7 +57,7 @@ struct Observer {
 struct Instants {
     Values jd;  ///< Julian Date [d]
     Values siderealTime;
-    Angles sidereal, moonLongitude, moonLatitude, moonParallax, sunLongitude, obliquity;
+    Angles sidereal, moonLongitude, moonLatitude, moonParallax, sunAnomaly, sunLongitude, obliquity;
     Values moonX, moonY, moonZ;  ///< direction of the moon
     Values altitude, azimuth, distance, elongation, illumination;
 };
@@ -89,11 +89,14 @@ struct Directions {
     for (std::size_t i = 0; i < BLOCK; ++i) {
         at.moonLongitude.angle[i] = formulas::moonLongitude(at.jd[i]);
         at.moonLatitude.angle[i] = formulas::moonLatitude(at.jd[i]);
-        at.sunLongitude.angle[i] = formulas::sunLongitude(at.jd[i]);
+        at.sunAnomaly.angle[i] = formulas::sunAnomaly(at.jd[i]);
         at.obliquity.angle[i] = formulas::obliquity(at.jd[i]);
     }
     for (std::size_t i = 0; i < BLOCK; ++i)
         at.moonParallax.angle[i] = formulas::moonParallax(at.jd[i]);
+    fillPairs(at.sunAnomaly);
+    for (std::size_t i = 0; i < BLOCK; ++i)
+        at.sunLongitude.angle[i] = formulas::sunLongitude(at.jd[i], at.sunAnomaly.pair(i));
     for (Angles* angles : {&at.sidereal, &at.moonLongitude, &at.moonLatitude, &at.moonParallax,
                            &at.sunLongitude, &at.obliquity})
         fillPairs(*angles);
@@ -112,13 +115,13 @@ struct Directions {
         const double west = moon.x * lst.sine - moon.y * lst.cosine;
         const Vector horizon = formulas::toHorizon(south, west, moon.z, observer.latitude);
         const Vector sun = formulas::sunDirection(at.sunLongitude.pair(i), at.obliquity.pair(i));
-        const double cosSun = formulas::withinOne(sun.x * moon.x + sun.y * moon.y + sun.z * moon.z);
+        const double cosSun = formulas::cosineBetween(sun, moon);
         at.moonX[i] = moon.x;
         at.moonY[i] = moon.y;
         at.moonZ[i] = moon.z;
         at.distance[i] = distance;
-        at.altitude[i] = std::asin(formulas::withinOne(horizon.x)) * formulas::DEG_PER_RAD;
-        at.azimuth[i] = formulas::circleAngle(horizon.y, horizon.z) * formulas::DEG_PER_RAD;
+        at.altitude[i] = formulas::altitude(horizon);
+        at.azimuth[i] = formulas::azimuth(horizon);
         at.elongation[i] = std::acos(cosSun) * FULL_DEG_PER_RAD;
         at.illumination[i] = (1.0 - cosSun) * 0.5;
     }
@@ -147,8 +150,9 @@ struct Directions {
                                                       double* __restrict separations) {
     const std::size_t count = targets.x.size();
     for (std::size_t i = 0; i < count; ++i) {
-        const double cosine = targets.x[i] * moon.x + targets.y[i] * moon.y + targets.z[i] * moon.z;
-        separations[i] = std::acos(formulas::withinOne(cosine)) * FULL_DEG_PER_RAD;
+        const double cosine =
+            formulas::cosineBetween({targets.x[i], targets.y[i], targets.z[i]}, moon);
+        separations[i] = std::acos(cosine) * FULL_DEG_PER_RAD;
     }
 }
 
@@ -225,8 +229,7 @@ void computePhases(const std::vector<MJD_DATE>& instants, std::vector<double>& p
     for (std::size_t i = 0; i < instants.size(); ++i) {
         const double jd = instants[i] + JD_OF_MJD_0;
         if (!holds(lunation, jd)) lunation = findLunation(jd);
-        const auto age = static_cast<float>(jd - lunation.newMoon);
-        phases[i] = static_cast<double>(age) / SYNODIC_MONTH;
+        phases[i] = static_cast<double>(ageIn(lunation, jd)) / SYNODIC_MONTH;
     }
 }
 
