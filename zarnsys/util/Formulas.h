@@ -47,8 +47,9 @@ constexpr Term LATITUDE[] = {
     {-0.28, 318.3, 6003.18},
     {-0.17, 217.6, -407332.2},
 };
+constexpr double MEAN_PARALLAX = 0.9508;  // [deg]
 constexpr Term PARALLAX[] = {
-    // cosines
+    // cosines, of the first angles of the longitude
     {0.0518, 134.9, 477198.85},
     {0.0095, 259.2, -413335.38},
     {0.0078, 235.7, 890534.23},
@@ -97,17 +98,22 @@ struct Place {
     return notBelow > 1.0 ? 1.0 : notBelow;
 }
 
+/// The angle of a term [rad].
+[[gnu::always_inline]] inline double angleOf(const Term& term, double T) {
+    return (term.phase + term.rate * T) / DEG_PER_RAD;
+}
+
 template <std::size_t N, std::size_t... I>
 [[gnu::always_inline]] inline double addSines(double sum, const Term (&series)[N], double T,
                                               std::index_sequence<I...> /*terms*/) {
-    ((sum += series[I].amplitude * sinDeg(series[I].phase + series[I].rate * T)), ...);
+    ((sum += series[I].amplitude * std::sin(angleOf(series[I], T))), ...);
     return sum;
 }
 
 template <std::size_t N, std::size_t... I>
 [[gnu::always_inline]] inline double addCosines(double sum, const Term (&series)[N], double T,
                                                 std::index_sequence<I...> /*terms*/) {
-    ((sum += series[I].amplitude * cosDeg(series[I].phase + series[I].rate * T)), ...);
+    ((sum += series[I].amplitude * std::cos(angleOf(series[I], T))), ...);
     return sum;
 }
 
@@ -156,21 +162,27 @@ template <std::size_t N, std::size_t... I>
     return {longitude.cosine, obliquity.cosine * longitude.sine, obliquity.sine * longitude.sine};
 }
 
+/// Julian centuries from J2000.
+[[gnu::always_inline]] inline double centuries(double jd) {
+    return (jd - J2000) / DAYS_PER_CENTURY;
+}
+
+/// The moon's mean longitude [deg].
+[[gnu::always_inline]] inline double moonMeanLongitude(double T) { return 218.32 + 481267.883 * T; }
+
 /// The moon's ecliptic longitude, latitude and parallax [rad], see `lpmoon`.
 [[gnu::always_inline]] inline double moonLongitude(double jd) {
-    const double T = (jd - J2000) / DAYS_PER_CENTURY;
+    const double T = centuries(jd);
     const std::make_index_sequence<std::size(LONGITUDE)> terms;
-    return addSines(218.32 + 481267.883 * T, LONGITUDE, T, terms) / DEG_PER_RAD;
+    return addSines(moonMeanLongitude(T), LONGITUDE, T, terms) / DEG_PER_RAD;
 }
 [[gnu::always_inline]] inline double moonLatitude(double jd) {
-    const double T = (jd - J2000) / DAYS_PER_CENTURY;
     const std::make_index_sequence<std::size(LATITUDE)> terms;
-    return addSines(0.0, LATITUDE, T, terms) / DEG_PER_RAD;
+    return addSines(0.0, LATITUDE, centuries(jd), terms) / DEG_PER_RAD;
 }
 [[gnu::always_inline]] inline double moonParallax(double jd) {
-    const double T = (jd - J2000) / DAYS_PER_CENTURY;
     const std::make_index_sequence<std::size(PARALLAX)> terms;
-    return addCosines(0.9508, PARALLAX, T, terms) / DEG_PER_RAD;
+    return addCosines(MEAN_PARALLAX, PARALLAX, centuries(jd), terms) / DEG_PER_RAD;
 }
 
 /// The moon as an observer sees it, see `lpmoon`.

@@ -154,7 +154,8 @@ Bounds newMoonBounds(std::int64_t lunation) {
 // term lets the mean new moons advance up to lunation 346,000,000 only.
 constexpr double LAST_DATE = 6.836e9;
 constexpr double LONGEST_MEAN_LUNATION = 29.5307;  // [d], more than any, with growing corrections
-constexpr double LUNATIONS_EPOCH = 2415020.5;      // [d], Julian Date
+constexpr double NEVER = -std::numeric_limits<double>::infinity();
+constexpr double LUNATIONS_EPOCH = 2415020.5;  // [d], Julian Date
 
 /// Where the search for a new moon begins: a lunation early, at present.
 double firstGuess(double jd) {
@@ -170,10 +171,15 @@ std::int64_t skipEarlier(std::int64_t n, double jd) {
     }
 }
 
-Lunation lunationOf(std::int64_t n, double lastsUntil) {
+Lunation lunationOf(std::int64_t n, double until) {
     constexpr double TWO_UNITS = 4.5e-16;  // of the last place, relative
+    constexpr int REGULAR = 600000;        // up to there new moons come in their order,
+    // and from the first on the search begins early enough for every instant.
+    const bool isRegular = n >= 0 && n < REGULAR;
     const double begin = quickNewMoon(n);
-    return {static_cast<int>(n), begin, TWO_UNITS * std::fabs(begin), lastsUntil};
+    const double uncertainty = TWO_UNITS * std::fabs(begin);
+    return {static_cast<int>(n), begin, uncertainty, begin + uncertainty,
+            isRegular ? until : NEVER};
 }
 
 }  // namespace
@@ -188,7 +194,7 @@ Lunation findLunation(double jd) {
     constexpr double NONE = std::numeric_limits<double>::quiet_NaN();
     constexpr double FIRST_LUNATION = std::numeric_limits<int>::min();
     const double guess = firstGuess(jd);
-    if (!(guess >= FIRST_LUNATION) || !(jd <= LAST_DATE)) return {0, NONE, 0.0, NONE};
+    if (!(guess >= FIRST_LUNATION) || !(jd <= LAST_DATE)) return {0, NONE, 0.0, NEVER, NEVER};
     // As if one lunation after the other were tried from the guess on, until one ends at `jd` or
     // later; the series is needed for ends that may come on either side of it only.
     std::int64_t n = skipEarlier(static_cast<std::int64_t>(guess), jd);
@@ -200,20 +206,9 @@ Lunation findLunation(double jd) {
     return lunationOf(n, newMoonBounds(n + 1).earliest);
 }
 
-bool holds(const Lunation& lunation, double jd) {
-    constexpr int REGULAR = 600000;  // so far from 1900, new moons still come in their order
-    return lunation.number > -REGULAR && lunation.number < REGULAR &&
-           lunation.newMoon + lunation.uncertainty < jd && jd <= lunation.lastsUntil &&
-           firstGuess(jd) <= lunation.number;
-}
-
-float ageIn(Lunation& lunation, double jd) {
-    const auto least = static_cast<float>(jd - (lunation.newMoon + lunation.uncertainty));
-    const auto most = static_cast<float>(jd - (lunation.newMoon - lunation.uncertainty));
-    if (!(least < most)) return most;
+void makeExact(Lunation& lunation) {
     lunation.newMoon = newMoon(lunation.number);
     lunation.uncertainty = 0.0;
-    return static_cast<float>(jd - lunation.newMoon);
 }
 
 float lun_age(double jd, int* nlun) {
