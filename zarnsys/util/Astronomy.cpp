@@ -80,26 +80,15 @@ void lpmoon(double jd, double lat, double sid, double* ra, double* dec, double* 
 
 double lunskybright(double alpha, double rho, double kzen, double altmoon, double alt,
                     double moondist) {
-    constexpr double MEAN_DISTANCE = 60.27;  // of the moon [Earth radii]
-    const double a = 180.0 - alpha;          // the moon's phase angle [deg]
-    const double d = moondist / MEAN_DISTANCE;
-    double istar =
-        std::pow(10.0, -0.4 * (3.84 + 0.026 * std::fabs(a) + 4e-9 * a * a * a * a)) / (d * d);
-    if (std::fabs(a) < 7.0) istar *= 1.35 - 0.05 * std::fabs(a);
-    const double cosRho = cosDeg(rho);
-    double fofrho = 229087.0 * (1.06 + cosRho * cosRho);
-    if (std::fabs(rho) > 10.0) {
-        fofrho += std::pow(10.0, 6.15 - rho / 40.0);
-    } else if (std::fabs(rho) > 0.25) {
-        fofrho += 6.2e7 / (rho * rho);
-    } else {
-        fofrho += 9.9e8;  // within the lunar disc
-    }
-    const double sinZmoon = sinDeg(90.0 - altmoon);
-    const double sinZ = sinDeg(90.0 - alt);
-    const double Xzm = 1.0 / std::sqrt(1.0 - 0.96 * sinZmoon * sinZmoon);
-    const double Xo = 1.0 / std::sqrt(1.0 - 0.96 * sinZ * sinZ);
-    const double Bmoon = fofrho * istar * std::pow(10.0, -0.4 * kzen * Xzm) *
-                         (1.0 - std::pow(10.0, -0.4 * kzen * Xo));  // [nanolambert]
-    return Bmoon > 0.001 ? 22.5 - 1.08574 * std::log(Bmoon / 34.08) : 99.0;
+    const auto tenTo = [](double exponent) { return std::pow(10.0, exponent); };
+    const double phaseAngle = 180.0 - alpha;
+    const double moon = formulas::atDistance(tenTo(formulas::illuminanceExponent(phaseAngle)),
+                                             moondist, phaseAngle);
+    const double scattered =
+        formulas::scattering(rho, cosDeg(rho), tenTo(formulas::farScatteringExponent(rho)));
+    const double arriving = tenTo(formulas::remainingExponent(kzen, sinDeg(altmoon)));
+    const double passing = tenTo(formulas::remainingExponent(kzen, sinDeg(alt)));
+    const double light = scattered * moon * arriving * (1.0 - passing);
+    if (!(light > formulas::LEAST_MOONLIGHT)) return 99.0;
+    return formulas::magnitude(std::log(light / formulas::LIGHT_UNIT));
 }

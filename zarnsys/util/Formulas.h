@@ -221,6 +221,66 @@ template <std::size_t N, std::size_t... I>
     return circleAngle(horizon.y, horizon.z) * DEG_PER_RAD;
 }
 
+/// Moonlight by Krisciunas & Schaefer 1991, PASP 103, 1033, see `lunskybright`. Powers of ten come
+/// in from outside: loops take another way to them.
+constexpr double LEAST_MOONLIGHT = 0.001;  // [nanolambert], that which is negligible
+
+/// The power of ten that the moon's illuminance at its mean distance is.
+///
+/// @param phaseAngle  0 at full moon [deg]
+[[gnu::always_inline]] inline double illuminanceExponent(double phaseAngle) {
+    const double a = phaseAngle;
+    return -0.4 * (3.84 + 0.026 * std::fabs(a) + 4e-9 * a * a * a * a);
+}
+
+/// What the moon's distance [Earth radii] and its opposition surge make of that.
+[[gnu::always_inline]] inline double atDistance(double illuminance, double distance,
+                                                double phaseAngle) {
+    constexpr double MEAN_DISTANCE = 60.27;  // [Earth radii]
+    const double d = distance / MEAN_DISTANCE;
+    const double a = std::fabs(phaseAngle);
+    return illuminance / (d * d) * (a < 7.0 ? 1.35 - 0.05 * a : 1.0);
+}
+
+/// The power of ten that a term of the scattering is, beyond 10 degrees from the moon.
+[[gnu::always_inline]] inline double farScatteringExponent(double rho) { return 6.15 - rho / 40.0; }
+
+/// How much moonlight is scattered.
+///
+/// @param rho     angle to the moon [deg]
+/// @param cosRho  its cosine
+/// @param far     10 to the power of `farScatteringExponent`
+[[gnu::always_inline]] inline double scattering(double rho, double cosRho, double far) {
+    const double r = std::fabs(rho);
+    const double near = r > 0.25 ? 6.2e7 / (rho * rho) : 9.9e8;  // that within the lunar disc
+    return 229087.0 * (1.06 + cosRho * cosRho) + (r > 10.0 ? far : near);
+}
+
+/// The power of ten that remains of light on its way through the air.
+///
+/// @param extinction  [mag per airmass]
+/// @param sine        of the altitude
+[[gnu::always_inline]] inline double remainingExponent(double extinction, double sine) {
+    const double airmass = 1.0 / std::sqrt(1.0 - 0.96 * (1.0 - sine * sine));
+    return -0.4 * extinction * airmass;
+}
+
+/// A brightness [mag per square arc second], given the natural logarithm of that in `LIGHT_UNIT`s.
+constexpr double LIGHT_UNIT = 34.08;  // [nanolambert]
+[[gnu::always_inline]] inline double magnitude(double logarithm) {
+    return 22.5 - 1.08574 * logarithm;
+}
+
+/// The angle [rad] whose sine is the reciprocal of the airmass, by Pickering 2002, DIO 12, 3: good
+/// down to the horizon, which the secant of the zenith distance is not.
+///
+/// @param altitude  [deg]
+/// @param power     the altitude to the power of `AIRMASS_POWER`
+constexpr double AIRMASS_POWER = 1.1;
+[[gnu::always_inline]] inline double airmassAngle(double altitude, double power) {
+    return (altitude + 244.0 / (165.0 + 47.0 * power)) / DEG_PER_RAD;
+}
+
 /// The cosine of the angle between two directions.
 [[gnu::always_inline]] inline double cosineBetween(const Vector& a, const Vector& b) {
     return withinOne(a.x * b.x + a.y * b.y + a.z * b.z);

@@ -47,6 +47,14 @@ constexpr std::size_t LANES = 8;   // doubles in the longest vector
 constexpr std::size_t BLOCK = 64;  // instants worked on together: they stay in the nearest cache
 using Values = double[BLOCK];      // a plain array: gcc 12 does not vectorise over std::array
 
+#ifdef ZARNSYS_VECTOR_FUNCTIONS
+/// What this processor and its system can run.
+inline bool hasAvx512() {
+    return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq");
+}
+inline bool hasAvx2() { return __builtin_cpu_supports("avx2"); }
+#endif
+
 /// A count raised to whole vectors: loops over so many need no rest one by one.
 [[gnu::always_inline]] inline std::size_t wholeVectors(std::size_t count) {
     return (count + LANES - 1) / LANES * LANES;

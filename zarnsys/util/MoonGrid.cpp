@@ -119,9 +119,8 @@ void computeAnywhere(const std::vector<SkyPosition>& targets, const std::vector<
 /// The fastest form that this processor and its system can run.
 Compute* chooseCompute() {
 #ifdef ZARNSYS_VECTOR_FUNCTIONS
-    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq"))
-        return computeAvx512;
-    if (__builtin_cpu_supports("avx2")) return computeAvx2;
+    if (grids::hasAvx512()) return computeAvx512;
+    if (grids::hasAvx2()) return computeAvx2;
 #endif
     return computeAnywhere;
 }
