@@ -2,8 +2,8 @@
 
 #include <zarnsys/util/Astronomy.h>
 
-#include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "shared/sky/Angles.h"
 #include "shared/sky/Calendar.h"
