@@ -17,7 +17,6 @@ using formulas::siderealTime;
 using formulas::sinDeg;
 using formulas::toHorizon;
 using formulas::Vector;
-using formulas::withinOne;
 using positions::pairOf;
 using positions::SMALL_ANGLE;
 

@@ -189,20 +189,10 @@ struct SunPlace {
     fillPairs(sidereal, lanes);
 }
 
-/// Computes the values of `count` instants [d], at least one and at most a block of them.
-[[gnu::always_inline]] inline void computeInstants(const Observer& observer,
-                                                   const MJD_DATE* instants, std::size_t count,
-                                                   Instants& at) {
-    const std::size_t lanes = wholeVectors(count);
-    at.count = count;
-    std::fill_n(at.jd + (lanes - LANES), LANES, instants[count - 1] + JD_OF_MJD_0);
-    for (std::size_t i = 0; i < count; ++i) at.jd[i] = instants[i] + JD_OF_MJD_0;
-    Angles sidereal;
-    MoonPlace moons;
-    SunPlace suns;
-    fillSidereal(observer, lanes, at, sidereal);
-    fillMoon(at.jd, lanes, moons);
-    fillSun(at.jd, lanes, suns);
+/// Directions and what comes from them without a function's call.
+[[gnu::always_inline]] inline void fillPlaces(const Observer& observer, std::size_t lanes,
+                                              const Angles& sidereal, const MoonPlace& moons,
+                                              const SunPlace& suns, Instants& at) {
     for (std::size_t i = 0; i < lanes; ++i) {
         const Pair lst = sidereal.pair(i);
         const Vector zenith = {observer.latitude.cosine * lst.cosine,
@@ -227,6 +217,23 @@ struct SunPlace {
         at.cosSun[i] = formulas::cosineBetween(sun, moon);
         at.illumination[i] = (1.0 - at.cosSun[i]) * 0.5;
     }
+}
+
+/// Computes the values of `count` instants [d], at least one and at most a block of them.
+[[gnu::always_inline]] inline void computeInstants(const Observer& observer,
+                                                   const MJD_DATE* instants, std::size_t count,
+                                                   Instants& at) {
+    const std::size_t lanes = wholeVectors(count);
+    at.count = count;
+    std::fill_n(at.jd + (lanes - LANES), LANES, instants[count - 1] + JD_OF_MJD_0);
+    for (std::size_t i = 0; i < count; ++i) at.jd[i] = instants[i] + JD_OF_MJD_0;
+    Angles sidereal;
+    MoonPlace moons;
+    SunPlace suns;
+    fillSidereal(observer, lanes, at, sidereal);
+    fillMoon(at.jd, lanes, moons);
+    fillSun(at.jd, lanes, suns);
+    fillPlaces(observer, lanes, sidereal, moons, suns, at);
     for (std::size_t i = 0; i < lanes; ++i)
         at.altitude[i] = formulas::altitude({at.up[i], at.north[i], at.east[i]});
     for (std::size_t i = 0; i < lanes; ++i)
@@ -239,20 +246,16 @@ struct SunPlace {
 struct Directions {
     explicit Directions(std::size_t targets)
         : count(targets),
-          lanes(wholeVectors(targets)),
-          values(3 * lanes),
-          x(values.data()),
-          y(x + lanes),
-          z(y + lanes) {}
+          x(wholeVectors(targets)),
+          y(wholeVectors(targets)),
+          z(wholeVectors(targets)) {}
 
     Vector operator()(std::size_t i) const { return {x[i], y[i], z[i]}; }
 
     std::size_t count;
-    std::size_t lanes;
-    std::vector<double> values;
-    double* x;
-    double* y;
-    double* z;
+    std::vector<double> x;
+    std::vector<double> y;
+    std::vector<double> z;
 };
 
 /// The directions of the targets from `begin` on, at most a block of them.

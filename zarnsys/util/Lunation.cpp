@@ -171,15 +171,16 @@ std::int64_t skipEarlier(std::int64_t n, double jd) {
     }
 }
 
+/// A lunation, given an instant up to which it lasts for certain.
 Lunation lunationOf(std::int64_t n, double until) {
     constexpr double TWO_UNITS = 4.5e-16;  // of the last place, relative
-    constexpr int REGULAR = 600000;        // up to there new moons come in their order,
-    // and from the first on the search begins early enough for every instant.
+    // Up to there new moons come in their order; before the first the search may begin too late.
+    constexpr int REGULAR = 600000;
     const bool isRegular = n >= 0 && n < REGULAR;
     const double begin = quickNewMoon(n);
     const double uncertainty = TWO_UNITS * std::fabs(begin);
-    return {static_cast<int>(n), begin, uncertainty, begin + uncertainty,
-            isRegular ? until : NEVER};
+    if (!isRegular) until = NEVER;
+    return {static_cast<int>(n), begin, uncertainty, begin + uncertainty, until};
 }
 
 }  // namespace
