@@ -1,12 +1,14 @@
-/// How much faster the moon grid is than the classic call, evaluation by evaluation.
+/// How much faster the grids are than the classic calls, evaluation by evaluation.
 ///
 ///     moon-grid [ROUNDS]
 ///
-/// Each round runs both over the same targets and instants, one after the other, and fills a grid
-/// that is kept. Prints, for each shape, the median of the rounds, the range that holds all of
-/// them, and the largest differences between the two results. "Kept" is the time for a grid that
-/// the caller keeps; all else is of grids made anew.
+/// The moon grid against `computeMoonParam`, the sky grid against `altit` and `lunskybright`
+/// together. Each round runs both over the same targets and instants, one after the other, and
+/// fills a grid that is kept. Prints, for each shape, the median of the rounds, the range that
+/// holds all of them, and the largest differences between the two results. "Kept" is the time for a
+/// grid that the caller keeps; all else is of grids made anew.
 
+#include <zarnsys/util/Astronomy.h>
 #include <zarnsys/util/MoonGrid.h>
 
 #include <algorithm>
@@ -60,51 +62,109 @@ Input makeInput(const Shape& shape) {
     return input;
 }
 
-/// Seconds per evaluation of the classic call, over evaluations spread through the grid; `worst`
-/// becomes the largest difference of a separation from the grid's [deg].
-double timeClassic(const Input& input, const MoonGrid& grid, double& worst) {
+/// Values that the classic calls and a grid give for the same places in the grid's table.
+struct Comparison {
+    double secondsPerValue;  ///< of the classic calls
+    double worst;            ///< difference
+};
+
+/// Evaluates `classic`, given a target and an instant's index, at places spread through a table.
+template <typename Classic>
+Comparison compareWith(const Input& input, const TargetTable& table, const Classic& classic) {
     const std::size_t all = input.targets.size() * input.instants.size();
     const std::size_t stride = std::max<std::size_t>(1, all / MOST_CLASSIC);
-    const Place place = somePlace();
-    std::vector<double> separations;
+    std::vector<double> values;
     const auto start = std::chrono::steady_clock::now();
-    for (std::size_t i = 0; i < all; i += stride) {
-        const SkyPosition& target = input.targets[i % input.targets.size()];
-        double lst = 0, fli = 0, dist = 0, alt = 0, az = 0, phase = 0, sun = 0, range = 0;
-        computeMoonParam(target.ra, target.dec, input.instants[i / input.targets.size()],
-                         place.westLongitude, place.latitude, &lst, &fli, &dist, &alt, &az, &phase,
-                         &sun, &range);
-        separations.push_back(dist);
-    }
+    for (std::size_t i = 0; i < all; i += stride)
+        values.push_back(
+            classic(input.targets[i % input.targets.size()], i / input.targets.size()));
     const double seconds = secondsSince(start);
-    const double* const everySeparation = grid.separation.row(0);
-    for (std::size_t i = 0; i < separations.size(); ++i)
-        worst = std::max(worst, std::fabs(separations[i] - everySeparation[i * stride]));
-    return seconds / static_cast<double>(separations.size());
+    double worst = 0;
+    for (std::size_t i = 0; i < values.size(); ++i)
+        worst = std::max(worst, std::fabs(values[i] - table.row(0)[i * stride]));
+    return {seconds / static_cast<double>(values.size()), worst};
 }
+
+/// The moon grid, its separations compared [deg].
+struct Moon {
+    using Grid = MoonGrid;
+
+    static void fill(const Input& input, MoonGrid& grid) {
+        computeMoonGrid(input.targets, input.instants, somePlace(), grid);
+    }
+
+    static Comparison compare(const Input& input, const MoonGrid& grid) {
+        const Place place = somePlace();
+        return compareWith(input, grid.separation, [&](const SkyPosition& target, std::size_t i) {
+            double lst = 0, fli = 0, dist = 0, alt = 0, az = 0, phase = 0, sun = 0, range = 0;
+            computeMoonParam(target.ra, target.dec, input.instants[i], place.westLongitude,
+                             place.latitude, &lst, &fli, &dist, &alt, &az, &phase, &sun, &range);
+            return dist;
+        });
+    }
+};
+
+/// The sky grid, its altitudes compared [deg].
+struct Sky {
+    using Grid = SkyGrid;
+
+    static SkyConditions conditions() {
+        SkyConditions some;
+        some.extinction = 0.172;
+        some.darkSky = 21.8;
+        return some;
+    }
+
+    static void fill(const Input& input, SkyGrid& grid) {
+        computeSkyGrid(input.targets, input.instants, somePlace(), conditions(), grid);
+    }
+
+    static Comparison compare(const Input& input, const SkyGrid& grid) {
+        const MoonGrid moon = computeMoonGrid({}, input.instants, somePlace());
+        const double latitude = somePlace().latitude;
+        const double extinction = conditions().extinction;
+        double light = 0;
+        const Comparison result =
+            compareWith(input, grid.altitude, [&](const SkyPosition& target, std::size_t i) {
+                constexpr double RHO = 60.0;  // [deg]
+                double azimuth = 0;
+                const double ha = adj_time(moon.siderealTime[i] - target.ra / zarn::DEG_PER_HOUR);
+                const double altitude = altit(target.dec, ha, latitude, &azimuth);
+                light += lunskybright(moon.elongation[i], RHO, extinction, moon.altitude[i],
+                                      altitude, moon.distance[i]);
+                return altitude;
+            });
+        if (!(light > 0.0)) std::cout << "no light\n";  // it is not left uncomputed
+        return result;
+    }
+};
 
 double median(std::vector<double>& values) {
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
 }
 
+template <typename Kind>
 void measure(const Shape& shape, int rounds) {
     const Input input = makeInput(shape);
     const auto values = static_cast<double>(shape.targets * shape.instants);
     constexpr double NANOSECONDS = 1e9;
-    MoonGrid kept;
+    typename Kind::Grid kept;
     std::vector<double> ratios;
     std::vector<double> anew;
     std::vector<double> again;
     double worst = 0;
     for (int round = 0; round < rounds; ++round) {
         auto start = std::chrono::steady_clock::now();
-        const MoonGrid grid = computeMoonGrid(input.targets, input.instants, somePlace());
+        typename Kind::Grid grid;
+        Kind::fill(input, grid);
         const double perValue = secondsSince(start) / values;
-        ratios.push_back(timeClassic(input, grid, worst) / perValue);
+        const Comparison classic = Kind::compare(input, grid);
+        worst = std::max(worst, classic.worst);
+        ratios.push_back(classic.secondsPerValue / perValue);
         anew.push_back(perValue * NANOSECONDS);
         start = std::chrono::steady_clock::now();
-        computeMoonGrid(input.targets, input.instants, somePlace(), kept);
+        Kind::fill(input, kept);
         again.push_back(secondsSince(start) / values * NANOSECONDS);
     }
     std::cout << std::setw(7) << shape.targets << std::setw(9) << shape.instants << std::fixed
@@ -120,5 +180,8 @@ int main(int argc, char** argv) {
     const int rounds = argc > 1 ? std::max(1, std::stoi(argv[1])) : 15;
     std::cout
         << "targets instants  ns/value  kept   times faster (range)   largest difference [deg]\n";
-    for (const Shape& shape : SHAPES) measure(shape, rounds);
+    std::cout << "moon grid\n";
+    for (const Shape& shape : SHAPES) measure<Moon>(shape, rounds);
+    std::cout << "sky grid\n";
+    for (const Shape& shape : SHAPES) measure<Sky>(shape, rounds);
 }
