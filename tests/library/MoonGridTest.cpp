@@ -8,12 +8,18 @@
 #include <limits>
 #include <random>
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 namespace {
 
 constexpr double NAN_VALUE = std::numeric_limits<double>::quiet_NaN();
 constexpr std::size_t VALUES = 8;
+constexpr std::size_t SIDEREAL_TIME = 0;
+constexpr std::size_t SEPARATION = 2;
 constexpr std::size_t ALTITUDE = 3;
+constexpr std::size_t ELONGATION = 6;
+constexpr std::size_t DISTANCE = 7;
 constexpr double DEG_PER_RAD = 57.29577951308232;
 
 /// In the order of the classic call's results.
@@ -53,13 +59,67 @@ void expectAgreement(const Values& grid, const Values& classic) {
     }
 }
 
+/// Altitude, airmass, separation, moonlight and sky.
+using SkyValues = std::array<double, 5>;
+
+SkyConditions someConditions() {
+    SkyConditions conditions;
+    conditions.extinction = 0.17;
+    conditions.darkSky = 21.8;
+    return conditions;
+}
+
+/// What the classic calls give, and the formulas that they do not have, written plainly.
+SkyValues classicSky(const SkyPosition& target, MJD_DATE instant, const Place& place) {
+    const Values moon = classic(target, instant, place);
+    const double hourAngle = adj_time(moon[SIDEREAL_TIME] - target.ra / 15.0);
+    double azimuth = 0;
+    const double altitude = altit(target.dec, hourAngle, place.latitude, &azimuth);
+    if (!(altitude >= 0.0)) return {altitude, NAN_VALUE, moon[SEPARATION], NAN_VALUE, NAN_VALUE};
+    const double effective = altitude + 244.0 / (165.0 + 47.0 * std::pow(altitude, 1.1));
+    const double airmass = 1.0 / std::sin(effective / DEG_PER_RAD);
+    const double light = lunskybright(moon[ELONGATION], moon[SEPARATION], 0.17, moon[ALTITUDE],
+                                      altitude, moon[DISTANCE]);
+    if (moon[ALTITUDE] < -0.833 || light == 99.0)
+        return {altitude, airmass, moon[SEPARATION], NAN_VALUE, 21.8};
+    const double both = std::pow(10.0, -0.4 * 21.8) + std::pow(10.0, -0.4 * light);
+    return {altitude, airmass, moon[SEPARATION], light, -2.5 * std::log10(both)};
+}
+
+/// The grid's values at instant `i` for its target `t`.
+SkyValues skyValuesOf(const SkyGrid& grid, std::size_t i, std::size_t t) {
+    return {grid.altitude(i, t), grid.airmass(i, t), grid.separation(i, t), grid.moonlight(i, t),
+            grid.sky(i, t)};
+}
+
+/// Which of the values are numbers, as bits from the right.
+unsigned known(const SkyValues& values) {
+    unsigned bits = 0;
+    for (std::size_t k = 0; k < values.size(); ++k) bits |= std::isnan(values.at(k)) ? 0U : 1U << k;
+    return bits;
+}
+
+void expectAgreement(const SkyValues& grid, const SkyValues& classic, double tolerance = 1e-8) {
+    EXPECT_EQ(known(grid), known(classic));
+    for (std::size_t k = 0; k < grid.size(); ++k)
+        EXPECT_FALSE(std::fabs(grid.at(k) - classic.at(k)) > tolerance) << "value " << k;
+}
+
+/// Uniform random numbers.
+class Random {
+public:
+    double operator()(double least, double most) {
+        return std::uniform_real_distribution<double>(least, most)(engine_);
+    }
+
+private:
+    std::mt19937 engine_{7};
+};
+
 }  // namespace
 
 TEST(MoonGridTest, AgreesWithTheClassicCall) {
-    std::mt19937 engine(7);
-    const auto from = [&engine](double least, double most) {
-        return std::uniform_real_distribution<double>(least, most)(engine);
-    };
+    Random from;
     MoonGrid grid;                                     // grows, shrinks and grows again
     for (const std::size_t count : {64U, 1U, 131U}) {  // blocks have 64
         std::vector<SkyPosition> targets(count + 3);
@@ -151,6 +211,107 @@ TEST(MoonGridTest, NotANumberComesOutWhereTheInputsSayNothing) {
     EXPECT_EQ(knownAt(placeAt(-90.000001, 1.0)), 0b00100001U);
     EXPECT_EQ(knownAt(placeAt(1.0, INFINITE)), 0b00100000U);
     EXPECT_EQ(knownAt(Place()), 0b00100000U);
+}
+
+TEST(MoonGridTest, TheSkyAgreesWithTheClassicCalls) {
+    constexpr std::size_t SIZES[][2] = {{9, 3}, {1, 1}, {2, 131}, {70, 40}, {8, 64}};
+    Random from;
+    SkyGrid grid;  // grows, shrinks and grows again
+    std::array<int, 32> seen = {};
+    for (const auto& [targetCount, instantCount] : SIZES) {
+        std::vector<SkyPosition> targets(targetCount);
+        for (SkyPosition& target : targets) target = {from(0.0, 360.0), from(-90.0, 90.0)};
+        std::vector<MJD_DATE> instants(instantCount);
+        for (MJD_DATE& instant : instants) instant = from(30000.0, 90000.0);
+        const Place place = placeAt(from(-89.0, 89.0), from(-360.0, 360.0));
+        computeSkyGrid(targets, instants, place, someConditions(), grid);
+        ASSERT_EQ(grid.sky.instants(), instantCount);
+        ASSERT_EQ(grid.sky.targets(), targetCount);
+        for (std::size_t i = 0; i < instantCount; ++i) {
+            for (std::size_t t = 0; t < targetCount; ++t) {
+                SCOPED_TRACE(instants[i]);
+                const SkyValues expected = classicSky(targets[t], instants[i], place);
+                expectAgreement(skyValuesOf(grid, i, t), expected);
+                ++seen.at(known(expected));
+            }
+        }
+    }
+    EXPECT_GT(seen[0b11111], 500) << "moonlit";
+    EXPECT_GT(seen[0b10111], 500) << "dark";
+    EXPECT_GT(seen[0b00101], 500) << "below the horizon";
+}
+
+// Where formulas have a step or amplify rounding, which takes up to 3e-8 rad of either angle.
+TEST(MoonGridTest, TheSkyHoldsAtItsEdges) {
+    constexpr double LOST = 6e-8 * DEG_PER_RAD;
+    for (const double latitude : {-90.0, -30.0, 0.0, 52.5, 90.0}) {
+        const Place place = placeAt(latitude, 100.0);
+        for (int hour = 0; hour < 720; ++hour) {
+            const MJD_DATE instant = 60000.0 + hour / 24.0;
+            SCOPED_TRACE(instant);
+            const double sidereal = classic({0.0, 0.0}, instant, place)[SIDEREAL_TIME];
+            double ra = 0;
+            double dec = 0;
+            double range = 0;
+            lpmoon(instant + 2400000.5, latitude, sidereal, &ra, &dec, &range);
+            const std::vector<SkyPosition> targets = {
+                {sidereal * 15.0, latitude},           // the zenith
+                {sidereal * 15.0 + 180.0, -latitude},  // the nadir
+                {ra * 15.0, dec},                      // the moon
+                {ra * 15.0, dec + 0.249},              // still within its disc
+                {ra * 15.0, dec - 0.251},
+                {ra * 15.0, dec + 9.999},
+                {ra * 15.0, dec - 10.001},
+                {ra * 15.0 + 180.0, -dec},  // opposite the moon
+                {0.0, 90.0},
+                {0.0, -90.0}};
+            const SkyGrid grid = computeSkyGrid(targets, {instant}, place, someConditions());
+            for (std::size_t t = 0; t < targets.size(); ++t)
+                expectAgreement(skyValuesOf(grid, 0, t), classicSky(targets[t], instant, place),
+                                LOST);
+        }
+    }
+}
+
+namespace {
+
+/// What is known of a target with the moon up and with the moon down, see `known`; nothing must be
+/// known of the invalid targets beside it, and at an invalid instant.
+std::pair<unsigned, unsigned> knownOfTheSky(std::size_t invalidTargets, const Place& place,
+                                            const SkyConditions& conditions) {
+    constexpr SkyPosition INVALID[] = {{NAN_VALUE, 20.0}, {130.0, NAN_VALUE}, {130.0, 90.000001}};
+    std::vector<SkyPosition> targets = {{130.0, 20.0}};
+    for (std::size_t t = 0; t < invalidTargets; ++t) targets.push_back(INVALID[t % 3]);
+    const SkyGrid grid = computeSkyGrid(targets, {60005.0, 60000.0, NAN_VALUE}, place, conditions);
+    unsigned others = known(skyValuesOf(grid, 2, 0));
+    for (std::size_t t = 1; t < targets.size(); ++t)
+        others |= known(skyValuesOf(grid, 0, t)) | known(skyValuesOf(grid, 1, t));
+    EXPECT_EQ(others, 0U);
+    return {known(skyValuesOf(grid, 0, 0)), known(skyValuesOf(grid, 1, 0))};
+}
+
+}  // namespace
+
+TEST(MoonGridTest, TheSkyIsNotANumberWhereTheInputsSayNothing) {
+    for (const std::size_t others : {3U, 8U}) {  // less than a vector, and more
+        const auto knownOf = [others](const Place& place, const SkyConditions& conditions) {
+            return knownOfTheSky(others, place, conditions);
+        };
+        const Place place = placeAt(0.0, 0.0);
+        SkyConditions conditions = someConditions();
+        EXPECT_EQ(knownOf(place, conditions), std::make_pair(0b11111U, 0b10111U));
+        EXPECT_EQ(knownOf(Place(), conditions), std::make_pair(0U, 0U));
+        EXPECT_EQ(knownOf(placeAt(90.000001, 0.0), conditions), std::make_pair(0U, 0U));
+        conditions.extinction = 0.0;
+        EXPECT_EQ(knownOf(place, conditions), std::make_pair(0b10111U, 0b10111U))
+            << "no scattering";
+        conditions.extinction = NAN_VALUE;
+        EXPECT_EQ(knownOf(place, conditions), std::make_pair(0b00111U, 0b10111U));
+        conditions = someConditions();
+        conditions.darkSky = NAN_VALUE;
+        EXPECT_EQ(knownOf(place, conditions), std::make_pair(0b01111U, 0b00111U));
+        EXPECT_EQ(knownOf(place, SkyConditions()), std::make_pair(0b00111U, 0b00111U));
+    }
 }
 
 TEST(MoonGridTest, TelescopesStandWhereTheClassicCallPutsThem) {

@@ -1,83 +1,24 @@
 #include "zarnsys/util/Astronomy.h"
 
-#include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <cstdio>
-#include <limits>
 
 #include "zarnsys/util/Formulas.h"
-#include "zarnsys/util/Lunation.h"
+#include "zarnsys/util/Positions.h"
 
 using formulas::circleAngle;
 using formulas::cosDeg;
 using formulas::DEG_PER_RAD;
 using formulas::HOURS_PER_DAY;
 using formulas::HOURS_PER_RAD;
-using formulas::moonLatitude;
-using formulas::moonLongitude;
-using formulas::moonParallax;
-using formulas::moonPlace;
-using formulas::obliquity;
 using formulas::Pair;
 using formulas::PI;
-using formulas::Place;
 using formulas::siderealTime;
 using formulas::sinDeg;
-using formulas::sunDirection;
-using formulas::sunLongitude;
 using formulas::toHorizon;
 using formulas::Vector;
-using formulas::withinOne;
-
-namespace {
-
-Pair pairOf(double angle) { return {std::sin(angle), std::cos(angle)}; }
-
-/// One correction of a phase's time: coefficient * sin(m M + mpr M' + f F).
-struct PhaseTerm {
-    int m;           // multiples of the sun's mean anomaly,
-    int mpr;         // the moon's,
-    int f;           // and the moon's argument of latitude
-    double newFull;  // [d], for new and full moon
-    double quarter;  // [d], for the quarters
-};
-
-constexpr PhaseTerm PHASE_TERMS[] = {
-    // after the first term, which changes with time
-    {2, 0, 0, 0.0021, 0.0021},    {0, 1, 0, -0.4068, -0.628}, {0, 2, 0, 0.0161, 0.0089},
-    {0, 3, 0, -0.0004, -0.0004},  {0, 0, 2, 0.0104, 0.0079},  {1, 1, 0, -0.0051, -0.0119},
-    {1, -1, 0, -0.0074, -0.0047}, {1, 0, 2, 0.0004, 0.0003},  {-1, 0, 2, -0.0004, -0.0004},
-    {0, 1, 2, -0.0006, -0.0006},  {0, -1, 2, 0.001, 0.0021},  {1, 2, 0, 0.0005, 0.0003},
-    {1, -2, 0, 0.0, 0.0004},      {2, 1, 0, 0.0, -0.0003},
-};
-
-double newMoon(std::int64_t lunation) {
-    double jd = 0;
-    flmoon(static_cast<int>(lunation), 0, &jd);
-    return jd;
-}
-
-// The last instant for which the search for a new moon ends [d], Julian Date: the series' cubic
-// term lets the mean new moons advance up to lunation 346,000,000 only.
-constexpr double LAST_DATE = 6.836e9;
-constexpr double LONGEST_MEAN_LUNATION = 29.5307;  // [d], more than any
-constexpr double LUNATIONS_EPOCH = 2415020.5;      // [d], Julian Date
-
-/// Where the search for a new moon begins: a lunation early, at present.
-double firstGuess(double jd) {
-    return std::trunc((jd - LUNATIONS_EPOCH) / LONGEST_MEAN_LUNATION - 1.0);
-}
-
-/// How many new moons from one at `newjd` on come before `jd` for certain: this one, and those that
-/// the corrections, which grow with the distance from 1900, cannot carry beyond it.
-std::int64_t newMoonsBefore(double jd, double newjd) {
-    const double corrections = 2.0 + 3.4e-8 * std::fabs(jd - LUNATIONS_EPOCH);  // [d], at most
-    const double lunations = (jd - newjd - corrections) / LONGEST_MEAN_LUNATION;
-    return 1 + static_cast<std::int64_t>(std::max(0.0, lunations));
-}
-
-}  // namespace
+using positions::pairOf;
+using positions::SMALL_ANGLE;
 
 double lst(double jd, double longit) { return siderealTime(jd, longit); }
 
@@ -100,23 +41,20 @@ double altit(double dec, double ha, double lat, double* az) {
     const Vector horizon =
         toHorizon(declination.cosine * hourAngle.cosine, declination.cosine * hourAngle.sine,
                   declination.sine, pairOf(lat / DEG_PER_RAD));
-    *az = circleAngle(horizon.y, horizon.z) * DEG_PER_RAD;
-    return std::asin(withinOne(horizon.x)) * DEG_PER_RAD;
+    *az = formulas::azimuth(horizon);
+    return formulas::altitude(horizon);
 }
 
 double subtend(double ra1, double dec1, double ra2, double dec2) {
-    constexpr double SMALL = 1e-5;                    // [rad]
     constexpr double NEAR_POLE = 1.5697963267948951;  // [rad], 0.001 from it
     ra1 /= HOURS_PER_RAD;
     dec1 /= DEG_PER_RAD;
     ra2 /= HOURS_PER_RAD;
     dec2 /= DEG_PER_RAD;
-    const double x = (std::cos(ra1) * std::cos(dec1)) * (std::cos(ra2) * std::cos(dec2));
-    const double y = (std::sin(ra1) * std::cos(dec1)) * (std::sin(ra2) * std::cos(dec2));
-    const double z = std::sin(dec1) * std::sin(dec2);
-    const double theta = std::acos(withinOne(x + y + z));
+    const double theta = positions::angleBetween(positions::directionOf(pairOf(ra1), pairOf(dec1)),
+                                                 positions::directionOf(pairOf(ra2), pairOf(dec2)));
     const bool awayFromPoles = std::fabs(dec1) < NEAR_POLE && std::fabs(dec2) < NEAR_POLE;
-    if (!(theta < SMALL) || !awayFromPoles) return theta;
+    if (!(theta < SMALL_ANGLE) || !awayFromPoles) return theta;
     double difference = ra2 - ra1;
     if (std::fabs(difference) > PI)  // on either side of 0 h
         difference = std::remainder(difference, HOURS_PER_DAY / HOURS_PER_RAD);
@@ -126,97 +64,30 @@ double subtend(double ra1, double dec1, double ra2, double dec2) {
 }
 
 void lpsun(double jd, double* ra, double* dec) {
-    const Vector sun = sunDirection(pairOf(sunLongitude(jd)), pairOf(obliquity(jd)));
-    *ra = circleAngle(sun.x, sun.y) * HOURS_PER_RAD;
-    *dec = std::asin(withinOne(sun.z)) * DEG_PER_RAD;
+    const Vector sun = positions::sunAt(jd);
+    *ra = positions::rightAscension(sun);
+    *dec = positions::declination(sun);
 }
 
 void lpmoon(double jd, double lat, double sid, double* ra, double* dec, double* dist) {
-    const Pair latitude = pairOf(lat / DEG_PER_RAD);
-    const Pair sidereal = pairOf(sid / HOURS_PER_RAD);
-    const Vector observer = {latitude.cosine * sidereal.cosine, latitude.cosine * sidereal.sine,
-                             latitude.sine};
-    const Place moon = moonPlace(pairOf(moonLongitude(jd)), pairOf(moonLatitude(jd)),
-                                 std::sin(moonParallax(jd)), observer);
-    *ra = circleAngle(moon.direction.x, moon.direction.y) * HOURS_PER_RAD;
-    *dec = std::asin(withinOne(moon.direction.z)) * DEG_PER_RAD;
+    const formulas::Place moon =
+        positions::moonAt(jd, pairOf(lat / DEG_PER_RAD), pairOf(sid / HOURS_PER_RAD));
+    *ra = positions::rightAscension(moon.direction);
+    *dec = positions::declination(moon.direction);
     *dist = moon.distance;
-}
-
-void flmoon(int n, int nph, double* jdout) {
-    const double lun = 0.25 * nph + n;
-    const double T = lun / 1236.85;  // centuries
-    const double T2 = T * T;
-    const double T3 = T2 * T;
-    const double jd = 2415020.75933 + 29.53058868 * lun + 0.0001178 * T2 - 1.55e-7 * T3 +
-                      0.00033 * sinDeg(166.56 + 132.87 * T - 0.009173 * T2);
-    const double M = (359.2242 + 29.10535608 * lun - 3.33e-5 * T2 - 3.47e-6 * T3) / DEG_PER_RAD;
-    const double Mpr =
-        (306.0253 + 385.81691806 * lun + 0.0107306 * T2 + 1.236e-5 * T3) / DEG_PER_RAD;
-    const double F = (21.2964 + 390.67050646 * lun - 0.0016528 * T2 - 2.39e-6 * T3) / DEG_PER_RAD;
-    const bool newOrFull = nph == 0 || nph == 2;
-    double cor = (newOrFull ? 0.1734 - 0.000393 * T : 0.1721 - 0.0004 * T) * std::sin(M);
-    for (const PhaseTerm& term : PHASE_TERMS) {
-        const double argument = term.m * M + term.mpr * Mpr + term.f * F;
-        cor += (newOrFull ? term.newFull : term.quarter) * std::sin(argument);
-    }
-    const double quarter = 0.0028 - 0.0004 * std::cos(M) + 0.0003 * std::cos(Mpr);
-    if (nph == 1) cor += quarter;
-    if (nph == 3) cor -= quarter;
-    *jdout = jd + cor;
-}
-
-Lunation findLunation(double jd) {
-    constexpr double NONE = std::numeric_limits<double>::quiet_NaN();
-    constexpr double FIRST_LUNATION = std::numeric_limits<int>::min();
-    const double guess = firstGuess(jd);
-    if (!(guess >= FIRST_LUNATION) || !(jd <= LAST_DATE)) return {0, NONE, NONE};
-    auto n = static_cast<std::int64_t>(guess);
-    double lastnewjd = newMoon(n);
-    double newjd = newMoon(n + 1);
-    while (newjd < jd) {  // as one lunation after the other, but sooner
-        const std::int64_t step = newMoonsBefore(jd, newjd);
-        n += step;
-        lastnewjd = step == 1 ? newjd : newMoon(n);
-        newjd = newMoon(n + 1);
-    }
-    return {static_cast<int>(n), lastnewjd, newjd};
-}
-
-bool holds(const Lunation& lunation, double jd) {
-    constexpr int REGULAR = 600000;  // so far from 1900, new moons still come in their order
-    return lunation.number > -REGULAR && lunation.number < REGULAR && lunation.newMoon < jd &&
-           jd <= lunation.nextNewMoon && firstGuess(jd) <= lunation.number;
-}
-
-float lun_age(double jd, int* nlun) {
-    const Lunation lunation = findLunation(jd);
-    *nlun = lunation.number;
-    return static_cast<float>(jd - lunation.newMoon);
 }
 
 double lunskybright(double alpha, double rho, double kzen, double altmoon, double alt,
                     double moondist) {
-    constexpr double MEAN_DISTANCE = 60.27;  // of the moon [Earth radii]
-    const double a = 180.0 - alpha;          // the moon's phase angle [deg]
-    const double d = moondist / MEAN_DISTANCE;
-    double istar =
-        std::pow(10.0, -0.4 * (3.84 + 0.026 * std::fabs(a) + 4e-9 * a * a * a * a)) / (d * d);
-    if (std::fabs(a) < 7.0) istar *= 1.35 - 0.05 * std::fabs(a);
-    const double cosRho = cosDeg(rho);
-    double fofrho = 229087.0 * (1.06 + cosRho * cosRho);
-    if (std::fabs(rho) > 10.0) {
-        fofrho += std::pow(10.0, 6.15 - rho / 40.0);
-    } else if (std::fabs(rho) > 0.25) {
-        fofrho += 6.2e7 / (rho * rho);
-    } else {
-        fofrho += 9.9e8;  // within the lunar disc
-    }
-    const double sinZmoon = sinDeg(90.0 - altmoon);
-    const double sinZ = sinDeg(90.0 - alt);
-    const double Xzm = 1.0 / std::sqrt(1.0 - 0.96 * sinZmoon * sinZmoon);
-    const double Xo = 1.0 / std::sqrt(1.0 - 0.96 * sinZ * sinZ);
-    const double Bmoon = fofrho * istar * std::pow(10.0, -0.4 * kzen * Xzm) *
-                         (1.0 - std::pow(10.0, -0.4 * kzen * Xo));  // [nanolambert]
-    return Bmoon > 0.001 ? 22.5 - 1.08574 * std::log(Bmoon / 34.08) : 99.0;
+    const auto tenTo = [](double exponent) { return std::pow(10.0, exponent); };
+    const double phaseAngle = 180.0 - alpha;
+    const double moon = formulas::atDistance(tenTo(formulas::illuminanceExponent(phaseAngle)),
+                                             moondist, phaseAngle);
+    const double scattered =
+        formulas::scattering(rho, cosDeg(rho), tenTo(formulas::farScatteringExponent(rho)));
+    const double arriving = tenTo(formulas::remainingExponent(kzen, sinDeg(altmoon)));
+    const double passing = tenTo(formulas::remainingExponent(kzen, sinDeg(alt)));
+    const double light = scattered * moon * arriving * (1.0 - passing);
+    if (!(light > formulas::LEAST_MOONLIGHT)) return 99.0;
+    return formulas::magnitude(std::log(light / formulas::LIGHT_UNIT));
 }

@@ -47,8 +47,9 @@ constexpr Term LATITUDE[] = {
     {-0.28, 318.3, 6003.18},
     {-0.17, 217.6, -407332.2},
 };
+constexpr double MEAN_PARALLAX = 0.9508;  // [deg]
 constexpr Term PARALLAX[] = {
-    // cosines
+    // cosines, of the first angles of the longitude
     {0.0518, 134.9, 477198.85},
     {0.0095, 259.2, -413335.38},
     {0.0078, 235.7, 890534.23},
@@ -97,17 +98,22 @@ struct Place {
     return notBelow > 1.0 ? 1.0 : notBelow;
 }
 
+/// The angle of a term [rad].
+[[gnu::always_inline]] inline double angleOf(const Term& term, double T) {
+    return (term.phase + term.rate * T) / DEG_PER_RAD;
+}
+
 template <std::size_t N, std::size_t... I>
 [[gnu::always_inline]] inline double addSines(double sum, const Term (&series)[N], double T,
                                               std::index_sequence<I...> /*terms*/) {
-    ((sum += series[I].amplitude * sinDeg(series[I].phase + series[I].rate * T)), ...);
+    ((sum += series[I].amplitude * std::sin(angleOf(series[I], T))), ...);
     return sum;
 }
 
 template <std::size_t N, std::size_t... I>
 [[gnu::always_inline]] inline double addCosines(double sum, const Term (&series)[N], double T,
                                                 std::index_sequence<I...> /*terms*/) {
-    ((sum += series[I].amplitude * cosDeg(series[I].phase + series[I].rate * T)), ...);
+    ((sum += series[I].amplitude * std::cos(angleOf(series[I], T))), ...);
     return sum;
 }
 
@@ -138,12 +144,15 @@ template <std::size_t N, std::size_t... I>
     return x == 0.0 ? onAxis : positive;
 }
 
-/// The sun's ecliptic longitude and the obliquity of the ecliptic [rad], see `lpsun`.
-[[gnu::always_inline]] inline double sunLongitude(double jd) {
-    const double n = jd - J2000;
-    const double L = 280.46 + 0.9856474 * n;
-    const double g = (357.528 + 0.9856003 * n) / DEG_PER_RAD;
-    return (L + 1.915 * std::sin(g) + 0.02 * std::sin(2.0 * g)) / DEG_PER_RAD;
+/// The sun's mean anomaly, its ecliptic longitude and the obliquity of the ecliptic [rad], see
+/// `lpsun`.
+[[gnu::always_inline]] inline double sunAnomaly(double jd) {
+    return (357.528 + 0.9856003 * (jd - J2000)) / DEG_PER_RAD;
+}
+[[gnu::always_inline]] inline double sunLongitude(double jd, const Pair& anomaly) {
+    const double L = 280.46 + 0.9856474 * (jd - J2000);
+    const double sineOfTwice = 2.0 * anomaly.sine * anomaly.cosine;
+    return (L + 1.915 * anomaly.sine + 0.02 * sineOfTwice) / DEG_PER_RAD;
 }
 [[gnu::always_inline]] inline double obliquity(double jd) {
     return (23.439 - 4e-7 * (jd - J2000)) / DEG_PER_RAD;
@@ -153,21 +162,27 @@ template <std::size_t N, std::size_t... I>
     return {longitude.cosine, obliquity.cosine * longitude.sine, obliquity.sine * longitude.sine};
 }
 
+/// Julian centuries from J2000.
+[[gnu::always_inline]] inline double centuries(double jd) {
+    return (jd - J2000) / DAYS_PER_CENTURY;
+}
+
+/// The moon's mean longitude [deg].
+[[gnu::always_inline]] inline double moonMeanLongitude(double T) { return 218.32 + 481267.883 * T; }
+
 /// The moon's ecliptic longitude, latitude and parallax [rad], see `lpmoon`.
 [[gnu::always_inline]] inline double moonLongitude(double jd) {
-    const double T = (jd - J2000) / DAYS_PER_CENTURY;
+    const double T = centuries(jd);
     const std::make_index_sequence<std::size(LONGITUDE)> terms;
-    return addSines(218.32 + 481267.883 * T, LONGITUDE, T, terms) / DEG_PER_RAD;
+    return addSines(moonMeanLongitude(T), LONGITUDE, T, terms) / DEG_PER_RAD;
 }
 [[gnu::always_inline]] inline double moonLatitude(double jd) {
-    const double T = (jd - J2000) / DAYS_PER_CENTURY;
     const std::make_index_sequence<std::size(LATITUDE)> terms;
-    return addSines(0.0, LATITUDE, T, terms) / DEG_PER_RAD;
+    return addSines(0.0, LATITUDE, centuries(jd), terms) / DEG_PER_RAD;
 }
 [[gnu::always_inline]] inline double moonParallax(double jd) {
-    const double T = (jd - J2000) / DAYS_PER_CENTURY;
     const std::make_index_sequence<std::size(PARALLAX)> terms;
-    return addCosines(0.9508, PARALLAX, T, terms) / DEG_PER_RAD;
+    return addCosines(MEAN_PARALLAX, PARALLAX, centuries(jd), terms) / DEG_PER_RAD;
 }
 
 /// The moon as an observer sees it, see `lpmoon`.
@@ -196,6 +211,79 @@ template <std::size_t N, std::size_t... I>
                                                const Pair& latitude) {
     return {south * latitude.cosine + pole * latitude.sine,
             pole * latitude.cosine - south * latitude.sine, -west};
+}
+
+/// Altitude and azimuth [deg] of a direction in the frame of the horizon, see `altit`.
+[[gnu::always_inline]] inline double altitude(const Vector& horizon) {
+    return std::asin(withinOne(horizon.x)) * DEG_PER_RAD;
+}
+[[gnu::always_inline]] inline double azimuth(const Vector& horizon) {
+    return circleAngle(horizon.y, horizon.z) * DEG_PER_RAD;
+}
+
+/// Moonlight by Krisciunas & Schaefer 1991, PASP 103, 1033, see `lunskybright`. Powers of ten come
+/// in from outside: loops take another way to them.
+constexpr double LEAST_MOONLIGHT = 0.001;  // [nanolambert], that which is negligible
+
+/// The power of ten that the moon's illuminance at its mean distance is.
+///
+/// @param phaseAngle  0 at full moon [deg]
+[[gnu::always_inline]] inline double illuminanceExponent(double phaseAngle) {
+    const double a = phaseAngle;
+    return -0.4 * (3.84 + 0.026 * std::fabs(a) + 4e-9 * a * a * a * a);
+}
+
+/// What the moon's distance [Earth radii] and its opposition surge make of that.
+[[gnu::always_inline]] inline double atDistance(double illuminance, double distance,
+                                                double phaseAngle) {
+    constexpr double MEAN_DISTANCE = 60.27;  // [Earth radii]
+    const double d = distance / MEAN_DISTANCE;
+    const double a = std::fabs(phaseAngle);
+    return illuminance / (d * d) * (a < 7.0 ? 1.35 - 0.05 * a : 1.0);
+}
+
+/// The power of ten that a term of the scattering is, beyond 10 degrees from the moon.
+[[gnu::always_inline]] inline double farScatteringExponent(double rho) { return 6.15 - rho / 40.0; }
+
+/// How much moonlight is scattered.
+///
+/// @param rho     angle to the moon [deg]
+/// @param cosRho  its cosine
+/// @param far     10 to the power of `farScatteringExponent`
+[[gnu::always_inline]] inline double scattering(double rho, double cosRho, double far) {
+    const double r = std::fabs(rho);
+    const double near = r > 0.25 ? 6.2e7 / (rho * rho) : 9.9e8;  // that within the lunar disc
+    return 229087.0 * (1.06 + cosRho * cosRho) + (r > 10.0 ? far : near);
+}
+
+/// The power of ten that remains of light on its way through the air.
+///
+/// @param extinction  [mag per airmass]
+/// @param sine        of the altitude
+[[gnu::always_inline]] inline double remainingExponent(double extinction, double sine) {
+    const double airmass = 1.0 / std::sqrt(1.0 - 0.96 * (1.0 - sine * sine));
+    return -0.4 * extinction * airmass;
+}
+
+/// A brightness [mag per square arc second], given the natural logarithm of that in `LIGHT_UNIT`s.
+constexpr double LIGHT_UNIT = 34.08;  // [nanolambert]
+[[gnu::always_inline]] inline double magnitude(double logarithm) {
+    return 22.5 - 1.08574 * logarithm;
+}
+
+/// The angle [rad] whose sine is the reciprocal of the airmass, by Pickering 2002, DIO 12, 3: good
+/// down to the horizon, which the secant of the zenith distance is not.
+///
+/// @param altitude  [deg]
+/// @param power     the altitude to the power of `AIRMASS_POWER`
+constexpr double AIRMASS_POWER = 1.1;
+[[gnu::always_inline]] inline double airmassAngle(double altitude, double power) {
+    return (altitude + 244.0 / (165.0 + 47.0 * power)) / DEG_PER_RAD;
+}
+
+/// The cosine of the angle between two directions.
+[[gnu::always_inline]] inline double cosineBetween(const Vector& a, const Vector& b) {
+    return withinOne(a.x * b.x + a.y * b.y + a.z * b.z);
 }
 
 }  // namespace formulas

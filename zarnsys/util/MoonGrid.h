@@ -120,4 +120,64 @@ ZARNSYS_EXPORT void computeMoonGrid(const std::vector<SkyPosition>& targets,
                                     const std::vector<MJD_DATE>& instants, const Place& place,
                                     MoonGrid& grid);
 
+/// What the air of a night is like. Its values are set by name; they are not-a-number until then.
+struct SkyConditions {
+    explicit SkyConditions() = default;
+
+    /// extinction at the zenith [mag per airmass]
+    double extinction = std::numeric_limits<double>::quiet_NaN();
+    /// brightness of the sky without moon [V mag per square arc second]
+    double darkSky = std::numeric_limits<double>::quiet_NaN();
+};
+
+/// What an observer has of each target at each instant.
+struct SkyGrid {
+    /// The altitude of the moon's centre at which its upper limb is on the horizon [deg].
+    static constexpr double HORIZON = -0.833;
+
+    TargetTable altitude;  ///< [deg], -90 to 90, without refraction
+    TargetTable airmass;   ///< by Pickering 2002, DIO 12, 3: 1 at the zenith to 38.7 at altitude 0
+    TargetTable separation;  ///< angle between moon and target [deg], 0 to 180
+    TargetTable moonlight;   ///< that `lunskybright` gives [V mag per square arc second]
+    TargetTable sky;         ///< dark sky and moonlight [V mag per square arc second]
+};
+
+/// Computes altitude and sky for every target at every instant, seen from a place.
+///
+/// The moonlight is that of Krisciunas & Schaefer 1991, PASP 103, 1033, see `lunskybright`;
+/// twilight is left out. The results of `altit`, `subtend` and `lunskybright` come out within 1e-8
+/// of each unit, with the exceptions that are said above of the moon's values, for targets as for
+/// the moon. Where a formula has a step, at the horizon, 0.25 and 10 degrees from the moon, 7
+/// degrees from full moon and where moonlight becomes negligible, rounding may decide for either
+/// side.
+///
+/// Not-a-number comes out where there is nothing to say: of airmass, moonlight and sky for targets
+/// below the horizon; of moonlight besides where it is negligible, and while the moon's altitude is
+/// below `SkyGrid::HORIZON`, when the sky is the dark one. The same is true of what depends on an
+/// instant or coordinate that is not finite, on a latitude or declination beyond a pole, or on a
+/// condition that is not a number. Nothing is written anywhere. Reentrant: several threads may
+/// compute, each its own grid.
+///
+/// @param targets     positions in the equinox of date
+/// @param instants    [d], universal time
+/// @param place       the observer's
+/// @param conditions  the night's
+/// @throw std::bad_alloc, std::length_error  when the values find no room
+ZARNSYS_EXPORT SkyGrid computeSkyGrid(const std::vector<SkyPosition>& targets,
+                                      const std::vector<MJD_DATE>& instants, const Place& place,
+                                      const SkyConditions& conditions);
+
+/// The same into a grid that the caller keeps, see `computeMoonGrid`.
+///
+/// @param targets     positions in the equinox of date
+/// @param instants    [d], universal time
+/// @param place       the observer's
+/// @param conditions  the night's
+/// @param grid        receives the values; after an exception its sizes and values are unspecified,
+///                    and it can be used again
+/// @throw std::bad_alloc, std::length_error  when the values find no room
+ZARNSYS_EXPORT void computeSkyGrid(const std::vector<SkyPosition>& targets,
+                                   const std::vector<MJD_DATE>& instants, const Place& place,
+                                   const SkyConditions& conditions, SkyGrid& grid);
+
 #endif  // ZARNSYS_UTIL_MOONGRID_H

@@ -5,8 +5,14 @@
 #include <ostream>
 
 #include "zarnsys/util/Astronomy.h"
+#include "zarnsys/util/Formulas.h"
+#include "zarnsys/util/Positions.h"
 
 namespace {
+
+using formulas::Pair;
+using formulas::Vector;
+using positions::pairOf;
 
 constexpr double JD_OF_MJD_0 = 2400000.5;
 constexpr double DEG_PER_HOUR = 15.0;
@@ -26,6 +32,22 @@ constexpr struct {
     {-29.8646, 67.4138},  // VEK4
 };
 
+/// What `subtend` gives for two directions [rad].
+double subtended(const Vector& a, const Vector& b) {
+    const double angle = positions::angleBetween(a, b);
+    if (!(angle < positions::SMALL_ANGLE)) return angle;
+    return subtend(positions::rightAscension(a), positions::declination(a),
+                   positions::rightAscension(b), positions::declination(b));
+}
+
+/// A direction in the frame of the horizon, given its hour angle [h] and the observer's latitude.
+Vector horizonOf(const Vector& direction, double ha, const Pair& latitude) {
+    const Pair hourAngle = pairOf(ha / formulas::HOURS_PER_RAD);
+    const double cosDec = std::sqrt(direction.x * direction.x + direction.y * direction.y);
+    return formulas::toHorizon(cosDec * hourAngle.cosine, cosDec * hourAngle.sine, direction.z,
+                               latitude);
+}
+
 }  // namespace
 
 int getTelescopeCoord(double& latitude, double& longitude, Telescope telescope) {
@@ -43,20 +65,26 @@ void computeMoonParam(const double& starRa, const double& starDec, const MJD_DAT
                       double* moonfliPtr, double* moondistPtr, double* moonaltPtr,
                       double* moonazPtr, double* moonphasePtr, double* alphasunPtr,
                       double* objdistPtr) {
-    const double jdstart = mjdStart + JD_OF_MJD_0;
-    *lstValPtr = lst(jdstart, longitude / DEG_PER_HOUR);
-    double moonra = 0;
-    double moondec = 0;
-    lpmoon(jdstart, latitude, *lstValPtr, &moonra, &moondec, objdistPtr);
-    *moondistPtr = subtend(starRa / DEG_PER_HOUR, starDec, moonra, moondec) * DEG_PER_RAD;
-    *moonaltPtr = altit(moondec, adj_time(*lstValPtr - moonra), latitude, moonazPtr);
+    // In an order that puts work between a value and its use: processors do both at a time.
+    const double jd = mjdStart + JD_OF_MJD_0;
+    *lstValPtr = lst(jd, longitude / DEG_PER_HOUR);
+    const Pair site = pairOf(latitude / formulas::DEG_PER_RAD);
+    const auto [moon, distance] =
+        positions::moonAt(jd, site, pairOf(*lstValPtr / formulas::HOURS_PER_RAD));
+    const Vector sun = positions::sunAt(jd);
+    const Vector star =
+        positions::directionOf(pairOf(starRa / DEG_PER_HOUR / formulas::HOURS_PER_RAD),
+                               pairOf(starDec / formulas::DEG_PER_RAD));
+    const double hourAngle = adj_time(*lstValPtr - positions::rightAscension(moon));
+    *moondistPtr = subtended(star, moon) * DEG_PER_RAD;
+    *alphasunPtr = subtended(sun, moon);
+    const Vector horizon = horizonOf(moon, hourAngle, site);
+    *moonfliPtr = (1.0 - formulas::cosineBetween(sun, moon)) * 0.5;
     int nlun = 0;
-    *moonphasePtr = static_cast<double>(lun_age(jdstart, &nlun)) / SYNODIC_MONTH;
-    double sunra = 0;
-    double sundec = 0;
-    lpsun(jdstart, &sunra, &sundec);
-    *alphasunPtr = subtend(sunra, sundec, moonra, moondec);
-    *moonfliPtr = (1.0 - std::cos(subtend(moonra, moondec, sunra, sundec))) * 0.5;
+    *moonphasePtr = static_cast<double>(lun_age(jd, &nlun)) / SYNODIC_MONTH;
+    *moonaltPtr = formulas::altitude(horizon);
+    *moonazPtr = formulas::azimuth(horizon);
+    *objdistPtr = distance;
 }
 
 ZarnMoonVal::ZarnMoonVal()

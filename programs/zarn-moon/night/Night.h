@@ -12,7 +12,7 @@
 namespace zarn::moon {
 
 /// Altitudes [deg] of the centre of sun or moon at which something begins or ends.
-inline constexpr double HORIZON = -0.833;  ///< rise and set: the upper limb is on the horizon
+inline constexpr double HORIZON = SkyGrid::HORIZON;  ///< rise and set of the upper limb
 inline constexpr double CIVIL_TWILIGHT = -6.0;
 inline constexpr double NAUTICAL_TWILIGHT = -12.0;
 inline constexpr double ASTRONOMICAL_TWILIGHT = -18.0;

@@ -2,8 +2,8 @@
 
 #include <zarnsys/util/Astronomy.h>
 
-#include <algorithm>
 #include <cmath>
+#include <optional>
 
 #include "shared/sky/Angles.h"
 #include "shared/sky/Calendar.h"
@@ -13,41 +13,25 @@ namespace zarn::moon {
 
 namespace {
 
-constexpr double NEGLIGIBLE = 99.0;  // what lunskybright gives for no moonlight [mag]
-
-/// Airmass by Pickering 2002, DIO 12, 3: good down to the horizon, which the secant is not.
-double airmassOf(double altitude) {
-    const double effective = altitude + 244.0 / (165.0 + 47.0 * std::pow(altitude, 1.1));  // [deg]
-    return 1.0 / std::sin(effective / DEG_PER_RAD);
+std::optional<double> ifNumber(double value) {
+    return std::isnan(value) ? std::nullopt : std::optional(value);
 }
 
-/// The surface brightness of two lights together [mag per square arc second].
-double together(double a, double b) {
-    return -2.5 * std::log10(std::pow(10.0, -0.4 * a) + std::pow(10.0, -0.4 * b));
+SkyConditions conditionsOf(const Settings& settings) {
+    SkyConditions conditions;
+    conditions.extinction = settings.extinction;
+    conditions.darkSky = settings.darkSky;
+    return conditions;
 }
 
-/// The moon at an instant, as the brightness model needs it.
-struct Moonlight {
-    double sunDistance;  ///< of the moon [deg]
-    double altitude;     ///< [deg]
-    double range;        ///< [Earth radii]
-    bool up;
-};
-
-/// A target's values at an instant, from its altitude and its distance from the moon [deg].
-TargetValues valuesOf(const Settings& settings, double altitude, double moonDistance,
-                      const Moonlight& moon, bool isDark) {
-    TargetValues values = {altitude, moonDistance, {}, {}, {}, false};
-    if (altitude < 0.0) return values;
-    values.airmass = airmassOf(altitude);
-    const double added = moon.up ? lunskybright(moon.sunDistance, moonDistance, settings.extinction,
-                                                moon.altitude, altitude, moon.range)
-                                 : NEGLIGIBLE;
-    if (added < NEGLIGIBLE) values.moonSky = added;
-    if (isDark) {
-        values.sky = values.moonSky ? together(settings.darkSky, added) : settings.darkSky;
-    }
-    return values;
+/// A target's values at an instant, by their places in the grid.
+TargetValues valuesOf(const SkyGrid& sky, std::size_t i, std::size_t target, bool isDark) {
+    return {sky.altitude(i, target),
+            sky.separation(i, target),
+            ifNumber(sky.airmass(i, target)),
+            ifNumber(sky.moonlight(i, target)),
+            isDark ? ifNumber(sky.sky(i, target)) : std::nullopt,
+            false};
 }
 
 /// The row of the i-th instant, without its targets.
@@ -94,17 +78,14 @@ std::vector<Row> makeRows(const Settings& settings, const std::vector<MJD_DATE>&
                           const std::vector<SkyPosition>& targets,
                           const std::vector<Window>& windows) {
     const Site& site = settings.site;
-    const MoonGrid moon = computeMoonGrid(targets, instants, placeOf(site));
+    const MoonGrid moon = computeMoonGrid({}, instants, placeOf(site));
+    const SkyGrid sky = computeSkyGrid(targets, instants, placeOf(site), conditionsOf(settings));
     std::vector<Row> rows;
     for (std::size_t i = 0; i < instants.size(); ++i) {
         Row row = rowOf(site, moon, i, instants[i]);
-        const Moonlight light = {moon.elongation[i], row.moonAltitude, moon.distance[i],
-                                 row.moonUp};
         const bool isDark = row.sunAltitude < ASTRONOMICAL_TWILIGHT;
         for (std::size_t t = 0; t < targets.size(); ++t) {
-            const double altitude = altitudeOf(targets[t], row.lst, site.latitude);
-            row.targets.push_back(
-                valuesOf(settings, altitude, moon.separation(i, t), light, isDark));
+            row.targets.push_back(valuesOf(sky, i, t, isDark));
             if (!windows.empty()) {
                 row.targets.back().best =
                     instants[i] >= windows[t].begin && instants[i] <= windows[t].end;
