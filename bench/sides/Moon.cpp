@@ -124,6 +124,41 @@ void addBareGrid(const std::string& name, std::size_t targets, std::size_t insta
     });
 }
 
+SkyConditions night() {
+    SkyConditions conditions;
+    conditions.extinction = 0.172;
+    conditions.darkSky = 21.8;
+    return conditions;
+}
+
+void addSkyGrid(const std::string& name, const Input& input) {
+    const auto kept = std::make_shared<SkyGrid>();
+    addSide(name, [input, kept] {
+        computeSkyGrid(input.targets, input.instants, observer(), night(), *kept);
+        return kept->sky.row(0);
+    });
+}
+
+/// Altitude and moonlight by the classic calls, at a distance from the moon that costs nothing.
+void addClassicSky(const std::string& name, const Input& input) {
+    constexpr double DISTANCE = 60.0;  // [deg]
+    constexpr double DEG_PER_HOUR = 15.0;
+    const MoonGrid moon = computeMoonGrid({}, input.instants, observer());
+    addSide(name, [=] {
+        double sum = 0;
+        for (std::size_t i = 0; i < input.instants.size(); ++i) {
+            for (const SkyPosition& target : input.targets) {
+                double azimuth = 0;
+                const double ha = adj_time(moon.siderealTime[i] - target.ra / DEG_PER_HOUR);
+                const double altitude = altit(target.dec, ha, LATITUDE, &azimuth);
+                sum += altitude + lunskybright(moon.elongation[i], DISTANCE, night().extinction,
+                                               moon.altitude[i], altitude, moon.distance[i]);
+            }
+        }
+        return sum;
+    });
+}
+
 void addCopy(const std::string& name, std::size_t count) {
     const auto copy = std::make_shared<std::vector<double>>(count);
     addSide(name, [copy, original = std::vector<double>(count, 1.0)] {
@@ -148,6 +183,8 @@ void addMoon() {
     addSide("grid-1000x5000/anew", [input = makeInput(1000, 5000)] {
         return computeMoonGrid(input.targets, input.instants, observer()).phase.front();
     });
+    addSkyGrid("sky-100x200/ours", makeInput(100, 200));
+    addClassicSky("sky-100x200/classic", makeInput(100, 200));
     for (const std::size_t targets : {std::size_t{10}, std::size_t{100}, std::size_t{1000}})
         addGrid("growth-grid/" + std::to_string(targets * 100), makeInput(targets, 100));
 }
