@@ -20,6 +20,8 @@ import subprocess
 import sys
 import tempfile
 
+from tracing import SERVICE, SKIPPED, can_trace
+
 # The errors that a call can plausibly have. Calls that are not here do nothing to a file, or end
 # the process.
 ERRORS = {
@@ -58,18 +60,6 @@ FIRST_OF_PROGRAM = "eventfd2"  # what comes before is the loader's, and ACE's
 SECONDS = 30  # after which a run hangs
 FILES = ["a", "b", "c"]
 
-PROPERTIES = """[ingest]
-pattern = in/*.hdr
-output-dir = out
-[service]
-done = done
-failed = failed
-journal = journal
-poll = 1
-settle = 0
-least-free = 0
-"""
-
 
 def prepare(samples):
     """Fills the present directory with sources."""
@@ -77,7 +67,7 @@ def prepare(samples):
     text = (samples / "imager.hdr").read_text()
     for name in FILES:
         pathlib.Path("in", name + ".hdr").write_text(text.replace("Field 17", "Field " + name))
-    pathlib.Path("p.ini").write_text(PROPERTIES)
+    pathlib.Path("p.ini").write_text(SERVICE)
 
 
 def service(log=False):
@@ -233,11 +223,8 @@ def parse_arguments():
 
 def main():
     options = parse_arguments()
-    if subprocess.run(["strace", "-o", "/dev/null", "true"], capture_output=True).returncode != 0:
-        print("skipped: needs strace, and a kernel that lets it trace")
-        return 77
-    # The leak sanitizer does not work in a process that is traced.
-    os.environ["ASAN_OPTIONS"] = os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0"
+    if not can_trace():
+        return SKIPPED
     sweep = Sweep(options.program)
     failures = []
     faults = []

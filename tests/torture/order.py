@@ -17,17 +17,9 @@ import subprocess
 import sys
 import tempfile
 
+from tracing import SERVICE, SKIPPED, can_trace
+
 CALLS = "write,rename,renameat,renameat2,link,linkat,fsync,syncfs"
-SERVICE = """[ingest]
-pattern = in/*.hdr
-output-dir = out
-[service]
-done = done
-failed = failed
-journal = journal
-settle = 0
-least-free = 0
-"""
 RUNS = {  # arguments, and how many files
     "a batch with a journal": (["-j", "journal", "-o", "out", "in/*.hdr"], (1, 100)),
     "a batch that goes on": (["-r", "-j", "journal", "-o", "out", "in/*.hdr"], (1, 100)),
@@ -125,11 +117,8 @@ def run(program, samples, arguments, files):
 
 def main():
     program, samples = os.path.realpath(sys.argv[1]), pathlib.Path(sys.argv[2]).resolve()
-    if subprocess.run(["strace", "-o", "/dev/null", "true"], capture_output=True).returncode != 0:
-        print("skipped: needs strace, and a kernel that lets it trace")
-        return 77
-    # The leak sanitizer does not work in a process that is traced.
-    os.environ["ASAN_OPTIONS"] = os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0"
+    if not can_trace():
+        return SKIPPED
     failed = 0
     here = os.getcwd()
     for name, (arguments, numbers) in RUNS.items():
