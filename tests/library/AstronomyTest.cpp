@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <fstream>
+#include <random>
 #include <set>
 #include <sstream>
 #include <vector>
@@ -104,6 +105,26 @@ TEST(AstronomyTest, AtItsInstantTheNewMoonIsTheOldOne) {
     EXPECT_EQ(lunation, 1236);
     EXPECT_FALSE(std::isnan(lun_age(6.836e9, &lunation))) << "far, but within reach";
     EXPECT_FALSE(std::isnan(lun_age(-6.3e10, &lunation))) << "the first lunation numbers";
+}
+
+// The age's last bit is that of the new moons of the phases' series.
+TEST(AstronomyTest, AgesCountFromTheNewMoonBefore) {
+    std::mt19937 engine(7);
+    std::uniform_real_distribution<double> power(-25.0, 5.0);
+    for (int n = 0; n < 500000; n += 1 + n / 400) {  // far ahead roundings are larger
+        double newMoon = 0;
+        double next = 0;
+        flmoon(n, 0, &newMoon);
+        flmoon(n + 1, 0, &next);
+        for (int i = 0; i < 20; ++i) {
+            const double step = std::exp2(power(engine));  // [d], less than a second to a month
+            const double jd = i % 2 == 0 ? newMoon + step : next - step;
+            if (!(newMoon < jd && jd <= next)) continue;
+            int lunation = 0;
+            ASSERT_EQ(lun_age(jd, &lunation), static_cast<float>(jd - newMoon)) << jd;
+            ASSERT_EQ(lunation, n) << jd;
+        }
+    }
 }
 
 static_assert(OLAN == 0 && VEK1 == 1 && VEK2 == 2 && VEK3 == 3 && VEK4 == 4, "programs keep them");
