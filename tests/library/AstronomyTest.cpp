@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <fstream>
+#include <random>
 #include <set>
 #include <sstream>
 #include <vector>
@@ -122,6 +123,32 @@ TEST(AstronomyTest, AtItsInstantTheNewMoonIsTheOldOne) {
     EXPECT_EQ(lunation, 1236);
     EXPECT_FALSE(std::isnan(lun_age(6.836e9, &lunation))) << "far, but within reach";
     EXPECT_FALSE(std::isnan(lun_age(-6.3e10, &lunation))) << "the first lunation numbers";
+}
+
+// The age's last bit is that of the new moons of the phases' series.
+TEST(AstronomyTest, AgesCountFromTheNewMoonBefore) {
+    constexpr int RANGES[][3] = {
+        // lunations, and one in how many
+        {-81900, -81700, 1},  // near the Julian Date 0, where its digits are many
+        {0, 3000, 1},
+        {3000, 500000, 997}};
+    std::mt19937 engine(7);
+    std::uniform_real_distribution<double> power(-25.0, 4.8);
+    for (const auto& [first, last, step] : RANGES) {
+        for (int n = first; n < last; n += step) {
+            double newMoon = 0;
+            flmoon(n, 0, &newMoon);
+            for (int i = 0; i < 20; ++i) {
+                const double jd = newMoon + std::exp2(power(engine));  // [d], from 3 ms on
+                int lunation = 0;
+                const float age = lun_age(jd, &lunation);
+                double before = 0;
+                flmoon(lunation, 0, &before);
+                ASSERT_EQ(age, static_cast<float>(jd - before)) << jd;
+                ASSERT_TRUE(lunation == n || n < 0) << jd;
+            }
+        }
+    }
 }
 
 static_assert(OLAN == 0 && VEK1 == 1 && VEK2 == 2 && VEK3 == 3 && VEK4 == 4, "programs keep them");

@@ -221,8 +221,8 @@ template <std::size_t N, std::size_t... I>
     return circleAngle(horizon.y, horizon.z) * DEG_PER_RAD;
 }
 
-/// Moonlight by Krisciunas & Schaefer 1991, PASP 103, 1033, see `lunskybright`. Powers of ten come
-/// in from outside: loops take another way to them.
+// Moonlight by Krisciunas & Schaefer 1991, PASP 103, 1033, see `lunskybright`. Powers of ten come
+// in from outside: loops take another way to them.
 constexpr double LEAST_MOONLIGHT = 0.001;  // [nanolambert], that which is negligible
 
 /// The power of ten that the moon's illuminance at its mean distance is.
@@ -265,18 +265,20 @@ constexpr double LEAST_MOONLIGHT = 0.001;  // [nanolambert], that which is negli
     return -0.4 * extinction * airmass;
 }
 
-/// A brightness [mag per square arc second], given the natural logarithm of that in `LIGHT_UNIT`s.
 constexpr double LIGHT_UNIT = 34.08;  // [nanolambert]
+
+/// A brightness [mag per square arc second], given the natural logarithm of that in `LIGHT_UNIT`s.
 [[gnu::always_inline]] inline double magnitude(double logarithm) {
     return 22.5 - 1.08574 * logarithm;
 }
+
+constexpr double AIRMASS_POWER = 1.1;
 
 /// The angle [rad] whose sine is the reciprocal of the airmass, by Pickering 2002, DIO 12, 3: good
 /// down to the horizon, which the secant of the zenith distance is not.
 ///
 /// @param altitude  [deg]
 /// @param power     the altitude to the power of `AIRMASS_POWER`
-constexpr double AIRMASS_POWER = 1.1;
 [[gnu::always_inline]] inline double airmassAngle(double altitude, double power) {
     return (altitude + 244.0 / (165.0 + 47.0 * power)) / DEG_PER_RAD;
 }

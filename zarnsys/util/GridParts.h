@@ -129,6 +129,16 @@ inline Observer observerAt(const Place& place) {
     addTo(sum, term.amplitude, angles.sine, lanes);
 }
 
+constexpr bool parallaxHasAnglesOfLongitude() {
+    for (std::size_t k = 0; k < std::size(formulas::PARALLAX); ++k) {
+        const formulas::Term& term = formulas::LONGITUDE[k];
+        const formulas::Term& other = formulas::PARALLAX[k];
+        if (term.phase != other.phase || term.rate != other.rate) return false;
+    }
+    return true;
+}
+static_assert(parallaxHasAnglesOfLongitude(), "fillMoon takes them once for both");
+
 /// The moon's ecliptic longitude, latitude and parallax [rad], as by `formulas::moonLongitude` and
 /// its like.
 struct MoonPlace {

@@ -178,7 +178,9 @@ Lunation lunationOf(std::int64_t n, double until) {
     constexpr int REGULAR = 600000;
     const bool isRegular = n >= 0 && n < REGULAR;
     const double begin = quickNewMoon(n);
-    const double uncertainty = TWO_UNITS * std::fabs(begin);
+    // The second part, for new moons near the Julian Date 0: the corrections' angles grow with it.
+    const double angles = LONGEST_MEAN_LUNATION * std::fabs(static_cast<double>(n));
+    const double uncertainty = TWO_UNITS * (std::fabs(begin) + angles);
     if (!isRegular) until = NEVER;
     return {static_cast<int>(n), begin, uncertainty, begin + uncertainty, until};
 }
