@@ -119,7 +119,7 @@ def main():
     program, samples = os.path.realpath(sys.argv[1]), pathlib.Path(sys.argv[2]).resolve()
     if not can_trace():
         return SKIPPED
-    failed = 0
+    runs = failed = 0
     here = os.getcwd()
     for name, (arguments, numbers) in RUNS.items():
         for files in numbers:
@@ -129,8 +129,9 @@ def main():
                 os.chdir(here)
             for fault in faults:
                 print(f"FAILED: {name}, {files} files: {fault}")
+            runs += 1
             failed += len(faults)
-            print(f"{name}, {files} files: {'ok' if not faults else 'untrue'}")
+    print(f"{runs} runs, of one file and of 100, {failed} faults")
     return 1 if failed else 0
 
 
