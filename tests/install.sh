@@ -52,7 +52,7 @@ foreign=$(grep -oE '^[A-Za-z_][^:]*:' fetched/CMakeCache.txt |
 ! grep -E '^CMAKE_INSTALL_(RPATH|[A-Z]*DIR):' fetched/CMakeCache.txt || die "these are set in the cache of another project"
 cmake --install fetched --prefix "$work/nothing" >log
 [ ! -e nothing ] || die "installed by another project: $(find nothing -type f)"
-ctest --test-dir fetched -N 2>&1 | grep -qE 'No tests|Total Tests: 0' || die "another project gets our tests"
+(cd fetched && ctest -N 2>&1) | grep -qE 'No tests|Total Tests: 0' || die "another project gets our tests"
 made=$(cmake --build fetched --target help | grep -oE '(zarn-|example-|Continuous|[A-Z][A-Za-z]*Test\b)[a-z]*' | head -n 1 || true)
 [ -z "$made" ] || die "another project gets the target $made"
 
