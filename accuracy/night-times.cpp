@@ -115,7 +115,7 @@ struct Tally {
     int unmatched = 0;  ///< one has a time where the other has none
 };
 
-const std::vector<double>& timesOf(const std::vector<Event>& events, const std::string& name) {
+const std::vector<double>& timesOf(const std::vector<Event>& events, const char* name) {
     const auto isIt = [&name](const Event& event) { return event.name == name; };
     return std::find_if(events.begin(), events.end(), isIt)->times;
 }

@@ -22,13 +22,17 @@
 #include "zarn-ingest/run/StopSignals.h"
 #include "zarn-ingest/settings/CommandLine.h"
 
+// CFITSIO gives its version as tokens.
+#define TEXT_OF(tokens) TEXT(tokens)
+#define TEXT(tokens) #tokens
+
 namespace zarn::ingest {
 
 namespace {
 
 void displayVersion() {
-    std::cout << "zarn-ingest " ZARNSYS_VERSION " (CFITSIO " << CFITSIO_MAJOR << '.'
-              << CFITSIO_MINOR << '.' << CFITSIO_MICRO << ", ACE " ACE_VERSION ")\n";
+    std::cout << "zarn-ingest " ZARNSYS_VERSION
+                 " (CFITSIO " TEXT_OF(CFITSIO_VERSION) ", ACE " ACE_VERSION ")\n";
 }
 
 Reporter::Level levelOf(const Settings& settings) {

@@ -3,8 +3,7 @@
 #include <zarnsys/util/StringUtils.h>
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
+#include <locale>
 #include <sstream>
 #include <vector>
 
@@ -18,11 +17,13 @@ constexpr double PARTS = 60.0;  // minutes to the first unit, seconds to the min
 
 /// A decimal number; messages quote `whole`, of which it is a part.
 double decimal(const std::string& text, const std::string& whole) {
+    // std::from_chars for floating-point numbers is missing from older standard libraries.
+    std::istringstream stream(text);
+    stream.imbue(std::locale::classic());
     double number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc() || rest != end || !std::isfinite(number))
-        refuseText(whole, "is not a number");
+    stream >> std::noskipws >> number;
+    const bool isNumber = stream && stream.peek() == std::istringstream::traits_type::eof();
+    if (!isNumber || text.front() == '+') refuseText(whole, "is not a number");
     return number;
 }
 

@@ -58,15 +58,16 @@ std::vector<std::string> timeCells(double mjd, const Settings& settings) {
     return cells;
 }
 
-std::vector<std::string> titles(const Settings& settings, std::vector<std::string> others) {
-    std::vector<std::string> cells = {"UT"};
-    if (settings.local) cells.emplace_back("local");
-    cells.insert(cells.end(), others.begin(), others.end());
-    return cells;
-}
-
 void append(std::vector<std::string>& cells, const std::vector<std::string>& more) {
     cells.insert(cells.end(), more.begin(), more.end());
+}
+
+std::vector<std::string> titles(const Settings& settings, const std::vector<std::string>& others) {
+    std::vector<std::string> cells;
+    cells.emplace_back("UT");
+    if (settings.local) cells.emplace_back("local");
+    append(cells, others);
+    return cells;
 }
 
 /// The table of sun and moon.
@@ -167,8 +168,8 @@ std::string nightsTable(const Report& report) {
     Columns columns;
     columns.add({"night", "dark hours", "moonrise", "moonset", "lit", ""});
     for (const auto& [date, events, summary] : report.nights) {
-        const auto times = [&events = events, local](const std::string& name) {
-            for (const Event& event : events) {
+        const auto times = [&inNight = events, local](const std::string& name) {
+            for (const Event& event : inNight) {
                 if (event.name == name) return timesText(event.times, local, "none");
             }
             return std::string();

@@ -1,0 +1,68 @@
+# What is installed, by component: Runtime, the shared library; Development, what programs are built
+# with; Programs, zarn-ingest and zarn-moon with what belongs to them; Documentation.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+target_include_directories(ZarnSysUtil PUBLIC $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+install(TARGETS ZarnSysUtil EXPORT ZarnSysUtilTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+                COMPONENT Runtime NAMELINK_COMPONENT Development
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Development)
+install(FILES ${PUBLIC_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zarnsys/util
+        COMPONENT Development)
+
+set(PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/ZarnSysUtil)
+configure_package_config_file(cmake/ZarnSysUtilConfig.cmake.in ZarnSysUtilConfig.cmake
+                              INSTALL_DESTINATION ${PACKAGE_DIR})
+write_basic_package_version_file(ZarnSysUtilConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/ZarnSysUtilConfig.cmake
+              ${PROJECT_BINARY_DIR}/ZarnSysUtilConfigVersion.cmake
+        DESTINATION ${PACKAGE_DIR} COMPONENT Development)
+install(EXPORT ZarnSysUtilTargets NAMESPACE ZarnSysUtil:: DESTINATION ${PACKAGE_DIR}
+        COMPONENT Development)
+# The package in the build tree.
+export(EXPORT ZarnSysUtilTargets NAMESPACE ZarnSysUtil::
+       FILE ${PROJECT_BINARY_DIR}/ZarnSysUtilTargets.cmake)
+
+file(RELATIVE_PATH PREFIX_FROM_PKGCONFIG_DIR /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+configure_file(cmake/zarnsysutil.pc.in zarnsysutil.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/zarnsysutil.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT Development)
+
+install(FILES README.md CHANGELOG.md SECURITY.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR}
+        COMPONENT Documentation)
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Documentation
+        PATTERN man EXCLUDE PATTERN Doxyfile EXCLUDE PATTERN include.sed EXCLUDE
+        # Works within the project only.
+        PATTERN CMakeLists.txt EXCLUDE)
+
+# Where installed programs look for the library; empty for a directory that the loader knows.
+if(NOT DEFINED CMAKE_INSTALL_RPATH)
+    set(CMAKE_INSTALL_RPATH $ORIGIN/../${CMAKE_INSTALL_LIBDIR})
+endif()
+
+# zarnsys_install_program(PROGRAM): with its manual page and what bash completes its options by.
+function(zarnsys_install_program program)
+    install(TARGETS ${program} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Programs)
+    install(FILES ${PROJECT_SOURCE_DIR}/docs/man/${program}.1
+            DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT Programs)
+    # The program writes it; it need not run here, where it may be one for another machine.
+    file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${program}.bash
+         "# bash completion for ${program}\neval \"$(${program} --bash-completion)\"\n")
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${program}.bash
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ${program}
+            COMPONENT Programs)
+endfunction()
+
+# zarnsys_install_with_prefix(FILE DIRECTORY) installs a file in which ZARNSYS_BINDIR is where the
+# programs are, which is known no sooner than the prefix of the installation.
+function(zarnsys_install_with_prefix file directory)
+    get_filename_component(name ${file} NAME)
+    set(source ${CMAKE_CURRENT_SOURCE_DIR}/${file})
+    set(result ${CMAKE_CURRENT_BINARY_DIR}/${name})
+    install(CODE "
+        get_filename_component(ZARNSYS_BINDIR \"${CMAKE_INSTALL_BINDIR}\" ABSOLUTE
+                               BASE_DIR \"\${CMAKE_INSTALL_PREFIX}\")
+        configure_file(\"${source}\" \"${result}\" @ONLY)" COMPONENT Programs)
+    install(FILES ${result} DESTINATION ${directory} COMPONENT Programs)
+endfunction()
