@@ -83,7 +83,7 @@ PATH=$work/prefix/bin:$PATH bash -c '. "$1" && complete -p zarn-moon' bash \
 # Programs may put their own calls before the system's, and include headers without their folders.
 called=$(nm -D --undefined-only "$library")
 for call in chmod close fchmod fcntl glob globfree mkdir nanosleep open read remove rename stat statvfs system write; do
-    grep -qE " $call(@|\$)" <<<"$called" || [ "$(getconf LONG_BIT)" = 32 ] ||
+    grep -qE " (__x)?$call(@|\$)" <<<"$called" || [ "$(getconf LONG_BIT)" = 32 ] ||
         die "the library does not call $call by this name"
 done
 for header in prefix/include/zarnsys/util/*.h; do
