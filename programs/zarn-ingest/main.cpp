@@ -79,8 +79,8 @@ int run(CommandLine& commandLine, const StopSignals& signals) {
         displayVersion();
         return EXIT_SUCCESS;
     }
-    if (settings.bashCompletion) {
-        std::cout << commandLine.bashCompletion("zarn-ingest");
+    if (settings.completion) {
+        std::cout << commandLine.completion("zarn-ingest");
         return EXIT_SUCCESS;
     }
     if (settings.verbose) setPriorityMask(~0UL);

@@ -62,7 +62,7 @@ Settings CommandLine::parse() {
     if (parseCommandLine(true) != 0) throw UsageError("the command line is wrong");
     Settings settings;
     applyOptions(settings);
-    if (settings.help || settings.version || settings.bashCompletion) return settings;
+    if (settings.help || settings.version || settings.completion) return settings;
     if (!settings.properties.empty()) {
         settings = readProperties(settings.properties);
         applyOptions(settings);

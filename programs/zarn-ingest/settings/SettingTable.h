@@ -84,8 +84,9 @@ inline constexpr SettingRow<Settings> SETTINGS[] = {
      &Settings::properties},
     {"help", 'h', "", "Show this help", &Settings::help},
     {"version", 'V', "", "Show the versions of the program and its libraries", &Settings::version},
-    {"bash-completion", NO_LETTER, "", "Write a completion script for bash",
-     &Settings::bashCompletion},
+    {"bash-completion", NO_LETTER, "", "Write a completion script for bash", &Settings::completion},
+    {"zsh-completion", NO_LETTER, "", "Write a completion script for zsh", &Settings::completion},
+    {"fish-completion", NO_LETTER, "", "Write a completion script for fish", &Settings::completion},
 
     // The service.
     property(SERVICE, "done", &Settings::doneDir),

@@ -39,7 +39,7 @@ struct Settings {
     bool verbose = false;
     bool help = false;
     bool version = false;
-    bool bashCompletion = false;
+    bool completion = false;   ///< write a completion script
     bool watch = false;        ///< keep looking for files
     bool retryFailed = false;  ///< first move failed files back
 
