@@ -15,6 +15,8 @@
 #include "shared/cli/Process.h"
 #include "shared/cli/Reason.h"
 #include "shared/cli/UsageError.h"
+#include "zarn-ingest/desk/Status.h"
+#include "zarn-ingest/desk/Verification.h"
 #include "zarn-ingest/report/Reporter.h"
 #include "zarn-ingest/report/RollingLog.h"
 #include "zarn-ingest/run/Batch.h"
@@ -68,6 +70,20 @@ int work(const Settings& settings, const StopSignals& signals) {
     return whole && !reporter.anyFailed() ? EXIT_SUCCESS : EXIT_SOME_FAILED;
 }
 
+/// Shows a service's status, and gives the exit status.
+int showStatus(const Settings& settings) {
+    const Status status = statusOf(settings);
+    std::cout << formatted(status, settings);
+    return status.problems.empty() ? EXIT_SUCCESS : EXIT_SOME_FAILED;
+}
+
+/// Looks through an archive, and gives the exit status.
+int verify(const Settings& settings, const StopSignals& signals) {
+    const bool whole = Verification(settings, signals).run();
+    if (signals.received() != 0) return EXIT_SIGNAL + signals.received();
+    return whole ? EXIT_SUCCESS : EXIT_SOME_FAILED;
+}
+
 /// Does what the command line asks for, and gives the exit status.
 int run(CommandLine& commandLine, const StopSignals& signals) {
     const Settings settings = commandLine.parse();
@@ -85,6 +101,8 @@ int run(CommandLine& commandLine, const StopSignals& signals) {
     }
     if (settings.verbose) setPriorityMask(~0UL);
     commandLine.displayCommandLine();
+    if (settings.status) return showStatus(settings);
+    if (settings.verify) return verify(settings, signals);
     return work(settings, signals);
 }
 
