@@ -131,6 +131,7 @@ TEXT
     # Another host has other inodes and other paths.
     mkdir moved; cp -r done fits journal moved; rm 'moved/done/again.hdr.~10~'; rm -r in fits; cd moved || return
     sed -i 's|\tfits/|\t/gone/fits/|; s|\tin/|\t/gone/in/|' journal/*.journal
+    mv done/again.hdr.~1~ done/again.hdr.~10~; cp done/again.hdr done/again.hdr.~9~  # the latest counts
     properties ingest moon VEK1 ingest checksum T; rm fits/{untold,other,cut,empty}.fits
     sed -i -E '/(other|cut|empty|missing).hdr/d' journal/*.journal
     shows 0 --verify -p p.ini <<'TEXT'
