@@ -15,7 +15,7 @@
 #include "shared/cli/Process.h"
 #include "shared/cli/Reason.h"
 #include "shared/cli/UsageError.h"
-#include "zarn-ingest/desk/Status.h"
+#include "zarn-ingest/desk/StatusForms.h"
 #include "zarn-ingest/desk/Verification.h"
 #include "zarn-ingest/report/Reporter.h"
 #include "zarn-ingest/report/RollingLog.h"

@@ -17,7 +17,7 @@ shows() {
 everything() { find . -maxdepth 1 -type f -o -printf '%p %s %C@ %T@ %i\n' | sort; }
 
 testStatus() {
-    properties service least-free 10 service settle 1
+    properties service least-free 10 service settle 1 service journal journal/
     arrive a.hdr b.hdr; cp "$samples/broken.hdr" in/
     shows 1 --status -p p.ini <<'TEXT'
 service           does not run
@@ -26,7 +26,7 @@ last result       none
 failures today    unknown
 failed files      unknown
 free space [MiB]  unknown, at least 10 are needed
-needs a person    directory journal: No such file or directory
+needs a person    directory journal/: No such file or directory
 needs a person    directory failed: No such file or directory
 needs a person    the free space in fits cannot be determined
 TEXT
@@ -129,7 +129,7 @@ results like their sources: 3, of the size told, without source: 1, wrong: 4, no
 TEXT
     everything | diff before - >err.txt; check "something changed" [ ! -s err.txt ]
     # Another host has other inodes and other paths.
-    mkdir moved; cp -r done fits journal moved; rm 'moved/done/again.hdr.~10~'; rm -r in fits; cd moved || return
+    mkdir moved; cp -r 'done' fits journal moved; rm 'moved/done/again.hdr.~10~'; rm -r in fits; cd moved || return
     sed -i 's|\tfits/|\t/gone/fits/|; s|\tin/|\t/gone/in/|' journal/*.journal
     mv done/again.hdr.~1~ done/again.hdr.~10~; cp done/again.hdr done/again.hdr.~9~  # the latest counts
     properties ingest moon VEK1 ingest checksum T; rm fits/{untold,other,cut,empty}.fits

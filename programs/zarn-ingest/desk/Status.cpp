@@ -6,6 +6,7 @@
 #include <chrono>
 #include <ctime>
 #include <exception>
+#include <filesystem>
 
 #include "shared/cli/Reason.h"
 #include "shared/cli/UsageError.h"
@@ -74,7 +75,7 @@ void lookAtJournal(const Settings& settings, Status& status) {
     status.lastResult = lastResultIn(journals);
     status.failuresToday = 0;
     const std::string today = presentJournal(settings.journalDir);
-    if (std::find(journals.begin(), journals.end(), today) == journals.end()) return;
+    if (!std::filesystem::exists(today)) return;
     const std::vector<JournalEntry> entries = entriesIn(today);
     status.failuresToday = static_cast<std::size_t>(std::count_if(
         entries.begin(), entries.end(), [](const JournalEntry& one) { return !one.converted; }));

@@ -30,9 +30,6 @@ struct Status {
 /// @throw UsageError  for a pattern with wildcards beyond its last component
 Status statusOf(const Settings& settings);
 
-/// The status as the settings ask for it, as whole lines.
-std::string formatted(const Status& status, const Settings& settings);
-
 }  // namespace zarn::ingest
 
 #endif  // ZARN_INGEST_STATUS_H

@@ -1,10 +1,14 @@
+#include "zarn-ingest/desk/StatusForms.h"
+
 #include <cmath>
+#include <cstdint>
 #include <iomanip>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <sstream>
+#include <vector>
 
 #include "shared/cli/Printable.h"
-#include "zarn-ingest/desk/Status.h"
 
 namespace zarn::ingest {
 
