@@ -50,7 +50,7 @@ void keepMemory() {
 int work(const Settings& settings, const StopSignals& signals) {
     Reporter reporter(levelOf(settings));
     std::unique_ptr<RollingLog> log;
-    if (!settings.logFile.empty()) {
+    if (!settings.logFile.empty() && !settings.dryRun) {
         if (!settings.verbose) setPriorityMask(ERROR_AND_ABOVE | LM_INFO);
         log = std::make_unique<RollingLog>(settings);
         reporter.useLog();
