@@ -41,17 +41,30 @@ if(NOT DEFINED CMAKE_INSTALL_RPATH)
     set(CMAKE_INSTALL_RPATH $ORIGIN/../${CMAKE_INSTALL_LIBDIR})
 endif()
 
-# zarnsys_install_program(PROGRAM): with its manual page and what bash completes its options by.
+# Where zsh looks: this directory, or in Debian's packages another one.
+set(ZARNSYS_ZSH_COMPLETIONS ${CMAKE_INSTALL_DATADIR}/zsh/site-functions CACHE STRING
+    "Directory of completions for zsh")
+
+# zarnsys_install_completion(PROGRAM SCRIPT DIRECTORY NAME): what a shell completes a program's options
+# by. The program writes it; it need not run here, where it may be one for another machine.
+function(zarnsys_install_completion program script directory name)
+    set(file ${CMAKE_CURRENT_BINARY_DIR}/completion/${name})
+    file(WRITE ${file} "${script}\n")
+    install(FILES ${file} DESTINATION ${directory} COMPONENT Programs)
+endfunction()
+
+# zarnsys_install_program(PROGRAM): with its manual page and its completions.
 function(zarnsys_install_program program)
     install(TARGETS ${program} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Programs)
     install(FILES ${PROJECT_SOURCE_DIR}/docs/man/${program}.1
             DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT Programs)
-    # The program writes it; it need not run here, where it may be one for another machine.
-    file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${program}.bash
-         "# bash completion for ${program}\neval \"$(${program} --bash-completion)\"\n")
-    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${program}.bash
-            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ${program}
-            COMPONENT Programs)
+    set(share ${CMAKE_INSTALL_DATADIR})
+    zarnsys_install_completion(${program} "eval \"$(${program} --bash-completion)\""
+                               ${share}/bash-completion/completions ${program})
+    zarnsys_install_completion(${program} "#compdef ${program}\nsource <(${program} --zsh-completion)"
+                               ${ZARNSYS_ZSH_COMPLETIONS} _${program})
+    zarnsys_install_completion(${program} "${program} --fish-completion | source"
+                               ${share}/fish/vendor_completions.d ${program}.fish)
 endfunction()
 
 # zarnsys_install_with_prefix(FILE DIRECTORY) installs a file in which ZARNSYS_BINDIR is where the

@@ -34,10 +34,10 @@ void convert(const std::string& text) {
     static const OutputDirectory output(dir / "out", OutputDirectory::Missing::CREATE);
     dir.put("x.hdr", text);
     ConversionOptions options;
-    options.checksum = text.size() % 2 == 0;
+    options.additions.checksum = text.size() % 2 == 0;
     options.durable = text.size() % 3 == 0;
     options.resume = options.durable;
-    if (text.size() % 5 != 0) options.moon = VEK3;
+    if (text.size() % 5 != 0) options.additions.moon = VEK3;
     {
         Converter converter(options, output);
         // A text that seemed the machine's fault would be tried again for ever.

@@ -21,6 +21,14 @@ for test in zarn-ingest/files zarn-ingest/moon zarn-ingest/service zarn-moon/nig
     echo "$test: $(tail -n 1 log)"
 done
 
+install "$packages"/zarn-ingest-service_*.deb
+[ "$(stat -c '%U %G %a' /var/lib/zarn-ingest/incoming)" = 'zarn-ingest zarn-delivery 2775' ] ||
+    die "the incoming directory: $(ls -ld /var/lib/zarn-ingest/incoming)"
+id -nG zarn-ingest | grep -qw zarn-delivery || die "the service is not in the group of those who deliver"
+[ "$(systemctl --root=/ is-enabled zarn-ingest)" = disabled ] || die "the unit is missing, or enabled"
+systemd-analyze verify zarn-ingest.service >log 2>&1 || die "the unit: $(cat log)"
+echo "service: $(systemd-analyze security --offline=yes zarn-ingest.service | tail -n 1)"
+
 install "$packages"/libzarnsysutil-dev_*.deb "$packages"/zarnsysutil-doc_*.deb cmake g++ make liberfa-dev
 cp -r "$project/tests/install" consumer
 { cmake -S consumer -B cmake && cmake --build cmake; } >log 2>&1 || die "CMake: $(cat log)"
@@ -34,7 +42,16 @@ for example in /usr/share/doc/zarnsysutil-doc/examples/*.cpp; do
 done
 echo "consumers: built by CMake and by pkg-config"
 
-apt-get purge -y libzarnsysutil0 libzarnsysutil-dev zarn-tools zarnsysutil-doc >log 2>&1 || die "$(cat log)"
+# Names that the pages link to, beside each page.
+(cd /usr/share/doc/zarnsysutil-doc && find . -name '*.md' -printf '%h\n%p\n') |
+    while read -r folder && read -r page; do
+        grep -oE '\]\([^):# ]+' "/usr/share/doc/zarnsysutil-doc/$page" | sed "s|^](|$folder/|"
+    done | sort -u >links
+(cd /usr/share/doc/zarnsysutil-doc && xargs -n 1 ls -d) <links >log 2>&1 || die "links: $(grep 'cannot' log)"
+[ -s /usr/share/doc/zarnsysutil-doc/html/index.html ] || die "no reference"
+echo "pages: $(wc -l <links) links"
+
+apt-get purge -y libzarnsysutil0 libzarnsysutil-dev zarn-tools zarn-ingest-service zarnsysutil-doc >log 2>&1 || die "$(cat log)"
 left=$(find /etc /usr/bin /usr/include /usr/lib /usr/share /var/lib/dpkg -iname '*zarn*')
 [ -z "$left" ] || die "left after removal: $left"
 echo "removed: nothing is left"

@@ -15,6 +15,8 @@
 #include "shared/cli/Process.h"
 #include "shared/cli/Reason.h"
 #include "shared/cli/UsageError.h"
+#include "zarn-ingest/desk/StatusForms.h"
+#include "zarn-ingest/desk/Verification.h"
 #include "zarn-ingest/report/Reporter.h"
 #include "zarn-ingest/report/RollingLog.h"
 #include "zarn-ingest/run/Batch.h"
@@ -52,7 +54,7 @@ void keepMemory() {
 int work(const Settings& settings, const StopSignals& signals) {
     Reporter reporter(levelOf(settings));
     std::unique_ptr<RollingLog> log;
-    if (!settings.logFile.empty()) {
+    if (!settings.logFile.empty() && !settings.dryRun) {
         if (!settings.verbose) setPriorityMask(ERROR_AND_ABOVE | LM_INFO);
         log = std::make_unique<RollingLog>(settings);
         reporter.useLog();
@@ -72,6 +74,20 @@ int work(const Settings& settings, const StopSignals& signals) {
     return whole && !reporter.anyFailed() ? EXIT_SUCCESS : EXIT_SOME_FAILED;
 }
 
+/// Shows a service's status, and gives the exit status.
+int showStatus(const Settings& settings) {
+    const Status status = statusOf(settings);
+    std::cout << formatted(status, settings);
+    return status.problems.empty() ? EXIT_SUCCESS : EXIT_SOME_FAILED;
+}
+
+/// Looks through an archive, and gives the exit status.
+int verify(const Settings& settings, const StopSignals& signals) {
+    const bool whole = Verification(settings, signals).run();
+    if (signals.received() != 0) return EXIT_SIGNAL + signals.received();
+    return whole ? EXIT_SUCCESS : EXIT_SOME_FAILED;
+}
+
 /// Does what the command line asks for, and gives the exit status.
 int run(CommandLine& commandLine, const StopSignals& signals) {
     const Settings settings = commandLine.parse();
@@ -83,12 +99,14 @@ int run(CommandLine& commandLine, const StopSignals& signals) {
         displayVersion();
         return EXIT_SUCCESS;
     }
-    if (settings.bashCompletion) {
-        std::cout << commandLine.bashCompletion("zarn-ingest");
+    if (settings.completion) {
+        std::cout << commandLine.completion("zarn-ingest");
         return EXIT_SUCCESS;
     }
     if (settings.verbose) setPriorityMask(~0UL);
     commandLine.displayCommandLine();
+    if (settings.status) return showStatus(settings);
+    if (settings.verify) return verify(settings, signals);
     return work(settings, signals);
 }
 

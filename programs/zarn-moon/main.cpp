@@ -48,8 +48,8 @@ void run(CommandLine& commandLine) {
         std::cout << "zarn-moon " ZARNSYS_VERSION "\n";
         return;
     }
-    if (settings.bashCompletion) {
-        std::cout << commandLine.bashCompletion("zarn-moon");
+    if (settings.completion) {
+        std::cout << commandLine.completion("zarn-moon");
         return;
     }
     const Report report = makeReport(settings);

@@ -1,4 +1,4 @@
-// The sample properties file shows what the table of settings holds.
+// The sample properties file and the manual show what the table of settings holds.
 
 #include <gtest/gtest.h>
 
@@ -30,6 +30,35 @@ TEST(SettingTableTest, SampleFileShowsEveryProperty) {
         defaults.erase(property);
     }
     for (const auto& [property, value] : defaults) ADD_FAILURE() << "without " << property;
+}
+
+// The manual has each property once in its section, with its default unless that is a flag's.
+TEST(SettingTableTest, ManualDescribesEveryProperty) {
+    const std::string opensSection = ".Ss [";
+    const std::string opensProperty = ".It Cm ";
+    std::map<std::string, std::string> paragraphs;
+    std::ifstream manual(MANUAL);
+    std::string section;
+    std::string property;
+    for (std::string line; std::getline(manual, line);) {
+        if (line.rfind(opensSection, 0) == 0)
+            section = line.substr(opensSection.size(), line.find(']') - opensSection.size());
+        if (line.rfind(opensProperty, 0) == 0) {
+            property = section + " " + line.substr(opensProperty.size());
+            EXPECT_TRUE(paragraphs.emplace(property, "").second) << property;
+        }
+        if (line == ".El") property.clear();
+        if (!property.empty()) paragraphs[property] += " " + line;
+    }
+    for (const SettingRow<Settings>& row : SETTINGS) {
+        if (row.section == nullptr) continue;
+        const auto paragraph = paragraphs.find(std::string(row.section) + " " + row.name);
+        ASSERT_NE(paragraph, paragraphs.end()) << row.name;
+        const std::string value = defaultOf(row) == "F" ? " Flag: " : defaultOf(row);
+        EXPECT_NE(paragraph->second.find(value), std::string::npos) << row.name << ": " << value;
+        paragraphs.erase(paragraph);
+    }
+    for (const auto& [unknown, text] : paragraphs) ADD_FAILURE() << "no property " << unknown;
 }
 
 }  // namespace zarn::ingest

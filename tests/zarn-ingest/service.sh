@@ -71,7 +71,7 @@ testProperties() {
     run 2 -w x; says '--watch takes its files'
     properties; sed -i /^done/d p.ini; run 2 -w -p p.ini; says '--watch needs the properties done and failed'
     sed -i /^failed/d p.ini; run 2 --retry-failed -p p.ini; says '--retry-failed needs the properties'
-    properties; arrive a.hdr; run 0 -n -p p.ini -o else
+    properties log file log/l.log; arrive a.hdr; run 0 -n -p p.ini -o else; hasNot log
     check "dry run" grep -qx 'would convert in/a.hdr to else/a.fits' out.txt
     hasNot else; has in/a.hdr
     sed "s|/var/[a-z]*/zarn-ingest/|$PWD/|" "$samples/../../programs/zarn-ingest/deploy/zarn-ingest.ini" >p.ini

@@ -8,18 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "shared/cli/OptionRow.h"
 #include "shared/cli/UsageError.h"
 
 namespace zarn {
-
-/// One option; without an argument it is a flag.
-struct OptionRow {
-    std::string name;
-    char letter;  ///< GenConfig::NO_SHORT_NAME: none
-    std::string argument;
-    std::string help;
-    std::string defaultText;  ///< for the help; empty: none is shown
-};
 
 /// What is wrong with an option's value.
 ///
@@ -33,9 +25,8 @@ public:
     /// @param arguments  the process's arguments, its name first
     OptionTable(std::vector<const char*> arguments, std::vector<OptionRow> rows);
 
-    /// What bash needs to complete the program's options, and those of their values that are a
-    /// choice of words ("table|csv|json"), a directory ("DIR") or a file ("FILE").
-    std::string bashCompletion(const std::string& program) const;
+    /// The script for the shell that the options ask for; empty: they ask for none.
+    std::string completion(const std::string& program) const;
 
 protected:
     bool given(const std::string& option) const;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <optional>
+#include <string_view>
 
 namespace zarn {
 
@@ -42,21 +44,44 @@ std::size_t printableAt(const std::string& text, std::size_t at) {
     return 0;
 }
 
+constexpr std::string_view DIGITS = "0123456789ABCDEF";
+constexpr std::size_t ESCAPED = 4;  // characters of \xHH
+
+/// The byte for which \xHH stands at an index; nothing if something else is there.
+std::optional<char> escapedAt(const std::string& line, std::size_t at) {
+    if (line.compare(at, 2, "\\x") != 0 || line.size() - at < ESCAPED) return std::nullopt;
+    const std::size_t high = DIGITS.find(line[at + 2]);
+    const std::size_t low = DIGITS.find(line[at + 3]);
+    if (high == std::string_view::npos || low == std::string_view::npos) return std::nullopt;
+    return static_cast<char>(high * DIGITS.size() + low);
+}
+
 }  // namespace
 
 std::string printable(const std::string& text) {
-    static const char digits[] = "0123456789ABCDEF";
     std::string line;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t length = printableAt(text, at);
         if (length == 0) {
             const unsigned char code = byteAt(text, at);
-            line.append("\\x").append(1, digits[code / 16]).append(1, digits[code % 16]);
+            line.append("\\x")
+                .append(1, DIGITS[code / DIGITS.size()])
+                .append(1, DIGITS[code % DIGITS.size()]);
         }
         line.append(text, at, length);
         at += std::max<std::size_t>(1, length);
     }
     return line;
+}
+
+std::string unprintable(const std::string& line) {
+    std::string text;
+    for (std::size_t at = 0; at < line.size();) {
+        const std::optional<char> escaped = escapedAt(line, at);
+        text += escaped.value_or(line[at]);
+        at += escaped ? ESCAPED : 1;
+    }
+    return text;
 }
 
 }  // namespace zarn

@@ -10,6 +10,9 @@ namespace zarn {
 /// name or a card can neither break the line nor look like another one.
 std::string printable(const std::string& text);
 
+/// The text that `printable` made a line of.
+std::string unprintable(const std::string& line);
+
 }  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_PRINTABLE_H

@@ -24,14 +24,6 @@ namespace zarn::ingest {
 
 namespace {
 
-/// Whether an error tells that a name leads to nothing that can be opened.
-bool isNoFile(int error) { return error == ENOENT || error == ELOOP || error == ENXIO; }
-
-/// For an input whose result is there and cannot be compared with it.
-InputWaits cannotRead(const std::string& result, const std::string& reason) {
-    return InputWaits("the result " + result + " cannot be read: " + reason);
-}
-
 /// Runs a step of a conversion; the outcome says that it succeeded, or why it did not.
 template <typename Step>
 void judge(Outcome& outcome, Step step) {
@@ -79,7 +71,7 @@ std::string resultName(const std::string& input) {
     const std::string baseName = FileIO(input, true, false).getBaseName();
     const std::string::size_type dot = baseName.rfind('.');
     const bool hasStem = dot != std::string::npos && dot > 0;
-    return (hasStem ? baseName.substr(0, dot) : baseName) + ".fits";
+    return (hasStem ? baseName.substr(0, dot) : baseName) + RESULT_END;
 }
 
 Converter::Converter(const ConversionOptions& options, const OutputDirectory& output)
@@ -133,12 +125,12 @@ void Converter::beginOrThrow(const Input& input, Conversion& conversion) {
     outcome.cards = text.cardCount();
     outcome.hdus = text.headers().size();
     outcome.repairs = text.repairs();
-    if (options_.checksum) text.dropChecksums();
+    outcome.moon = complete(text, options_.additions);
     outcome.notes = text.notes();
-    if (options_.moon) outcome.moon = moonCards(text, *options_.moon);
-    text.append(outcome.moon.lines);
     const bool isThere = !isFree(outcome.result);
-    conversion.isKept = isThere && options_.resume && isKept(text, outcome.result);
+    const bool checksum = options_.additions.checksum;
+    conversion.isKept =
+        isThere && options_.resume && differenceOf(text, outcome.result, checksum).empty();
     if (isThere && !conversion.isKept) checkReplaceable(outcome.result);
     if (options_.dryRun) {
         std::cout << (conversion.isKept ? "would keep what " : "would convert ") +
@@ -175,27 +167,6 @@ bool Converter::isFree(const std::string& result) const {
     throw WorkStops("output directory " + output_.name() + ": " + reason);
 }
 
-/// Whether an earlier run made this result of the same text.
-bool Converter::isKept(const HeaderText& text, const std::string& result) const {
-    const Descriptor existing(::open(result.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat status = {};
-    if (existing.get() == -1 && isNoFile(errno)) return false;
-    if (existing.get() == -1 || ::fstat(existing.get(), &status) != 0)
-        throw cannotRead(result, systemReason(errno));
-    if (!S_ISREG(status.st_mode)) return false;
-    try {
-        verifyFitsFile(text, existing.get(), options_.checksum);
-        return true;
-    } catch (const IngestError&) {
-        return false;
-    } catch (const FitsFileError& error) {
-        if (error.status() != END_OF_FILE) throw InputWaits(error.what());
-        return false;
-    } catch (const std::exception& error) {
-        throw cannotRead(result, reasonOf(error));
-    }
-}
-
 void Converter::checkReplaceable(const std::string& result) const {
     struct stat status = {};
     if (::lstat(result.c_str(), &status) != 0) return;
@@ -227,10 +198,10 @@ std::unique_ptr<WorkFile> Converter::writeOrExplain(const HeaderText& text) {
 std::unique_ptr<WorkFile> Converter::write(const HeaderText& text) {
     fits_clear_errmsg();
     auto file = std::make_unique<WorkFile>(*work_);
-    makeFitsFile(text, memory_, file->path(), options_.checksum);
+    makeFitsFile(text, memory_, file->path(), options_.additions.checksum);
     file->open();
     try {
-        verifyFitsFile(text, file->fd(), options_.checksum);
+        verifyFitsFile(text, file->fd(), options_.additions.checksum);
     } catch (const std::system_error& error) {
         throw WorkStops("no result can be read again in " + output_.name() + ": " +
                         error.code().message());

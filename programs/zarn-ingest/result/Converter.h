@@ -13,6 +13,7 @@
 #include "shared/files/FileVersion.h"
 #include "shared/files/MemoryFile.h"
 #include "zarn-ingest/header/HeaderText.h"
+#include "zarn-ingest/result/Comparison.h"
 #include "zarn-ingest/result/Input.h"
 #include "zarn-ingest/result/Outcome.h"
 #include "zarn-ingest/result/OutputDirectory.h"
@@ -21,18 +22,20 @@ namespace zarn::ingest {
 
 /// How results are made.
 struct ConversionOptions {
-    bool force = false;     ///< replace results that exist
-    bool dryRun = false;    ///< examine only
-    bool checksum = false;  ///< add DATASUM and CHECKSUM
-    bool durable = false;   ///< results are safe on disk before `finish` returns
-    bool resume = false;    ///< one that exists already from the same text, as after a crash,
-                            ///< counts as converted
+    bool force = false;    ///< replace results that exist
+    bool dryRun = false;   ///< examine only
+    bool durable = false;  ///< results are safe on disk before `finish` returns
+    bool resume = false;   ///< one that exists already from the same text, as after a crash,
+                           ///< counts as converted
     ReadingOptions reading;
-    std::optional<Telescope> moon;  ///< add the moon's values for it
+    Additions additions;
 };
 
+/// With what the name of a result ends.
+inline constexpr char RESULT_END[] = ".fits";
+
 /// Name of the result of an input: its base name up to the last dot that is not its first
-/// character, and ".fits".
+/// character, and `RESULT_END`.
 std::string resultName(const std::string& input);
 
 /// An input, and how far its conversion has come. Does not outlive the converter.
@@ -82,7 +85,6 @@ private:
     void protect(const std::string& source);
     void claim(const Input& input, const std::string& name);
     bool isFree(const std::string& result) const;
-    bool isKept(const HeaderText& text, const std::string& result) const;
     void checkReplaceable(const std::string& result) const;
     std::unique_ptr<WorkFile> writeOrExplain(const HeaderText& text);
     std::unique_ptr<WorkFile> write(const HeaderText& text);

@@ -16,11 +16,10 @@ inline ConversionOptions conversionOf(const Settings& settings) {
     ConversionOptions options;
     options.force = settings.force;
     options.dryRun = settings.dryRun;
-    options.checksum = settings.checksum;
     options.resume = settings.resume || service;
     options.durable = options.resume || !settings.journalDir.empty();
     options.reading = {settings.strict, settings.primaryOnly};
-    options.moon = settings.moon;
+    options.additions = {settings.checksum, settings.moon};
     return options;
 }
 

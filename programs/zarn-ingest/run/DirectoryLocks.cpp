@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 
 #include "shared/files/SystemError.h"
@@ -15,12 +17,23 @@ namespace zarn::ingest {
 
 namespace {
 
-/// Locks a directory that this process may already have locked.
-void lock(const Directory& directory) {
-    if (::flock(directory.fd(), LOCK_EX | LOCK_NB) == 0) return;
-    if (errno == EWOULDBLOCK)
-        throw WorkStops("another zarn-ingest is using the directory " + directory.name());
+/// Takes a lock of this kind; false if another process holds one that excludes it.
+bool tryLock(const Directory& directory, int kind) {
+    if (::flock(directory.fd(), kind | LOCK_NB) == 0) return true;
+    if (errno == EWOULDBLOCK) return false;
     throw WorkStops("directory " + directory.name() + " cannot be locked: " + systemReason(errno));
+}
+
+/// Locks a directory that this process may already have locked. `isLocked` in another process may
+/// hold it for an instant.
+void lock(const Directory& directory) {
+    constexpr int TRIES = 10;
+    constexpr std::chrono::milliseconds PAUSE{5};
+    for (int i = 0; i < TRIES; ++i) {
+        if (tryLock(directory, LOCK_EX)) return;
+        std::this_thread::sleep_for(PAUSE);
+    }
+    throw WorkStops("another zarn-ingest is using the directory " + directory.name());
 }
 
 /// Whether two descriptors have the same file open.
@@ -32,6 +45,8 @@ bool sameFile(int left, int right) {
 }
 
 }  // namespace
+
+bool isLocked(const std::string& directory) { return !tryLock(Directory(directory), LOCK_SH); }
 
 DirectoryLocks::DirectoryLocks(const std::vector<std::string>& directories) {
     for (const std::string& directory : directories) add(directory);

@@ -9,6 +9,11 @@
 
 namespace zarn::ingest {
 
+/// Whether another process holds a directory.
+///
+/// @throw WorkStops  with the reason when the system does not say
+bool isLocked(const std::string& directory);
+
 /// Holds directories for this process alone, until the object is destroyed or the process ends.
 class DirectoryLocks {
 public:

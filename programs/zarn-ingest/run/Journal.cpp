@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
+#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
@@ -15,9 +17,11 @@
 #include <sstream>
 #include <stdexcept>
 #include <unordered_set>
+#include <utility>
 
 #include "shared/cli/Printable.h"
 #include "shared/cli/Reason.h"
+#include "shared/files/Reading.h"
 #include "shared/files/SystemError.h"
 
 namespace zarn::ingest {
@@ -26,21 +30,29 @@ namespace {
 
 const char NAME_BEGIN[] = "/zarn-ingest-";
 const char NAME_END[] = ".journal";
-constexpr std::size_t DATE_LENGTH = 10;  // 2026-11-24, which begins the ISO form
+const char CONVERTED[] = "converted";
+const char FAILED[] = "failed";
+constexpr std::size_t DATE_LENGTH = 10;             // 2026-11-24, which begins the ISO form
+constexpr std::size_t FIELDS_WITHOUT_IDENTITY = 7;  // as versions before identities wrote
 
 /// Name of the journal file of a day.
 std::string journalOf(const std::string& directory, const std::string& date) {
     return directory + NAME_BEGIN + date + NAME_END;
 }
 
-/// The journal files there, the oldest first.
-std::vector<std::string> journalsIn(const std::string& directory) {
+/// Whether a file has the name of a journal.
+bool isJournal(const std::string& path) {
     const std::string day = "[0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9]";
+    const std::string name = path.substr(path.rfind('/'));
+    return ::fnmatch(journalOf("", day).c_str(), name.c_str(), 0) == 0;
+}
+
+/// The journals among the entries of a listing, the oldest of each directory first.
+template <typename Listing>
+std::vector<std::string> journalsAmong(const Listing& listing) {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
-        const std::string name = directory + "/" + entry.path().filename().string();
-        if (::fnmatch(journalOf("", day).c_str(), name.c_str() + directory.size(), 0) == 0)
-            names.push_back(name);
+    for (const auto& entry : listing) {
+        if (isJournal(entry.path())) names.push_back(entry.path());
     }
     std::sort(names.begin(), names.end());
     return names;
@@ -50,7 +62,7 @@ std::vector<std::string> journalsIn(const std::string& directory) {
 std::string recordOf(const std::string& source, const Outcome& outcome) {
     std::ostringstream record;
     record << printable(source) << '\t' << printable(outcome.result) << '\t'
-           << (outcome.converted() ? "converted" : "failed") << '\t' << outcome.cards << '\t'
+           << (outcome.converted() ? CONVERTED : FAILED) << '\t' << outcome.cards << '\t'
            << outcome.size << '\t' << identityOf(source);
     return record.str();
 }
@@ -75,6 +87,23 @@ std::string earliestDate(const std::vector<std::string>& sources) {
         .substr(0, DATE_LENGTH);
 }
 
+/// Reads a line without its end. Nothing if it is not one of a journal.
+std::optional<JournalEntry> entryOf(const std::string& line) {
+    std::vector<std::string> fields;
+    std::istringstream rest(line);
+    for (std::string field; std::getline(rest, field, '\t');) fields.push_back(field);
+    if (fields.size() < FIELDS_WITHOUT_IDENTITY) return std::nullopt;
+    JournalEntry entry;
+    entry.time = fields[0];
+    entry.seconds = std::strtod(fields[1].c_str(), nullptr);
+    entry.source = unprintable(fields[2]);
+    entry.result = unprintable(fields[3]);
+    entry.converted = fields[4] == CONVERTED;
+    entry.size = std::strtoull(fields[6].c_str(), nullptr, 10);
+    if (fields.size() > FIELDS_WITHOUT_IDENTITY) entry.identity = fields[FIELDS_WITHOUT_IDENTITY];
+    return entry;
+}
+
 /// A line without its two times; empty if there is nothing after them.
 std::string recordIn(const std::string& line) {
     const std::size_t second = line.find('\t', line.find('\t') + 1);
@@ -95,6 +124,39 @@ std::string identityOf(const std::string& source) {
     return identity.str();
 }
 
+std::vector<JournalEntry> entriesIn(const std::string& journal) {
+    const std::string text = readFile(journal);
+    std::vector<JournalEntry> entries;
+    std::size_t begin = 0;
+    for (std::size_t end = 0; (end = text.find('\n', begin)) != std::string::npos;
+         begin = end + 1) {
+        std::optional<JournalEntry> entry = entryOf(text.substr(begin, end - begin));
+        if (entry) entries.push_back(std::move(*entry));
+    }
+    return entries;
+}
+
+std::vector<std::string> journalsIn(const std::string& directory) {
+    return journalsAmong(std::filesystem::directory_iterator(directory));
+}
+
+std::vector<std::string> journalsBelow(const std::string& directory) {
+    return journalsAmong(std::filesystem::recursive_directory_iterator(directory));
+}
+
+std::string presentJournal(const std::string& directory) {
+    const std::string iso = WexoTime::asISOTimeString(ACE_OS::gettimeofday());
+    return journalOf(directory, iso.substr(0, DATE_LENGTH));
+}
+
+std::optional<ino_t> inodeIn(const std::string& identity) {
+    ino_t inode = 0;
+    const char* const end = identity.data() + identity.size();
+    const auto [rest, error] = std::from_chars(identity.data(), end, inode);
+    if (error != std::errc() || rest == end || *rest != '-') return std::nullopt;
+    return inode;
+}
+
 Journal::Journal(const std::string& directory) : directory_(directory) {
     const std::vector<std::string> journals = journalsIn(directory);
     if (!journals.empty()) mendLastLine(journals.back());
@@ -104,9 +166,9 @@ void Journal::recall(const std::vector<std::string>& sources) {
     if (sources.empty()) return;
     std::unordered_set<std::string> wanted;
     for (const std::string& source : sources) wanted.insert(printable(source));
-    const std::string earliest = journalOf(directory_, earliestDate(sources));
+    const std::string earliest = journalOf("", earliestDate(sources));
     for (const std::string& name : journalsIn(directory_)) {
-        if (name < earliest) continue;
+        if (name.substr(name.rfind('/')) < earliest) continue;
         std::ifstream journal(name);
         if (!journal) throwSystemError("the journal " + name);
         for (std::string line; std::getline(journal, line);) {

@@ -8,7 +8,11 @@
 #ifndef ZARN_INGEST_JOURNAL_H
 #define ZARN_INGEST_JOURNAL_H
 
+#include <sys/types.h>
+
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -23,6 +27,36 @@ namespace zarn::ingest {
 ///
 /// @throw std::system_error  when the file's state cannot be read
 std::string identityOf(const std::string& source);
+
+/// One line of a journal.
+struct JournalEntry {
+    std::string time;    ///< local, in ISO form
+    double seconds = 0;  ///< since the epoch
+    std::string source;  ///< as it was named, as all names here
+    std::string result;
+    bool converted = false;
+    std::uintmax_t size = 0;  ///< of the result [bytes]
+    std::string identity;     ///< of the source; empty: the line has none
+};
+
+/// The whole lines of a journal file, in their order; others are passed over.
+///
+/// @throw std::exception  when the file cannot be read
+std::vector<JournalEntry> entriesIn(const std::string& journal);
+
+/// The journal files of a directory, the oldest first.
+///
+/// @throw std::exception  when the directory cannot be listed
+std::vector<std::string> journalsIn(const std::string& directory);
+
+/// The same, of all directories within it, too.
+std::vector<std::string> journalsBelow(const std::string& directory);
+
+/// The name that the journal of the present day has.
+std::string presentJournal(const std::string& directory);
+
+/// The inode number in an identity; nothing if it has none.
+std::optional<ino_t> inodeIn(const std::string& identity);
 
 /// Writes the journal of a directory.
 class Journal {

@@ -1,7 +1,6 @@
 #include "zarn-ingest/run/Service.h"
 
 #include <zarnsys/util/FileIO.h>
-#include <zarnsys/util/Utils.h>
 
 #include <algorithm>
 #include <set>
@@ -10,6 +9,7 @@
 #include "shared/cli/Reason.h"
 #include "zarn-ingest/run/Conversion.h"
 #include "zarn-ingest/run/Moving.h"
+#include "zarn-ingest/run/Room.h"
 #include "zarn-ingest/run/ServiceDirectories.h"
 
 namespace zarn::ingest {
@@ -134,16 +134,9 @@ std::vector<Input> Service::nextBatch() {
 
 /// Whether the output directory has the free space that the settings ask for.
 bool Service::hasRoom() {
-    float total = 0;
-    float available = 0;
-    const char* directory = settings_.outputDir.c_str();
-    const bool known = ZarnSys::getFilesystemInfo(directory, &total, &available) == 0;
-    if (known && available >= static_cast<float>(settings_.leastFree)) return true;
-    troubles_.meet(known
-                       ? "less than " + std::to_string(settings_.leastFree) + " MiB are free in " +
-                             settings_.outputDir + "; no file is converted until there is room"
-                       : "the free space in " + settings_.outputDir + " cannot be determined");
-    return false;
+    const std::string shortage = shortageOf(freeSpace(settings_), settings_);
+    if (!shortage.empty()) troubles_.meet(shortage);
+    return shortage.empty();
 }
 
 /// Finishes the conversions of a group, enters the files in the journal and moves them away. False

@@ -6,8 +6,6 @@
 #include <zarnsys/util/FileIO.h>
 
 #include <cerrno>
-#include <filesystem>
-#include <set>
 #include <stdexcept>
 
 #include "shared/files/Durable.h"
@@ -38,14 +36,6 @@ void prepareTarget(const std::string& incoming, const std::string& target) {
     if (::access(target.c_str(), W_OK | X_OK) != 0) throwSystemError("directory " + target);
 }
 
-/// The failed files, in the order of their names, without the texts that give their reasons.
-std::set<std::filesystem::path> failedFiles(const std::string& directory) {
-    std::set<std::filesystem::path> files;
-    for (const auto& entry : std::filesystem::directory_iterator(directory))
-        if (!entry.is_directory() && !isReason(entry.path().filename())) files.insert(entry.path());
-    return files;
-}
-
 }  // namespace
 
 std::string incomingDirectory(const Settings& settings) {
@@ -65,6 +55,13 @@ std::vector<std::string> prepareDirectories(const Settings& settings) {
         directories.push_back(settings.journalDir);
     }
     return directories;
+}
+
+std::set<std::filesystem::path> failedFiles(const std::string& directory) {
+    std::set<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::directory_iterator(directory))
+        if (!entry.is_directory() && !isReason(entry.path().filename())) files.insert(entry.path());
+    return files;
 }
 
 void putBackFailed(const Settings& settings, Reporter& reporter) {

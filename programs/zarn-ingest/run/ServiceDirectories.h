@@ -2,6 +2,8 @@
 #ifndef ZARN_INGEST_SERVICEDIRECTORIES_H
 #define ZARN_INGEST_SERVICEDIRECTORIES_H
 
+#include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -19,6 +21,11 @@ std::string incomingDirectory(const Settings& settings);
 /// @return                every directory that the service must lock
 /// @throw std::exception  with the reason when the service could not work in one of them
 std::vector<std::string> prepareDirectories(const Settings& settings);
+
+/// The failed files, in the order of their names, without the texts that give their reasons.
+///
+/// @throw std::exception  when the directory cannot be listed
+std::set<std::filesystem::path> failedFiles(const std::string& directory);
 
 /// Moves failed files that the pattern matches back to the incoming directory, and removes their
 /// reasons. Of files that had the same name, the first goes back; the others need further runs.

@@ -13,11 +13,28 @@ namespace zarn::ingest {
 
 namespace {
 
+/// Refuses what a look at other runs' work cannot have, or lacks.
+void checkLook(const Settings& settings) {
+    const std::string look = settings.status ? "--status" : "--verify";
+    if (settings.status && settings.verify)
+        throw UsageError("--status and --verify exclude each other");
+    if (settings.isNamed() || settings.watch || settings.retryFailed)
+        throw UsageError(look + " converts nothing");
+    if (settings.verify && settings.format != StatusFormat::TEXT)
+        throw UsageError("--format needs --status");
+    if (settings.status && settings.pattern.empty())
+        throw UsageError("--status needs a properties file with a pattern");
+    if (settings.verify && settings.journalDir.empty())
+        throw UsageError("--verify needs a journal");
+}
+
 /// Refuses settings that exclude each other, or that need others.
 void checkTogether(const Settings& settings) {
     const bool lists = !settings.lists.empty() || settings.standardInput;
     if (settings.quiet && settings.verbose)
         throw UsageError("--quiet and --verbose exclude each other");
+    if (settings.looks()) return checkLook(settings);
+    if (settings.format != StatusFormat::TEXT) throw UsageError("--format needs --status");
     if (settings.nulSeparated && !lists) throw UsageError("--null needs --list or --stdin");
     if (!settings.isNamed() && settings.pattern.empty()) throw UsageError("no file to convert");
     const bool service = settings.isService();
@@ -53,8 +70,9 @@ void CommandLine::applyOptions(Settings& settings) const {
     if (given("verbose") && !given("quiet")) settings.quiet = false;
     if (given("quiet") && !given("verbose")) settings.verbose = false;
     const bool files = !argumentVect_.empty() || given("list") || given("stdin");
-    if ((files || given("dry-run")) && !given("watch")) settings.watch = false;
-    if ((files || given("dry-run")) && !given("retry-failed")) settings.retryFailed = false;
+    const bool once = files || given("dry-run") || settings.looks();
+    if (once && !given("watch")) settings.watch = false;
+    if (once && !given("retry-failed")) settings.retryFailed = false;
     if (files && !given("journal")) settings.journalDir.clear();  // that one is for the service
 }
 
@@ -62,7 +80,7 @@ Settings CommandLine::parse() {
     if (parseCommandLine(true) != 0) throw UsageError("the command line is wrong");
     Settings settings;
     applyOptions(settings);
-    if (settings.help || settings.version || settings.bashCompletion) return settings;
+    if (settings.help || settings.version || settings.completion) return settings;
     if (!settings.properties.empty()) {
         settings = readProperties(settings.properties);
         applyOptions(settings);

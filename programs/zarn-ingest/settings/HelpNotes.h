@@ -52,6 +52,13 @@ the service leaves the source where it is, reports the problem once, and goes on
 when it is solved. Beside each x.hdr in the directory of failed files, the text
 x.hdr.reason says why it failed.
 
+--status looks at the directories of the service of a properties file: what
+waits, what failed, the last result, the room that is left, whether a service
+runs. --format prometheus is for node_exporter's textfile collector. --verify
+compares results with the journal and with their sources, and names each that is
+missing, is empty, differs or is not told of. Both change nothing; status 1 says
+that something needs a person.
+
 Messages have the form "zarn-ingest: FILE:LINE: text"; the first line is line 1.
 
 Exit status: 0 every file was converted, with or without warnings; 1 some were

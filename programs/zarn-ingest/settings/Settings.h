@@ -12,6 +12,9 @@
 
 namespace zarn::ingest {
 
+/// Forms of a service's status.
+enum class StatusFormat { TEXT, JSON, PROMETHEUS };
+
 /// Everything that options and properties set. A member holds its default until then.
 struct Settings {
     // Which files.
@@ -39,9 +42,14 @@ struct Settings {
     bool verbose = false;
     bool help = false;
     bool version = false;
-    bool bashCompletion = false;
+    bool completion = false;   ///< write a completion script
     bool watch = false;        ///< keep looking for files
     bool retryFailed = false;  ///< first move failed files back
+
+    // Looks that change nothing.
+    bool status = false;                       ///< at a service
+    StatusFormat format = StatusFormat::TEXT;  ///< of the status
+    bool verify = false;                       ///< at an archive, against journal and sources
 
     // The service: what `pattern` names is moved when it is done.
     std::string properties;      ///< file that these were read from; empty: none
@@ -62,6 +70,9 @@ struct Settings {
 
     /// Whether the files are named: by arguments, lists or standard input.
     bool isNamed() const { return !arguments.empty() || !lists.empty() || standardInput; }
+
+    /// Whether the run only looks at what other runs did.
+    bool looks() const { return status || verify; }
 
     /// Whether the run works as a service: on files that arrive, which move when they are done.
     bool isService() const { return !isNamed() && !dryRun; }

@@ -50,7 +50,7 @@ Settings CommandLine::parse(double now) {
     if (parseCommandLine(true) != 0) throw UsageError("the command line is wrong");
     Settings settings;
     readFlags(settings);
-    if (settings.help || settings.version || settings.bashCompletion) return settings;
+    if (settings.help || settings.version || settings.completion) return settings;
     checkTogether();
     readOptions(settings);
     if (!given("date")) settings.date = nightOf(settings.site, now);

@@ -80,8 +80,9 @@ inline constexpr SettingRow<Settings> SETTINGS[] = {
 
     {"help", 'h', "", "Show this help", &Settings::help},
     {"version", 'V', "", "Show the version", &Settings::version},
-    {"bash-completion", NO_LETTER, "", "Write a completion script for bash",
-     &Settings::bashCompletion},
+    {"bash-completion", NO_LETTER, "", "Write a completion script for bash", &Settings::completion},
+    {"zsh-completion", NO_LETTER, "", "Write a completion script for zsh", &Settings::completion},
+    {"fish-completion", NO_LETTER, "", "Write a completion script for fish", &Settings::completion},
 };
 
 /// Options that exclude each other.

@@ -38,11 +38,11 @@ struct Settings {
 
     bool local = false;  ///< also show times of the process's time zone
     Format format = Format::TABLE;
-    std::string output;           ///< file; empty: standard output
-    std::string plot;             ///< file of the picture; empty: none
-    bool help = false;            ///< show the help, and do nothing else
-    bool version = false;         ///< likewise the version
-    bool bashCompletion = false;  ///< likewise the completion script
+    std::string output;       ///< file; empty: standard output
+    std::string plot;         ///< file of the picture; empty: none
+    bool help = false;        ///< show the help, and do nothing else
+    bool version = false;     ///< likewise the version
+    bool completion = false;  ///< likewise the completion script
 };
 
 }  // namespace zarn::moon

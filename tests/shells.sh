@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# zsh and fish complete the programs' options by the scripts that the programs write.
+#   shells.sh PROGRAM...
+# Skipped, with status 77, where one of the shells is missing.
+set -u
+for shell in zsh fish; do
+    command -v "$shell" >/dev/null || { echo "skipped: no $shell"; exit 77; }
+done
+work=$(mktemp -d "${TMPDIR:-/tmp}/zarnsys-test-XXXXXX")
+trap 'rm -rf "$work"' EXIT
+export HOME=$work LC_ALL=C
+mkdir -p "$work/here/dir"
+touch "$work/here/file"
+for program in "$@"; do
+    name=$(basename "$program")
+    "$program" --zsh-completion >"$work/_$name" || exit 1
+    "$program" --fish-completion >"$work/$name.fish" || exit 1
+done
+
+# What zsh offers is known only within an interactive one, whose compadd gets it.
+cat >"$work/offers.zsh" <<'SCRIPT'
+zmodload zsh/zpty
+zpty shell zsh -f -i
+zpty -w shell "fpath=($1 \$fpath); autoload -Uz compinit; compinit -u -D; typeset -aU all"
+zpty -w shell 'compadd() {
+    if [[ ${@[1,(i)(-|--)]} == *-(O|A|D)\ * ]]; then builtin compadd "$@"; return $?; fi
+    local -a words; builtin compadd -A words "$@"; all+=($words); builtin compadd "$@" }'
+zpty -w shell "offer() { zle complete-word; print -r -- \${(o)all} >$1/offered; exit }
+    zle -N offer; bindkey '^Xo' offer; touch $1/ready"
+until [[ -e $1/ready ]]; do sleep 0.05; done
+zpty -w -n shell "$2"$'\030o'
+until [[ -s $1/offered ]]; do sleep 0.05; done
+cat $1/offered
+rm $1/offered $1/ready
+SCRIPT
+zshOffers() { timeout 30 zsh -f "$work/offers.zsh" "$work" "$1"; }
+fishOffers() { fish -N -c "source $work/${1%% *}.fish; complete -C '$1'" | cut -f 1 | sort | xargs; }
+
+# A line and what it can go on with, in zsh and in fish.
+cat >"$work/expected" <<'LINES'
+zarn-moon --telescope V|VEK1 VEK2 VEK3 VEK4|VEK1 VEK2 VEK3 VEK4
+zarn-moon -T |OLAN VEK1 VEK2 VEK3 VEK4|OLAN VEK1 VEK2 VEK3 VEK4
+zarn-moon --format=c|csv|--format=csv
+zarn-moon --m|--min-altitude --mjd|--min-altitude --mjd
+zarn-moon --targets |dir file|dir/ file
+zarn-moon --local -s ||
+zarn-ingest --moon O|OLAN|OLAN
+zarn-ingest --status --format |json prometheus text|json prometheus text
+zarn-ingest -o |dir|dir/
+zarn-ingest -f --re|--report --resume --retry-failed|--report --resume --retry-failed
+zarn-ingest f|file|file
+LINES
+cd "$work/here" || exit 1
+while IFS='|' read -r line _; do
+    echo "$line|$(zshOffers "$line")|$(fishOffers "$line")"
+done <"$work/expected" | diff "$work/expected" - && echo "completed by zsh and fish: all lines"
