@@ -65,7 +65,7 @@ while read -r component expected; do
 done <<'END'
 Runtime         lib/([^/]*/)?libZarnSysUtil\.so\..*
 Development     (include/zarnsys/util/|lib/([^/]*/)?(libZarnSysUtil\.so$|cmake/|pkgconfig/)).*
-Programs        (bin/|lib/([^/]*/)?zarnsysutil/libACE\.so$|share/(man/man1/|bash-completion/|doc/.*/examples/zarn-ingest\.(ini|service)$)).*
+Programs        (bin/|lib/([^/]*/)?zarnsysutil/libACE\.so$|lib/(systemd/system|sysusers.d|tmpfiles.d)/zarn-ingest\.(service|conf)$|share/(man/man[15]/|bash-completion/|zsh/site-functions/_|fish/vendor_completions.d/|doc/.*/examples/zarn-ingest\.ini$)).*
 Documentation   share/doc/.*
 END
 (cd components && for component in *; do list "$component"; done) | sort | diff - <(list prefix) ||
