@@ -14,7 +14,7 @@ install() {
         die "cannot install: $(cat log)"
 }
 
-install "$packages"/libzarnsysutil0_*.deb "$packages"/zarn-tools_*.deb
+install "$packages"/libzarnsysutil0_*.deb "$packages"/zarn-tools_*.deb jq  # jq is what the examples need
 ! dpkg -l '*-dev' 2>/dev/null | grep '^ii' || die "with these, it does not show whether the programs need them"
 for test in zarn-ingest/files zarn-ingest/moon zarn-ingest/service zarn-moon/nights; do
     "$project/tests/$test.sh" "/usr/bin/${test%/*}" "$project/examples/headers" >log 2>&1 || die "$test: $(cat log)"
