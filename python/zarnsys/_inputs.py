@@ -14,8 +14,8 @@ _DAY = np.timedelta64(1, "D")
 
 
 def _numbers(values: Any, what: str) -> _Doubles:
-    if np.ma.isMaskedArray(values):
-        values = np.ma.filled(values.astype(np.float64), np.nan)
+    if isinstance(values, np.ma.MaskedArray):
+        values = values.astype(np.float64).filled(np.nan)
     array = np.asarray(values)
     if array.dtype.kind not in "iuf":
         raise TypeError(f"{what} must be numbers, not {array.dtype}")
