@@ -226,20 +226,28 @@ def test_threads_compute_what_one_does(site):
         assert np.array_equal(result, observed(ra), equal_nan=True)
 
 
-def ticks_during(function):
-    """How often this thread runs while another one calls a function."""
-    other = threading.Thread(target=function)
-    ticks = 0
+def longest_pause(function):
+    """How long at most this thread stands still while another calls a function, over the call."""
+    seconds = []
+
+    def call():
+        start = time.perf_counter()
+        function()
+        seconds.append(time.perf_counter() - start)
+
+    other = threading.Thread(target=call)
+    longest, last = 0.0, time.perf_counter()
     other.start()
-    while other.is_alive():
-        time.sleep(0.001)
-        ticks += 1
-    return ticks
+    while not seconds:
+        now = time.perf_counter()
+        longest, last = max(longest, now - last), now
+    other.join()
+    return longest / seconds[0]
 
 
 @pytest.mark.parametrize("function", PER_TARGET.values(), ids=PER_TARGET)
 def test_other_threads_run_meanwhile(function, site):
     ra, mjd = np.linspace(0.0, 360.0, 2000), 61000.0 + np.linspace(0.0, 1.0, 1000)
-    # A busy machine may starve one of the trials.
-    ticks = max(ticks_during(lambda: function(ra, 0.0, mjd, site)) for _ in range(3))
-    assert ticks > 5
+    # A busy machine may hold a thread up now and then.
+    trials = (longest_pause(lambda: function(ra, 0.0, mjd, site)) for _ in range(10))
+    assert any(pause < 0.5 for pause in trials)
