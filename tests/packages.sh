@@ -21,6 +21,11 @@ for test in zarn-ingest/files zarn-ingest/moon zarn-ingest/service zarn-moon/nig
     echo "$test: $(tail -n 1 log)"
 done
 
+install "$packages"/python3-zarnsys_*.deb
+altitude='import zarnsys; print(round(float(zarnsys.moon(51544.5, zarnsys.Site(0, 0)).altitude), 2))'
+[ "$(/usr/bin/python3 -c "$altitude")" = 30.55 ] || die "the Python module does not work"
+echo "Python module: works"
+
 install "$packages"/libzarnsysutil-dev_*.deb "$packages"/zarnsysutil-doc_*.deb cmake g++ make liberfa-dev
 cp -r "$project/tests/install" consumer
 { cmake -S consumer -B cmake && cmake --build cmake; } >log 2>&1 || die "CMake: $(cat log)"
@@ -34,7 +39,7 @@ for example in /usr/share/doc/zarnsysutil-doc/examples/*.cpp; do
 done
 echo "consumers: built by CMake and by pkg-config"
 
-apt-get purge -y libzarnsysutil0 libzarnsysutil-dev zarn-tools zarnsysutil-doc >log 2>&1 || die "$(cat log)"
+apt-get purge -y libzarnsysutil0 libzarnsysutil-dev python3-zarnsys zarn-tools zarnsysutil-doc >log 2>&1 || die "$(cat log)"
 left=$(find /etc /usr/bin /usr/include /usr/lib /usr/share /var/lib/dpkg -iname '*zarn*')
 [ -z "$left" ] || die "left after removal: $left"
 echo "removed: nothing is left"
