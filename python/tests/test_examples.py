@@ -22,6 +22,15 @@ def run(directory, program, *arguments, path=""):
     )
 
 
+def test_first_lines_of_the_page():
+    page = (EXAMPLES.parent / "docs" / "pages" / "python.md").read_text()
+    lines = page.split("```python\n")[1].split("```")[0]
+    names = {}
+    exec(lines, names)
+    assert names["seen"].altitude.shape == (60, 2)
+    assert names["good"].any() and not names["good"].all()
+
+
 def test_night(tmp_path):
     image = pytest.importorskip("matplotlib.image")
     picture = tmp_path / "night.png"

@@ -14,7 +14,7 @@ _DAY = np.timedelta64(1, "D")
 
 
 def _numbers(values: Any, what: str) -> _Doubles:
-    if isinstance(values, np.ma.MaskedArray):
+    if hasattr(values, "filled"):  # a masked array
         values = values.astype(np.float64).filled(np.nan)
     array = np.asarray(values)
     if array.dtype.kind not in "iuf":
