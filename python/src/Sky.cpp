@@ -3,7 +3,6 @@
 #include <zarnsys/util/Astronomy.h>
 
 #include <cmath>
-#include <limits>
 #include <stdexcept>
 
 #include "shared/sky/Precession.h"
@@ -13,7 +12,6 @@ namespace zarn::python {
 
 namespace {
 
-constexpr double NAN_VALUE = std::numeric_limits<double>::quiet_NaN();
 constexpr int KINDS = 4;
 
 /// The lunation, as `flmoon` counts, whose mean new moon is the last before an instant, within one
@@ -34,10 +32,9 @@ void requireYears(MJD_DATE mjd) {
 }  // namespace
 
 Sun sunAt(const std::vector<MJD_DATE>& instants, const Place& place) {
-    const std::vector<double> unknown(instants.size(), NAN_VALUE);
-    Sun sun = {unknown, unknown, unknown};
+    const std::vector<double> zeros(instants.size());
+    Sun sun = {zeros, zeros, zeros};
     for (std::size_t i = 0; i < instants.size(); ++i) {
-        if (!std::isfinite(instants[i])) continue;
         const double jd = instants[i] + JD_OF_MJD_0;
         double ra = 0.0;
         double azimuth = 0.0;

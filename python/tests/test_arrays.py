@@ -122,10 +122,10 @@ def test_not_a_number(function, ra, dec, mjd, site, capfd):
     assert capfd.readouterr() == ("", "")
 
 
-@pytest.mark.parametrize("function", PER_INSTANT.values(), ids=PER_INSTANT)
+@pytest.mark.parametrize("function", [zarnsys.moon, zarnsys.sun])
 def test_not_an_instant(function, site, capfd):
-    found = function([61000.0, NAN, np.inf], site)
-    assert list(np.isnan(found)) == [False, True, True]
+    for values in function([61000.0, NAN, np.inf], site):
+        assert list(np.isnan(values)) == [False, True, True]
     assert capfd.readouterr() == ("", "")
 
 
