@@ -52,7 +52,7 @@ pybind11::array adopted(Values values, const Shape& shape) {
     auto* const memory = memoryOf(*owner);
     const pybind11::capsule base(owner.get(),
                                  [](void* held) { delete static_cast<Values*>(held); });
-    owner.release();
+    static_cast<void>(owner.release());  // it is the capsule's now
     return pybind11::array(shape, memory, base);
 }
 

@@ -110,14 +110,14 @@ py::tuple headerToFits(const std::string& headerName, const std::string& fitsNam
 }  // namespace zarn::python
 
 PYBIND11_MODULE(_core, module) {
-    using namespace zarn::python;
+    namespace core = zarn::python;
     module.attr("__version__") = ZARNSYS_VERSION;
-    module.def("moon", &moon);
-    module.def("sun", &sun);
-    module.def("separation", &separation);
-    module.def("observe", &observe);
-    module.def("precess", &precess);
-    module.def("phases", &phases);
-    module.def("telescope", &telescope);
-    module.def("header_to_fits", &headerToFits);
+    module.def("moon", &core::moon);
+    module.def("sun", &core::sun);
+    module.def("separation", &core::separation);
+    module.def("observe", &core::observe);
+    module.def("precess", &core::precess);
+    module.def("phases", &core::phases);
+    module.def("telescope", &core::telescope);
+    module.def("header_to_fits", &core::headerToFits);
 }
