@@ -194,6 +194,14 @@ def run_starts(program, bare, starts):
             measured[f"start/{side}"].append(seconds)
 
 
+def run_python(build, rounds):
+    """The Python module beside others, in one process."""
+    output = subprocess.run(
+        ["/usr/bin/python3", f"{SOURCES}/bench/programs/python-sky.py", str(rounds)], check=True,
+        capture_output=True, text=True, env=dict(os.environ, PYTHONPATH=f"{build}/python")).stdout
+    measured.update(json.loads(output))
+
+
 def main():
     arguments = parse_arguments()
     build, memory, disk = arguments.build, arguments.memory, arguments.disk
@@ -209,6 +217,7 @@ def main():
     run_durable(dict(programs, bare=bare), disk, 3 if short else 9)
     run_syncs(dict(programs, bare=bare), disk)
     run_starts(ours, f"{build}/bench/bare-start", 100 if short else 400)
+    run_python(build, 3 if short else 9)
     with open(arguments.result, "w") as file:
         json.dump(measured, file, indent=1)
 

@@ -14,8 +14,8 @@ import sys
 
 FLAGS = ("fma", "avx2", "avx512f", "avx512dq")
 PACKAGES = ("libace-dev", "libcfitsio-dev", "libbenchmark-dev", "libabsl-dev", "libboost-dev",
-            "libcli11-dev", "libfmt-dev", "libinih-dev", "libspdlog-dev", "python3-astropy",
-            "libc6")
+            "libcli11-dev", "libfmt-dev", "libinih-dev", "libspdlog-dev", "python3-astroplan",
+            "python3-astropy", "python3-numpy", "libc6")
 UNITS = ((1, "s"), (1e-3, "ms"), (1e-6, "us"), (1e-9, "ns"))
 COLUMNS = ("row", "ratio", "quartiles", "aim", "met", "ours", "remark")
 SCRIPTS = os.path.dirname(os.path.abspath(__file__))

@@ -29,6 +29,11 @@ id -nG zarn-ingest | grep -qw zarn-delivery || die "the service is not in the gr
 systemd-analyze verify zarn-ingest.service >log 2>&1 || die "the unit: $(cat log)"
 echo "service: $(systemd-analyze security --offline=yes zarn-ingest.service | tail -n 1)"
 
+install "$packages"/python3-zarnsys_*.deb
+altitude='import zarnsys; print(round(float(zarnsys.moon(51544.5, zarnsys.Site(0, 0)).altitude), 2))'
+[ "$(/usr/bin/python3 -c "$altitude")" = 30.55 ] || die "the Python module does not work"
+echo "Python module: works"
+
 install "$packages"/libzarnsysutil-dev_*.deb "$packages"/zarnsysutil-doc_*.deb cmake g++ make liberfa-dev
 cp -r "$project/tests/install" consumer
 { cmake -S consumer -B cmake && cmake --build cmake; } >log 2>&1 || die "CMake: $(cat log)"
@@ -51,7 +56,7 @@ echo "consumers: built by CMake and by pkg-config"
 [ -s /usr/share/doc/zarnsysutil-doc/html/index.html ] || die "no reference"
 echo "pages: $(wc -l <links) links"
 
-apt-get purge -y libzarnsysutil0 libzarnsysutil-dev zarn-tools zarn-ingest-service zarnsysutil-doc >log 2>&1 || die "$(cat log)"
+apt-get purge -y libzarnsysutil0 libzarnsysutil-dev python3-zarnsys zarn-tools zarn-ingest-service zarnsysutil-doc >log 2>&1 || die "$(cat log)"
 left=$(find /etc /usr/bin /usr/include /usr/lib /usr/share /var/lib/dpkg -iname '*zarn*')
 [ -z "$left" ] || die "left after removal: $left"
 echo "removed: nothing is left"

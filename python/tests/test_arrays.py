@@ -1,0 +1,253 @@
+"""Shapes, kinds of arguments, errors, memory and threads."""
+
+import copy
+import pickle
+import resource
+import threading
+import time
+from concurrent.futures import ThreadPoolExecutor
+from datetime import datetime, timedelta, timezone
+
+import astropy.units as u
+import numpy as np
+import pytest
+from astropy.coordinates import Angle
+from astropy.time import Time
+
+import zarnsys
+
+NAN = float("nan")
+
+PER_INSTANT = {
+    "moon": lambda mjd, site: zarnsys.moon(mjd, site).altitude,
+    "sun": lambda mjd, site: zarnsys.sun(mjd, site).ra,
+}
+PER_TARGET = {
+    "altitude": zarnsys.altitude,
+    "airmass": zarnsys.airmass,
+    "separation": zarnsys.separation,
+    "moonlight": zarnsys.moonlight,
+    "sky": zarnsys.sky,
+    "observe": lambda *arguments: zarnsys.observe(*arguments).sky,
+    "precess": lambda ra, dec, mjd, site: zarnsys.precess(ra, dec, mjd).dec,
+}
+SHAPES = [
+    # right ascensions, declinations, instants, result
+    ((), (), (), ()),
+    ((3,), (), (), (3,)),
+    ((), (), (4,), (4,)),
+    ((3,), (3,), (4,), (4, 3)),
+    ((3, 1), (2,), (5, 4), (5, 4, 3, 2)),
+    ((0,), (), (4,), (4, 0)),
+    ((3,), (3,), (0,), (0, 3)),
+]
+
+
+@pytest.mark.parametrize("shape", [(), (4,), (2, 3), (0,)])
+@pytest.mark.parametrize("function", PER_INSTANT.values(), ids=PER_INSTANT)
+def test_shapes_of_instants(function, shape, site):
+    result = function(np.full(shape, 61000.0), site)
+    assert np.shape(result) == shape
+    assert isinstance(result, np.ndarray if shape else float)
+
+
+@pytest.mark.parametrize("ra, dec, mjd, result", SHAPES)
+@pytest.mark.parametrize("function", PER_TARGET.values(), ids=PER_TARGET)
+def test_shapes_of_targets(function, ra, dec, mjd, result, site):
+    found = function(np.zeros(ra), np.zeros(dec), np.full(mjd, 61000.0), site)
+    assert np.shape(found) == result
+    assert isinstance(found, np.ndarray if result else float)
+
+
+@pytest.mark.parametrize("function", PER_TARGET.values(), ids=PER_TARGET)
+def test_each_element_is_its_own(function, site):
+    ra = np.linspace(0.0, 360.0, 6).reshape(2, 3)[:, ::-1]
+    dec = np.array([-60.0, 0.0, 45.0])
+    mjd = 61000.0 + np.arange(8.0).reshape(4, 2).T / 8
+    whole = function(ra, dec, mjd, site)
+    for i, k in np.ndindex(mjd.shape):
+        for m, n in np.ndindex(ra.shape):
+            one = function(ra[m, n], dec[n], mjd[i, k], site)
+            assert whole[i, k, m, n] == pytest.approx(one, abs=1e-8, nan_ok=True)
+
+
+INSTANT = datetime(2026, 12, 24, 18, 30, 15, 250000)
+SAME_INSTANTS = [
+    # 2026-12-24 is MJD 61398.
+    61398.0 + (18 * 3600 + 30 * 60 + 15.25) / 86400,
+    INSTANT,
+    INSTANT.replace(tzinfo=timezone.utc),
+    INSTANT.replace(tzinfo=timezone.utc).astimezone(timezone(timedelta(hours=-3))),
+    np.datetime64("2026-12-24T18:30:15.250"),
+    np.datetime64("2026-12-24T18:30:15.250000000"),
+    np.array(INSTANT),
+    Time(INSTANT).tai,
+]
+
+
+@pytest.mark.parametrize("instant", SAME_INSTANTS, ids=lambda i: type(i).__name__)
+def test_instants(instant, site):
+    expected = zarnsys.sun(SAME_INSTANTS[0], site).altitude
+    assert zarnsys.sun(instant, site).altitude == pytest.approx(expected, abs=1e-6)
+
+
+def test_arrays_of_instants(site):
+    days = np.arange("2025-01-01", "2025-01-05", dtype="datetime64[D]")
+    expected = zarnsys.moon(60676.0 + np.arange(4), site).altitude
+    assert np.array_equal(zarnsys.moon(days, site).altitude, expected)
+
+
+def test_far_nanoseconds(site):
+    far = np.datetime64("2200-01-01T06:00", "ns")
+    expected = zarnsys.moon(Time("2200-01-01T06:00").mjd, site).altitude
+    assert zarnsys.moon(far, site).altitude == pytest.approx(expected, abs=1e-6)
+
+
+def test_units_and_masks(site):
+    expected = zarnsys.altitude([15.0, 30.0], 20.0, 61000.0, site)
+    assert zarnsys.altitude(Angle([1, 2], u.hourangle), 20 * u.deg, 61000.0, site) == pytest.approx(expected)
+    masked = np.ma.array([15.0, 30.0], mask=[False, True])
+    found = zarnsys.altitude(masked, 20.0, 61000.0, site)
+    assert found == pytest.approx([expected[0], NAN], nan_ok=True)
+
+
+@pytest.mark.parametrize("function", PER_TARGET.values(), ids=PER_TARGET)
+@pytest.mark.parametrize(
+    "ra, dec, mjd",
+    [(NAN, 0.0, 61000.0), (0.0, NAN, 61000.0), (0.0, 0.0, NAN), (0.0, 0.0, np.inf)]
+    + [(np.inf, 0.0, 61000.0), (0.0, 0.0, np.datetime64("NaT"))],
+)
+def test_not_a_number(function, ra, dec, mjd, site, capfd):
+    assert np.isnan(function(ra, dec, mjd, site))
+    assert capfd.readouterr() == ("", "")
+
+
+@pytest.mark.parametrize("function", [zarnsys.moon, zarnsys.sun])
+def test_not_an_instant(function, site, capfd):
+    for values in function([61000.0, NAN, np.inf], site):
+        assert list(np.isnan(values)) == [False, True, True]
+    assert capfd.readouterr() == ("", "")
+
+
+@pytest.mark.parametrize("latitude", [90.5, -91.0, NAN, np.inf])
+def test_wrong_latitude(latitude):
+    with pytest.raises(ValueError, match="latitude"):
+        zarnsys.Site(latitude, 0.0)
+
+
+@pytest.mark.parametrize("longitude", [NAN, np.inf])
+def test_wrong_longitude(longitude):
+    with pytest.raises(ValueError, match="longitude"):
+        zarnsys.Site(0.0, longitude)
+
+
+@pytest.mark.parametrize("function", PER_TARGET.values(), ids=PER_TARGET)
+@pytest.mark.parametrize("dec", [90.1, [0.0, -91.0], np.inf])
+def test_wrong_declination(function, dec, site):
+    with pytest.raises(ValueError, match="declination"):
+        function(0.0, dec, 61000.0, site)
+
+
+@pytest.mark.parametrize("function", PER_TARGET.values(), ids=PER_TARGET)
+def test_shapes_that_do_not_fit(function, site):
+    with pytest.raises(ValueError, match="shape"):
+        function([1.0, 2.0], [1.0, 2.0, 3.0], 61000.0, site)
+
+
+@pytest.mark.parametrize(
+    "mjd", ["2026-12-24", "61000", None, True, ["61000"], 1j, np.timedelta64(1, "D")]
+)
+def test_wrong_kinds_of_instants(mjd, site):
+    with pytest.raises(TypeError):
+        zarnsys.moon(mjd, site)
+
+
+@pytest.mark.parametrize("start, stop", [(NAN, 61000.0), (61000.0, 1e9), (-np.inf, 0.0)])
+def test_phases_of_no_years(start, stop):
+    with pytest.raises(ValueError, match="10000 years"):
+        zarnsys.phases(start, stop)
+
+
+def test_telescopes():
+    # The table's longitudes are 5.3168 degrees east and 67.4125 degrees west.
+    olan = zarnsys.Site.telescope("olan")
+    assert (olan.latitude, olan.longitude, olan.name) == (38.7421, 5.3168, "OLAN")
+    assert zarnsys.Site.telescope("VEK1").longitude == -67.4125
+    with pytest.raises(ValueError, match="OLAN, VEK1"):
+        zarnsys.Site.telescope("VEK5")
+
+
+def test_site_is_a_value(site):
+    assert pickle.loads(pickle.dumps(site)) == copy.copy(site) == zarnsys.Site(-29, -71)
+    assert len({site, zarnsys.Site(-29.0, -71.0)}) == 1
+    with pytest.raises(AttributeError):
+        site.latitude = 0.0
+
+
+def owner(array):
+    while isinstance(array.base, np.ndarray):
+        array = array.base
+    return type(array.base).__name__
+
+
+def test_results_are_the_tables_themselves(site):
+    ra, mjd = np.arange(3.0), 61000.0 + np.arange(4.0)
+    results = [
+        *zarnsys.moon(mjd, site),
+        *zarnsys.sun(mjd, site),
+        *zarnsys.observe(ra, 0.0, mjd, site),
+        *zarnsys.precess(ra, 0.0, mjd),
+        *zarnsys.phases(61000.0, 61100.0),
+        zarnsys.separation(ra, 0.0, mjd, site),
+    ]
+    assert {owner(result) for result in results} == {"PyCapsule"}
+    assert all(result.flags.writeable for result in results)
+
+
+def test_memory_is_given_back(site):
+    ra, mjd = np.linspace(0.0, 360.0, 500), 61000.0 + np.linspace(0.0, 1.0, 500)
+    zarnsys.observe(ra, 0.0, mjd, site)
+    before = resource.getrusage(resource.RUSAGE_SELF).ru_maxrss
+    for _ in range(40):  # 10 MB each
+        zarnsys.observe(ra, 0.0, mjd, site)
+    assert resource.getrusage(resource.RUSAGE_SELF).ru_maxrss - before < 100000  # [KiB]
+
+
+def test_threads_compute_what_one_does(site):
+    mjd = 61000.0 + np.linspace(0.0, 30.0, 400)
+    targets = [np.linspace(0.0, 360.0, 100) + i for i in range(16)]
+
+    def observed(ra):
+        return np.array(zarnsys.observe(ra, 10.0, mjd, site))
+
+    with ThreadPoolExecutor(8) as threads:
+        found = list(threads.map(observed, targets))
+    for ra, result in zip(targets, found):
+        assert np.array_equal(result, observed(ra), equal_nan=True)
+
+
+def longest_pause(function):
+    """How long at most this thread stands still while another calls a function, over the call."""
+    seconds = []
+
+    def call():
+        start = time.perf_counter()
+        function()
+        seconds.append(time.perf_counter() - start)
+
+    other = threading.Thread(target=call)
+    longest, last = 0.0, time.perf_counter()
+    other.start()
+    while not seconds:
+        now = time.perf_counter()
+        longest, last = max(longest, now - last), now
+    other.join()
+    return longest / seconds[0]
+
+
+@pytest.mark.parametrize("function", PER_TARGET.values(), ids=PER_TARGET)
+def test_other_threads_run_meanwhile(function, site):
+    ra, mjd = np.linspace(0.0, 360.0, 2000), 61000.0 + np.linspace(0.0, 1.0, 1000)
+    # A busy machine may hold a thread up now and then.
+    trials = (longest_pause(lambda: function(ra, 0.0, mjd, site)) for _ in range(10))
+    assert any(pause < 0.5 for pause in trials)
