@@ -47,13 +47,13 @@ for example in /usr/share/doc/zarnsysutil-doc/examples/*.cpp; do
 done
 echo "consumers: built by CMake and by pkg-config"
 
-# Names that the pages link to, beside each page.
-(cd /usr/share/doc/zarnsysutil-doc && find . -name '*.md' -printf '%h\n%p\n') |
-    while read -r folder && read -r page; do
-        grep -oE '\]\([^):# ]+' "/usr/share/doc/zarnsysutil-doc/$page" | sed "s|^](|$folder/|"
-    done | sort -u >links
-(cd /usr/share/doc/zarnsysutil-doc && xargs -n 1 ls -d) <links >log 2>&1 || die "links: $(grep 'cannot' log)"
-[ -s /usr/share/doc/zarnsysutil-doc/html/index.html ] || die "no reference"
+documents=/usr/share/doc/zarnsysutil-doc
+find "$documents" -name '*.md' | while read -r page; do
+    { grep -oE '\]\([^):# ]+[)#]' "$page" || true; } | sed -E "s|^..(.*).$|$(dirname "$page")/\1|"
+done | sort -u >links
+[ -s links ] || die "no links in the pages"
+xargs ls -d <links >log 2>&1 || die "links: $(grep cannot log)"
+[ -s "$documents/html/index.html" ] || die "no reference"
 echo "pages: $(wc -l <links) links"
 
 apt-get purge -y libzarnsysutil0 libzarnsysutil-dev python3-zarnsys zarn-tools zarn-ingest-service zarnsysutil-doc >log 2>&1 || die "$(cat log)"
