@@ -92,10 +92,12 @@ TEST(HeaderTextTest, OtherThanFilesAreRefused) {
          {std::pair("large", "0: is a binary file, not a header text file\n"),
           std::pair("larger", "0: is larger than 16 MiB, not a header text file\n"),
           std::pair("pipe", "0: is not a regular file\n"), std::pair(".", "0: is a directory\n"),
-          std::pair("none", "0: cannot be read: No such file or directory\n")})
-        EXPECT_EQ(
-            outcome([path = dir / name] { return HeaderText(readHeaderFile(path).bytes, {}); }),
-            expected);
+          std::pair("none", "0: cannot be read: No such file or directory\n")}) {
+        const auto read = [path = dir / name] {
+            return HeaderText(readHeaderFile(path).bytes, {});
+        };
+        EXPECT_EQ(outcome(read), expected);
+    }
 }
 
 TEST(HeaderTextTest, AppendedCardsStandInThePrimaryHeaderAndOldChecksumsLeaveAll) {

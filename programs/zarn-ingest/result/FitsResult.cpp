@@ -71,7 +71,7 @@ public:
     /// The next 80 bytes, valid until the next call; fewer at the end of the file.
     std::string_view next() {
         if (bytes_.size() - at_ < CARD_LENGTH) fill();
-        const std::string_view card = std::string_view(bytes_).substr(at_, CARD_LENGTH);
+        const std::string_view card = std::string_view{bytes_}.substr(at_, CARD_LENGTH);
         at_ += card.size();
         read_ += card.size();
         return card;
@@ -100,7 +100,7 @@ bool isCard(std::string_view found, std::string_view expected) {
     static const std::string blanks(CARD_LENGTH, ' ');
     if (found.size() < CARD_LENGTH) throw FitsFileError("the result is cut short", END_OF_FILE);
     return begins(found, expected) &&
-           found.substr(expected.size()) == std::string_view(blanks).substr(expected.size());
+           found.substr(expected.size()) == std::string_view{blanks}.substr(expected.size());
 }
 
 void compareHeader(CardReader& reader, const Header& header, bool checksum) {

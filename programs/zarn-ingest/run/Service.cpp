@@ -156,7 +156,8 @@ bool Service::finish(Group& group) {
     if (!record(done)) return false;
     reporter_.done(done);
     std::vector<Told> sources;
-    for (Conversion& one : done) sources.push_back({one.input.name, std::move(one.outcome)});
+    sources.reserve(done.size());
+    for (Conversion& one : done) sources.push_back({one.input.name, std::move(one.outcome), ""});
     moveAway(sources);
     return !stopped;
 }

@@ -53,7 +53,7 @@ private:
     struct Told {
         std::string name;
         Outcome outcome;
-        std::string identity = "";  ///< tells it from a later file of the same name
+        std::string identity;  ///< tells it from a later file of the same name; empty: unknown
     };
 
     bool look();  ///< a watching service may ignore whether all was done

@@ -60,7 +60,7 @@ std::vector<std::string> continuedCards(std::string prefix, const std::string& t
         const bool ends = at == text.size() && comment.size() - said <= room;
         card += ends ? "'" : "&'";
         if (at == text.size() && (ends || room > LEAST_COMMENT)) {
-            const std::string part(wordsOf(std::string_view(comment).substr(said, room + 1), room));
+            const std::string part(wordsOf(std::string_view{comment}.substr(said, room + 1), room));
             card = withComment(card, part);
             said += part.size();
             while (said < comment.size() && comment[said] == ' ') ++said;  // readers put one back
@@ -91,7 +91,7 @@ std::vector<std::string> numberCard(const HeaderLine& line, Repairs& repairs) {
     if (card.size() > CARD_LENGTH) return {};
     const std::string full = withComment(card, value.comment);
     if (full.size() > CARD_LENGTH) repairs[Repair::NUMBER_COMMENTS].add(line.number);
-    return {std::string(withoutTrailing(std::string_view(full).substr(0, CARD_LENGTH)))};
+    return {std::string(withoutTrailing(std::string_view{full}.substr(0, CARD_LENGTH)))};
 }
 
 std::vector<std::string> commentaryCards(const std::string& keyword, std::string_view text) {
@@ -121,7 +121,7 @@ LogicalCard logicalCard(HeaderLine&& line, std::vector<std::string> cards) {
 std::string asWritten(HeaderLine& line) {
     if (line.isUpperCase) return std::move(line.text);
     const std::size_t equals = line.text.find('=');
-    return upper(std::string_view(line.text).substr(0, equals)) + line.text.substr(equals);
+    return upper(std::string_view{line.text}.substr(0, equals)) + line.text.substr(equals);
 }
 
 /// A line, and those behind it that continue its text.
@@ -192,7 +192,7 @@ private:
             const std::string& text = parts[i].value.text;
             if (i + 1 < parts.size() && (text.empty() || text.back() != '&')) return false;
             if (i > 0 &&
-                upper(std::string_view(parts[i].text).substr(0, CONTINUES.size())) != CONTINUES)
+                upper(std::string_view{parts[i].text}.substr(0, CONTINUES.size())) != CONTINUES)
                 return false;
         }
         return true;

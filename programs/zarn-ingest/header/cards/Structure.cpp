@@ -221,7 +221,7 @@ private:
     }
 
     /// Leaves out a keyword's cards from a place on.
-    void leaveRepeated(const std::string& keyword, Cards::iterator begin) {
+    void leaveRepeated(const std::string& keyword, const Cards::iterator& begin) {
         leaveWhere(begin, [this, &keyword](const LogicalCard& card) {
             const bool again = isKeyword(card, keyword);
             if (again) repairs_[Repair::REPEATED].add(card.number);
@@ -231,7 +231,7 @@ private:
 
     /// Leaves out the cards from a place on for which a condition, asked in their order, is true.
     template <typename Condition>
-    void leaveWhere(Cards::iterator begin, Condition isLeft) {
+    void leaveWhere(const Cards::iterator& begin, Condition isLeft) {
         cards_.erase(std::remove_if(begin, cards_.end(), isLeft), cards_.end());
     }
 

@@ -14,9 +14,9 @@ namespace {
 
 constexpr std::size_t TAB_STOP = 8;  // [columns]
 
-// Objects, so that loops over every character take them in.
-constexpr auto isPrintable = [](char c) { return c >= ' ' && c <= '~'; };
-constexpr auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+bool isPrintable(char c) { return c >= ' ' && c <= '~'; }
+
+bool isAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
 
 /// Owns a conversion of the C library. It is made once: opening one reads files.
 class Conversion {
@@ -130,7 +130,8 @@ std::string withoutTabs(const std::string& line, std::size_t number, Repairs& re
 }  // namespace
 
 std::string inAscii(std::string line, std::size_t number, Repairs& repairs) {
-    if (std::all_of(line.begin(), line.end(), isPrintable)) return line;
+    // Nearly every line ends here; a pointer to the function would be called for each character.
+    if (std::all_of(line.begin(), line.end(), [](char c) { return isPrintable(c); })) return line;
     const bool ascii = std::all_of(line.begin(), line.end(), isAscii);
     std::string text =
         withoutTabs(ascii ? line : withoutLetters(line, number, repairs), number, repairs);

@@ -91,7 +91,7 @@ HeaderLine readLine(std::string text, std::size_t number) {
     line.text = std::move(text);
     line.number = number;
     if (line.text.empty()) return line;
-    const std::string_view columns = std::string_view(line.text).substr(0, KEYWORD_LENGTH);
+    const std::string_view columns = std::string_view{line.text}.substr(0, KEYWORD_LENGTH);
     line.keyword = upper(withoutTrailing(columns));
     line.kind = Kind::OTHER;
     if (line.text.size() == END.size() && line.keyword == END) {
@@ -101,7 +101,7 @@ HeaderLine readLine(std::string text, std::size_t number) {
         line.isUpperCase = padded(line.keyword, columns.size()) == columns;
     } else if (line.keyword == CONTINUE && line.text.find('\'') != std::string::npos) {
         line.kind = Kind::CONTINUE;
-        line.value = valueIn(std::string_view(line.text).substr(line.text.find('\'')));
+        line.value = valueIn(std::string_view{line.text}.substr(line.text.find('\'')));
     } else if (const std::size_t equals = line.text.find('='); equals != std::string::npos) {
         readValue(line, equals);
     }

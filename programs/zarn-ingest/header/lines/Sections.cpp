@@ -24,7 +24,7 @@ bool dividesHeaders(const HeaderLine& line) {
     if (line.kind != Kind::OTHER) return false;
     const std::size_t begin = line.text.find_first_not_of(DRAWN);
     if (begin == std::string::npos) return false;
-    const std::string name = upper(std::string_view(line.text).substr(begin));
+    const std::string name = upper(std::string_view{line.text}.substr(begin));
     const bool isNumbered = name.find_first_of("0123456789") != std::string::npos;
     return (begin > 0 || isNumbered) &&
            std::any_of(std::begin(NAMES_OF_HEADERS), std::end(NAMES_OF_HEADERS),
