@@ -59,6 +59,7 @@ made=$(cmake --build fetched --target help | grep -oE '(zarn-|example-|Continuou
 # Each component alone; together they are all that is installed.
 list() { (cd "$1" && find . ! -type d | sort); }
 while read -r component expected; do
+    mkdir -p "$work/components/$component"  # what was not built leaves it empty
     cmake --install "$build" --prefix "$work/components/$component" --component "$component" >log
     other=$(list "components/$component" | grep -vE "^\./($expected)" || true)
     [ -z "$other" ] || die "the component $component has $other"
@@ -67,6 +68,7 @@ Runtime         lib/([^/]*/)?libZarnSysUtil\.so\..*
 Development     (include/zarnsys/util/|lib/([^/]*/)?(libZarnSysUtil\.so$|cmake/|pkgconfig/)).*
 Programs        (bin/|lib/([^/]*/)?zarnsysutil/libACE\.so$|lib/(systemd/system|sysusers.d|tmpfiles.d)/zarn-ingest\.(service|conf)$|share/(man/man[15]/|bash-completion/|zsh/site-functions/_|fish/vendor_completions.d/|doc/.*/examples/zarn-ingest\.ini$)).*
 Documentation   share/doc/.*
+Python          (lib|lib/[^/]*|local/lib)/python3[^/]*/.*
 END
 (cd components && for component in *; do list "$component"; done) | sort | diff - <(list prefix) ||
     die "the components are not what is installed"
