@@ -3,13 +3,13 @@ stats 'ratios.dat' using 2 nooutput
 rows = STATS_records
 set terminal pngcairo noenhanced size 900, 100 + 20 * rows background 'white'
 set output 'ratios.png'
-set title 'Time of the library over that of its peer: left of 1 is faster'
+set title 'Library over peer, processor time: left of 1 is faster'
 set logscale x
 set xlabel 'ratio: median and quartiles'
 set format x '%g'
 set yrange [rows - 0.5:-0.5]
 set grid x y linetype 1 linecolor rgb '#d8d8d8'
-set key inside bottom left Left reverse
+set key outside bottom center horizontal
 set arrow from 1, graph 0 to 1, graph 1 nohead linecolor rgb '#808080' linewidth 2
 set bars small
 plot 'ratios.dat' using 3:2:4:5:ytic(1) with xerrorbars pointtype 7 linewidth 2 \
