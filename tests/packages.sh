@@ -8,11 +8,16 @@ packages=$(realpath "$1") project=$(dirname "$(dirname "$(realpath "$0")")")
 work=$(mktemp -d "${TMPDIR:-/tmp}/zarnsys-packages-XXXXXX")
 trap 'rm -rf "$work"' EXIT
 cd "$work"
+# shellcheck source-path=SCRIPTDIR
+. "$project/tests/support/pages.sh"
+echo 'APT::Get::Assume-Yes "true";' >apt.conf
+export APT_CONFIG=$work/apt.conf DEBIAN_FRONTEND=noninteractive
 die() { echo "FAILED: $*" >&2; exit 1; }
 install() {
-    DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "$@" >log 2>&1 ||
-        die "cannot install: $(cat log)"
+    apt-get install --no-install-recommends "$@" >log 2>&1 || die "cannot install: $(cat log)"
 }
+# page BEGINNING: runs the commands that the operator's page has.
+page() { bash -exc "$(commands operating.md "$1")" >"$work/log" 2>&1 || die "the page's commands: $(cat "$work/log")"; }
 
 install "$packages"/libzarnsysutil0_*.deb "$packages"/zarn-tools_*.deb jq  # jq is what the examples need
 ! dpkg -l '*-dev' 2>/dev/null | grep '^ii' || die "with these, it does not show whether the programs need them"
@@ -21,12 +26,15 @@ for test in zarn-ingest/files zarn-ingest/moon zarn-ingest/service zarn-moon/nig
     echo "$test: $(tail -n 1 log)"
 done
 
-install "$packages"/zarn-ingest-service_*.deb
+(cd "$packages" && page 'apt install')
 [ "$(stat -c '%U %G %a' /var/lib/zarn-ingest/incoming)" = 'zarn-ingest zarn-delivery 2775' ] ||
     die "the incoming directory: $(ls -ld /var/lib/zarn-ingest/incoming)"
 id -nG zarn-ingest | grep -qw zarn-delivery || die "the service is not in the group of those who deliver"
 [ "$(systemctl --root=/ is-enabled zarn-ingest)" = disabled ] || die "the unit is missing, or enabled"
 systemd-analyze verify zarn-ingest.service >log 2>&1 || die "the unit: $(cat log)"
+# In a root of its own systemctl starts and stops nothing, and succeeds.
+page 'cp /usr/share/doc'
+page 'systemctl stop'
 echo "service: $(systemd-analyze security --offline=yes zarn-ingest.service | tail -n 1)"
 
 install "$packages"/python3-zarnsys_*.deb
@@ -56,7 +64,8 @@ xargs ls -d <links >log 2>&1 || die "links: $(grep cannot log)"
 [ -s "$documents/html/index.html" ] || die "no reference"
 echo "pages: $(wc -l <links) links"
 
-apt-get purge -y libzarnsysutil0 libzarnsysutil-dev python3-zarnsys zarn-tools zarn-ingest-service zarnsysutil-doc >log 2>&1 || die "$(cat log)"
+rm /etc/zarn-ingest.ini  # it is the operator's
+apt-get purge libzarnsysutil0 libzarnsysutil-dev python3-zarnsys zarn-tools zarn-ingest-service zarnsysutil-doc >log 2>&1 || die "$(cat log)"
 left=$(find /etc /usr/bin /usr/include /usr/lib /usr/share /var/lib/dpkg -iname '*zarn*')
 [ -z "$left" ] || die "left after removal: $left"
 echo "removed: nothing is left"
