@@ -1,8 +1,10 @@
 """Measures the sides of all comparisons: the names in bench/rows.csv, to lists of seconds.
 
-    measure.py BUILD MEMORY DISK RESULT [--short] [--before PROGRAM]
+    measure.py BUILD INSTALLED MEMORY DISK RESULT [--short] [--before PROGRAM]
 
-BUILD has the programs, MEMORY and DISK are empty directories, and RESULT is the JSON file to write.
+BUILD has the programs of the comparisons, INSTALLED is the prefix of ours: the loader looks for its
+libraries in a build's directories, too, before those of the system. MEMORY and DISK are empty
+directories, and RESULT is the JSON file to write.
 The measurements of one place in two lists belong together: they were made one after the other.
 """
 
@@ -37,7 +39,7 @@ measured = collections.defaultdict(list)
 
 def parse_arguments():
     parser = argparse.ArgumentParser()
-    for name in ("build", "memory", "disk", "result"):
+    for name in ("build", "installed", "memory", "disk", "result"):
         parser.add_argument(name)
     parser.add_argument("--short", action="store_true")
     parser.add_argument("--before")
@@ -206,7 +208,7 @@ def main():
     arguments = parse_arguments()
     build, memory, disk = arguments.build, arguments.memory, arguments.disk
     short = arguments.short
-    ours = f"{build}/programs/zarn-ingest/zarn-ingest"
+    ours = os.path.abspath(f"{arguments.installed}/bin/zarn-ingest")
     programs = {"ours": ours}
     if arguments.before:
         programs["before"] = os.path.abspath(arguments.before)
