@@ -18,6 +18,7 @@ rm -rf build
 for block in "$(commands support.md 'dpkg --add-architecture')" "$(commands support.md 'cmake --preset')"; do
     bash -exc "$block" >"$work/log" 2>&1 || die "$(tail -n 30 "$work/log")"
 done
-machine=$(readelf -h build/release/libZarnSysUtil.so | sed -n 's/ *Machine: *//p')
-[ "$machine" = AArch64 ] || die "built for: $machine"
-echo "built for $machine: $(find build/release -name 'zarn-ingest' -type f -o -name zarn-moon -type f | wc -l) programs"
+for file in libZarnSysUtil.so programs/zarn-ingest/zarn-ingest programs/zarn-moon/zarn-moon; do
+    readelf -h "build/release/$file" | grep -q 'Machine: *AArch64' || die "not built for arm64: $file"
+done
+echo "built for arm64: the library and both programs"
