@@ -11,6 +11,7 @@
 
 #include "shared/sky/Angles.h"
 #include "shared/sky/Precession.h"
+#include "shared/sky/Units.h"
 #include "shared/sky/Telescopes.h"
 #include "zarn-ingest/header/moon/ExposureTime.h"
 #include "zarn-ingest/header/moon/Fields.h"
@@ -91,11 +92,6 @@ std::optional<Moment> valuesFor(const HeaderText& text, Telescope telescope) {
     return Moment{*time, ZarnMoonVal(ofDate.ra, ofDate.dec, time->mjd, telescope)};
 }
 
-double azimuthOf(const ZarnMoonVal& moon) {
-    constexpr double ROUNDS_TO_CIRCLE = 359.995;
-    return moon.getMoonAz() < ROUNDS_TO_CIRCLE ? moon.getMoonAz() : 0.0;
-}
-
 // In the order of the result. The series are up to 0.38 degrees off: more digits would say nothing.
 const struct Value {
     const char* keyword;
@@ -106,7 +102,8 @@ const struct Value {
 } VALUES[] = {
     {"MOONALT", [](const ZarnMoonVal& moon) { return moon.getMoonAlt(); },
      "[deg] moon altitude, no refraction", 2, true},
-    {"MOONAZ", azimuthOf, "[deg] moon azimuth, N through E", 2, true},
+    {"MOONAZ", [](const ZarnMoonVal& moon) { return moon.getMoonAz(); },
+     "[deg] moon azimuth, N through E", 2, true},
     {"MOONDIST", [](const ZarnMoonVal& moon) { return moon.getMoonDistance(); },
      "[deg] angle between moon and RA, DEC", 2, true},
     {"MOONFLI", [](const ZarnMoonVal& moon) { return moon.getFLI(); },
@@ -118,10 +115,11 @@ const struct Value {
 /// A value's card in the fixed format.
 std::string cardLine(const Value& value, const ZarnMoonVal& moon, Telescope telescope) {
     const double unit = std::pow(10.0, value.decimals);
-    const double rounded = std::round(value.of(moon) * unit) / unit + 0.0;  // no -0.00
+    const double rounded = std::round(value.of(moon) * unit) / unit;
     std::ostringstream card;
     card << std::left << std::setw(KEYWORD_WIDTH) << value.keyword << "= " << std::right
-         << std::setw(VALUE_WIDTH) << std::fixed << std::setprecision(value.decimals) << rounded
+         << std::setw(VALUE_WIDTH) << std::fixed << std::setprecision(value.decimals)
+         << std::fmod(rounded, FULL_CIRCLE) + 0.0  // neither 360.00 nor -0.00
          << " / " << value.comment;
     if (value.local) card << " (" << telescopeName(telescope) << ")";
     return card.str();
