@@ -163,7 +163,7 @@ testIncomingUnlistable() {
 testStepsFail() {
     needsTracing || return
     expectResults; properties; arrive a.hdr b.hdr
-    failing 1 renameat2:error=EIO:when=3 -p p.ini
+    failing 1 renameat2:error=EIO -P in/a.hdr -p p.ini
     says 'cannot move in/a.hdr to done: Input/output error'; has in/a.hdr; has done/b.hdr
     failing 1 openat:error=EMFILE:when=2 -P "$(echo journal/*)" -p p.ini
     says 'Too many open files'; has in/a.hdr
