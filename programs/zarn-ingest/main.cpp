@@ -111,8 +111,9 @@ int run(CommandLine& commandLine, const StopSignals& signals) {
 }
 
 /// Runs the program, reports an error that ends it, and gives the exit status.
-int runReporting(CommandLine& commandLine) {
+int runReporting(int argc, char** argv) {
     try {
+        CommandLine commandLine(argumentsOf("zarn-ingest", argc, argv));
         const StopSignals signals;
         return run(commandLine, signals);
     } catch (const UsageError& error) {
@@ -126,11 +127,11 @@ int runReporting(CommandLine& commandLine) {
 
 int runProgram(int argc, char** argv) {
     keepMemory();
+    reportMissingMemory();
     reserveStandardStreams();
     ignoreWriteSignals();
     setPriorityMask(ERROR_AND_ABOVE);
-    CommandLine commandLine(argumentsOf("zarn-ingest", argc, argv));
-    const int status = runReporting(commandLine);
+    const int status = runReporting(argc, argv);
     if (!std::cout.flush()) {
         std::cerr << "zarn-ingest: cannot write to standard output\n";
         return EXIT_SOME_FAILED;

@@ -64,8 +64,9 @@ void run(CommandLine& commandLine) {
 }
 
 /// Runs the program, reports an error that ends it, and gives the exit status.
-int runReporting(CommandLine& commandLine) {
+int runReporting(int argc, char** argv) {
     try {
+        CommandLine commandLine(argumentsOf("zarn-moon", argc, argv));
         run(commandLine);
         return EXIT_SUCCESS;
     } catch (const UsageError& error) {
@@ -78,11 +79,11 @@ int runReporting(CommandLine& commandLine) {
 }
 
 int runProgram(int argc, char** argv) {
+    reportMissingMemory();
     reserveStandardStreams();
     ignoreWriteSignals();
     setPriorityMask(ERROR_AND_ABOVE);
-    CommandLine commandLine(argumentsOf("zarn-moon", argc, argv));
-    const int status = runReporting(commandLine);
+    const int status = runReporting(argc, argv);
     if (!std::cout.flush()) {
         std::cerr << "zarn-moon: cannot write to standard output\n";
         return EXIT_FAILURE;

@@ -14,10 +14,17 @@ constexpr int FITS_ERROR_MESSAGE_MAX_LENGTH = 31;  // CFITSIO's status text and 
 // library at run time look for one.
 [[gnu::used]] const int* const exportedRecordMaxLength = &ZarnSysFits::RECORD_MAX_LENGTH;
 
+/// The lines of a file, up to the first that cannot be read.
+///
+/// @throw std::bad_alloc  where the stream alone would say nothing, and end
 std::vector<std::string> readLines(const std::string& fileName) {
     std::ifstream text(fileName);
+    text.exceptions(std::ios::badbit);
     std::vector<std::string> lines;
-    for (std::string line; std::getline(text, line);) lines.push_back(line);
+    try {
+        for (std::string line; std::getline(text, line);) lines.push_back(line);
+    } catch (const std::ios::failure&) {  // NOLINT(bugprone-empty-catch): as at the end
+    }
     return lines;
 }
 

@@ -4,7 +4,7 @@
 #include <ace/Service_Config.h>
 #include <ace/Thread_Manager.h>
 
-#include <sstream>
+#include <string>
 
 #include "zarnsys/util/Log.h"
 
@@ -13,12 +13,13 @@ namespace {
 // ACE's service-configurator words: load its logging strategy as the service Logger.
 const char LOAD_STRATEGY[] = "dynamic Logger Service_Object *ACE:_make_ACE_Logging_Strategy() ";
 
-void addOption(std::ostream& args, const char* option, const std::string& value) {
-    if (!value.empty()) args << option << value;
+void addOption(std::string& args, const char* option, const std::string& value) {
+    if (!value.empty()) args.append(option).append(value);
 }
 
-void addOption(std::ostream& args, const char* option, int value) {
-    if (value > 0) args << option << std::to_string(value);  // never grouped, whatever the locale
+void addOption(std::string& args, const char* option, int value) {
+    if (value > 0)
+        args.append(option).append(std::to_string(value));  // never grouped, whatever the locale
 }
 
 }  // namespace
@@ -26,7 +27,7 @@ void addOption(std::ostream& args, const char* option, int value) {
 WexoLogConfig::WexoLogConfig() : interval_(0), maxFileSize_(0), maxNumFiles_(0) {}
 
 int WexoLogConfig::configure() {
-    std::ostringstream args;
+    std::string args;
     addOption(args, " -f ", ctrlFlags_);
     addOption(args, " -i ", interval_);
     addOption(args, " -m ", maxFileSize_);
@@ -34,18 +35,17 @@ int WexoLogConfig::configure() {
     addOption(args, " -N ", maxNumFiles_);
     addOption(args, " -p ", priority_);
     addOption(args, " -s ", fileName_);
-    if (args.str().empty()) {
+    if (args.empty()) {
         logError()("WexoLogConfig::configure(). No configuration options were specified.");
         return -1;
     }
-    std::ostringstream directive;
-    directive << LOAD_STRATEGY << '"' << args.str() << '"';
-    if (ACE_Service_Config::process_directive(directive.str().c_str()) == -1) {
+    const std::string directive = LOAD_STRATEGY + ('"' + args + '"');
+    if (ACE_Service_Config::process_directive(directive.c_str()) == -1) {
         logError()("WexoLogConfig::configure(). Error configuring logging strategy : %s",
-                   directive.str().c_str());
+                   directive.c_str());
         return -1;
     }
-    logDebug()("WexoLogConfig::configure(). \"%s\"", args.str().c_str());
+    logDebug()("WexoLogConfig::configure(). \"%s\"", args.c_str());
     return 0;
 }
 

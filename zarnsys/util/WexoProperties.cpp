@@ -83,6 +83,7 @@ int WexoProperties::get(const std::string& key, u_int& val) {
     }
     std::istringstream stringData(tmpString);
     stringData.imbue(std::locale::classic());  // no grouping, whatever the program's locale
+    stringData.exceptions(std::ios::badbit);   // memory that runs out is no wrong value
     u_int tmpVal = 0;
     if (!(stringData >> tmpVal)) {
         logError()("Can't parse value %s for unsigned integer property %s", tmpString.c_str(),

@@ -18,10 +18,12 @@ constexpr int YEAR_WIDTH = 4;
 constexpr int FIELD_WIDTH = 2;  // month, day, hour, minute, second
 constexpr int MICROSECOND_WIDTH = 6;
 
-/// A stream that groups no digits, whatever the program's locale.
+/// A stream that groups no digits, whatever the program's locale, and that does not leave out what
+/// there is no memory for, but throws.
 std::ostringstream plainStream() {
     std::ostringstream stream;
     stream.imbue(std::locale::classic());
+    stream.exceptions(std::ios::badbit);
     return stream;
 }
 

@@ -27,6 +27,10 @@ std::vector<const char*> argumentsOf(const char* program, int argc, char** argv)
 /// the process by a signal.
 void ignoreWriteSignals();
 
+/// Lets the process end with a message and EXIT_SOME_FAILED where memory runs out in what must not
+/// throw: the destructors of JSON values need some. Whatever else ends it there still aborts.
+void reportMissingMemory();
+
 /// Fills closed standard streams, so that no other file gets their descriptors. Each is opened in
 /// the wrong direction: its use still fails, as it would have.
 void reserveStandardStreams();

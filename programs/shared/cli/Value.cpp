@@ -4,10 +4,10 @@
 
 #include <algorithm>
 #include <charconv>
-#include <sstream>
 #include <system_error>
 
 #include "shared/cli/Printable.h"
+#include "shared/cli/TextStreams.h"
 
 namespace zarn {
 
@@ -53,7 +53,7 @@ bool parseFlag(const std::string& text) {
 }
 
 std::string shortest(double number) {
-    std::ostringstream text;
+    TextWriter text;
     text << number;
     return text.str();
 }

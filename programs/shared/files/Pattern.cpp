@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <memory>
+#include <new>
 #include <utility>
 
 namespace zarn {
@@ -18,6 +19,19 @@ namespace {
 
 // `glob` gives its callbacks no context, so they note here what it would pass over in silence.
 thread_local std::vector<Unlisted> noted;
+thread_local bool memoryRanOut = false;
+
+/// Runs a part of a callback. No exception may pass through `glob`, which is C.
+template <typename Part>
+auto guarded(Part part) -> decltype(part()) {
+    try {
+        return part();
+    } catch (const std::bad_alloc&) {
+        memoryRanOut = true;
+        errno = ENOMEM;
+        return {};
+    }
+}
 
 /// A directory that `glob` is listing. Owned by `glob` between openListing and closeListing.
 struct Listing {
@@ -25,22 +39,29 @@ struct Listing {
     DIR* stream;
 };
 
-/// Notes a directory with the error in `errno`.
-void note(const std::string& directory) {
-    if (errno != ENOTDIR) noted.push_back({directory, {errno, std::generic_category()}});
+/// Notes a directory with the error in `errno`, and keeps that.
+bool note(const std::string& directory) {
+    const int error = errno;
+    if (error != ENOTDIR) noted.push_back({directory, {error, std::generic_category()}});
+    errno = error;
+    return true;
 }
 
 void* openListing(const char* name) {
-    DIR* stream = ::opendir(name);
-    if (stream == nullptr) note(name);
-    return stream == nullptr ? nullptr : new Listing{name, stream};
+    return guarded([name]() -> void* {
+        auto listing = std::make_unique<Listing>(Listing{name, nullptr});
+        listing->stream = ::opendir(name);
+        if (listing->stream != nullptr) return listing.release();
+        note(name);
+        return nullptr;
+    });
 }
 
 dirent* readListing(void* opened) {
     const auto* listing = static_cast<Listing*>(opened);
     errno = 0;
     dirent* entry = ::readdir(listing->stream);
-    if (entry == nullptr && errno != 0) note(listing->name);
+    if (entry == nullptr && errno != 0) guarded([listing] { return note(listing->name); });
     return entry;
 }
 
@@ -53,8 +74,10 @@ void closeListing(void* opened) {
 int lookAt(int (*look)(const char*, struct stat*), const char* name, struct stat* status) {
     const int result = look(name, status);
     if (result == 0 || errno == ENOENT) return result;
-    const std::string path = name;
-    note(path.substr(0, path.rfind('/')));
+    guarded([name] {
+        const std::string path = name;
+        return note(path.substr(0, path.rfind('/')));
+    });
     return result;
 }
 
@@ -71,8 +94,9 @@ public:
         glob_.gl_closedir = closeListing;
         glob_.gl_stat = statNoting;
         glob_.gl_lstat = lstatNoting;
-        // Names and notes say all that the result code does.
-        static_cast<void>(::glob(pattern.c_str(), GLOB_NOSORT | GLOB_ALTDIRFUNC, nullptr, &glob_));
+        const int flags = GLOB_NOSORT | GLOB_ALTDIRFUNC;
+        // Names and notes say all else that the result code does.
+        memoryRanOut |= ::glob(pattern.c_str(), flags, nullptr, &glob_) == GLOB_NOSPACE;
     }
     Expansion(const Expansion&) = delete;
     Expansion& operator=(const Expansion&) = delete;
@@ -90,8 +114,10 @@ private:
 
 Matches matchesOf(const std::string& pattern) {
     noted.clear();
+    memoryRanOut = false;
     Matches matches;
     matches.names = Expansion(pattern).names();
+    if (memoryRanOut) throw std::bad_alloc();
     matches.unlisted = std::exchange(noted, {});
     std::sort(matches.names.begin(), matches.names.end());
     return matches;

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <locale>
-#include <sstream>
 #include <vector>
 
+#include "shared/cli/TextStreams.h"
 #include "shared/cli/Value.h"
 
 namespace zarn {
@@ -18,11 +18,11 @@ constexpr double PARTS = 60.0;  // minutes to the first unit, seconds to the min
 /// A decimal number; messages quote `whole`, of which it is a part.
 double decimal(const std::string& text, const std::string& whole) {
     // std::from_chars for floating-point numbers is missing from older standard libraries.
-    std::istringstream stream(text);
+    TextReader stream(text);
     stream.imbue(std::locale::classic());
     double number = 0;
     stream >> std::noskipws >> number;
-    const bool isNumber = stream && stream.peek() == std::istringstream::traits_type::eof();
+    const bool isNumber = stream && stream.peek() == TextReader::traits_type::eof();
     if (!isNumber || text.front() == '+') refuseText(whole, "is not a number");
     return number;
 }
@@ -44,7 +44,7 @@ double fractionOf(const std::string& part, const std::string& whole) {
 double sexagesimal(const std::string& text, const std::string& whole) {
     constexpr std::size_t MOST_PARTS = 3;
     std::vector<std::string> parts;
-    std::istringstream rest(text + ':');
+    TextReader rest(text + ':');
     for (std::string part; std::getline(rest, part, ':');) parts.push_back(part);
     const bool wellFormed =
         parts.size() <= MOST_PARTS && isMadeOf(parts.back(), "0123456789.") &&

@@ -5,10 +5,10 @@
 #include <iomanip>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <sstream>
 #include <vector>
 
 #include "shared/cli/Printable.h"
+#include "shared/cli/TextStreams.h"
 
 namespace zarn::ingest {
 
@@ -45,7 +45,7 @@ constexpr std::size_t SECOND_LENGTH = 19;  // 2026-11-24T23:14:05, without fract
 std::string shown(const Value& value) { return value ? std::to_string(*value) : "unknown"; }
 
 std::string textOf(const Status& status, const Settings& settings) {
-    std::ostringstream text;
+    TextWriter text;
     const auto line = [&text](const char* name, const std::string& value) {
         constexpr int WIDTH = 18;
         text << std::left << std::setw(WIDTH) << name << printable(value) << '\n';
@@ -128,7 +128,7 @@ std::string quoted(const std::string& text) {
 
 std::string prometheusOf(const Status& status, const Settings& settings) {
     const std::string label = "{properties=" + quoted(settings.properties) + "}";
-    std::ostringstream text;
+    TextWriter text;
     for (const Metric& metric : metricsOf(status, settings)) {
         if (!metric.value) continue;
         const std::string name = std::string("zarn_ingest_") + metric.name;

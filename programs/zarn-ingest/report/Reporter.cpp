@@ -5,10 +5,10 @@
 #include <cstring>
 #include <iomanip>
 #include <iostream>
-#include <sstream>
 
 #include "shared/cli/Printable.h"
 #include "shared/cli/Reason.h"
+#include "shared/cli/TextStreams.h"
 #include "zarn-ingest/report/Remarks.h"
 #include "zarn-ingest/report/RollingLog.h"
 #include "zarnsys/util/Log.h"
@@ -34,7 +34,7 @@ std::string location(const std::string& file, std::size_t line) {
 
 std::string minutesAndSeconds(double duration) {
     const auto whole = static_cast<unsigned long>(duration);
-    std::ostringstream text;
+    TextWriter text;
     text << whole / 60 << ":" << std::setw(2) << std::setfill('0') << whole % 60;
     return text.str();
 }
@@ -109,7 +109,7 @@ void Reporter::info(const std::string& text) {
 void Reporter::summary(const std::string& done, int signal) {
     clearProgress();
     if (level_ == Level::QUIET) return;
-    std::ostringstream text;
+    TextWriter text;
     if (signal != 0) text << "stopped by a signal (" << ::strsignal(signal) << "): ";
     text << converted_ << " " << done;
     text << markedText();
@@ -157,7 +157,7 @@ void Reporter::showProgress() {
     shown_ = now;
     const std::size_t done = converted_ + failed_;
     const double rate = static_cast<double>(done) / inSeconds(now - start_);
-    std::ostringstream text;
+    TextWriter text;
     text << PROGRAM << done << "/" << total_ << " files, " << std::fixed << std::setprecision(0)
          << rate << "/s, " << minutesAndSeconds(static_cast<double>(total_ - done) / rate)
          << " left";

@@ -182,8 +182,10 @@ WorkDirectory::WorkDirectory(const OutputDirectory& output) : output_(output.nam
 }
 
 WorkDirectory::~WorkDirectory() {
-    std::error_code ignored;  // the next run tries again
-    std::filesystem::remove_all(output_.ownPath(name_), ignored);
+    try {
+        std::filesystem::remove_all(output_.ownPath(name_));
+    } catch (const std::exception&) {  // NOLINT(bugprone-empty-catch): the next run removes it
+    }
 }
 
 std::string WorkDirectory::ownPath(const std::string& entry) const {

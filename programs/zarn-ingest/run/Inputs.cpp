@@ -6,9 +6,9 @@
 #include <zarnsys/util/ZarnSysEx.h>
 
 #include <cerrno>
-#include <sstream>
 #include <system_error>
 
+#include "shared/cli/TextStreams.h"
 #include "shared/files/Pattern.h"
 #include "shared/files/Reading.h"
 #include "shared/files/SystemError.h"
@@ -43,7 +43,7 @@ void addArgument(const std::string& argument, std::vector<Input>& inputs) {
 
 /// Adds each name of a list that was read.
 void addNames(const std::string& list, char separator, std::vector<Input>& inputs) {
-    std::istringstream names(list);
+    TextReader names(list);
     for (std::string name; std::getline(names, name, separator);) {
         if (name.empty()) continue;
         const bool cut = name.find('\0') != std::string::npos;

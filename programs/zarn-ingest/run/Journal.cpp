@@ -14,13 +14,13 @@
 #include <fstream>
 #include <iomanip>
 #include <limits>
-#include <sstream>
 #include <stdexcept>
 #include <unordered_set>
 #include <utility>
 
 #include "shared/cli/Printable.h"
 #include "shared/cli/Reason.h"
+#include "shared/cli/TextStreams.h"
 #include "shared/files/Reading.h"
 #include "shared/files/SystemError.h"
 
@@ -60,7 +60,7 @@ std::vector<std::string> journalsAmong(const Listing& listing) {
 
 /// A line without its two times and its end.
 std::string recordOf(const std::string& source, const Outcome& outcome) {
-    std::ostringstream record;
+    TextWriter record;
     record << printable(source) << '\t' << printable(outcome.result) << '\t'
            << (outcome.converted() ? CONVERTED : FAILED) << '\t' << outcome.cards << '\t'
            << outcome.size << '\t' << identityOf(source);
@@ -90,7 +90,7 @@ std::string earliestDate(const std::vector<std::string>& sources) {
 /// Reads a line without its end. Nothing if it is not one of a journal.
 std::optional<JournalEntry> entryOf(const std::string& line) {
     std::vector<std::string> fields;
-    std::istringstream rest(line);
+    TextReader rest(line);
     for (std::string field; std::getline(rest, field, '\t');) fields.push_back(field);
     if (fields.size() < FIELDS_WITHOUT_IDENTITY) return std::nullopt;
     JournalEntry entry;
@@ -118,7 +118,7 @@ std::string identityOf(const std::string& source) {
         if (!leadsNowhere(errno)) throwSystemError(source);
         return "-";
     }
-    std::ostringstream identity;
+    TextWriter identity;
     identity << status.st_ino << '-' << status.st_ctim.tv_sec << '.' << std::setw(9)
              << std::setfill('0') << status.st_ctim.tv_nsec;
     return identity.str();

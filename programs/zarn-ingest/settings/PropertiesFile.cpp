@@ -4,10 +4,10 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <sstream>
 #include <system_error>
 
 #include "shared/cli/Printable.h"
+#include "shared/cli/TextStreams.h"
 #include "shared/cli/UsageError.h"
 #include "shared/files/Reading.h"
 #include "shared/files/SystemError.h"
@@ -36,7 +36,7 @@ std::string problemOf(const std::string& line, std::size_t begin, bool inSection
 
 /// Makes sure that ACE's importer, which gives up without a message, can read every line.
 void checkLines(const std::string& fileName, const std::string& text) {
-    std::istringstream lines(text);
+    TextReader lines(text);
     bool inSection = false;
     std::size_t number = 0;
     for (std::string line; std::getline(lines, line);) {

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <iomanip>
-#include <sstream>
+
+#include "shared/cli/TextStreams.h"
 
 namespace zarn::moon {
 
@@ -16,7 +17,7 @@ void Columns::add(const std::vector<std::string>& cells) {
 std::string Columns::text() const {
     std::string text;
     for (const auto& cells : lines_) {
-        std::ostringstream line;
+        TextWriter line;
         for (std::size_t i = 0; i < cells.size(); ++i)
             line << std::setw(static_cast<int>(widths_[i]) + (i > 0 ? 2 : 0)) << cells[i];
         const std::string filled = line.str();

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <iterator>
-#include <sstream>
 
 #include "shared/cli/Printable.h"
+#include "shared/cli/TextStreams.h"
 #include "shared/sky/Calendar.h"
 #include "zarn-moon/forms/Texts.h"
 
@@ -50,7 +50,7 @@ std::string timeOf(double mjd) { return fixed((mjd - MJD_OF_EPOCH) * SECONDS_PER
 
 /// The background: a rectangle for each point, in the color of its twilight.
 std::string shades(const std::vector<Row>& rows) {
-    std::ostringstream script;
+    TextWriter script;
     const double half = MINUTES_PER_POINT / 2.0 / MINUTES_PER_DAY;
     std::string color;
     std::string begin;
@@ -76,7 +76,7 @@ std::string shades(const std::vector<Row>& rows) {
 /// The data block: times, the moon's altitude, and each target's altitude and sky brightness. NaN
 /// leaves a gap in a curve.
 std::string data(const std::vector<Row>& rows) {
-    std::ostringstream script;
+    TextWriter script;
     script << "$night << END\n";
     for (const Row& row : rows) {
         script << timeOf(row.mjd) << ' ' << fixed(row.moonAltitude, 3);

@@ -1,8 +1,8 @@
 #include <cmath>
 #include <iomanip>
-#include <sstream>
 
 #include "shared/cli/Printable.h"
+#include "shared/cli/TextStreams.h"
 #include "shared/sky/Calendar.h"
 #include "zarn-moon/forms/Columns.h"
 #include "zarn-moon/forms/Report.h"
@@ -38,7 +38,7 @@ std::string clockText(double mjd) { return minuteOf(mjd).substr(DATE_LENGTH); }
 std::string hoursAndMinutes(double hours) {
     constexpr int MINUTES = 60;
     const int minutes = static_cast<int>(hours * MINUTES);  // 24:00 is never reached
-    std::ostringstream text;
+    TextWriter text;
     text << std::setfill('0') << std::setw(2) << minutes / MINUTES << ':' << std::setw(2)
          << minutes % MINUTES;
     return text.str();
@@ -131,7 +131,7 @@ std::string targetTitle(const Settings& settings, const Target& target) {
 std::string phasesText(const Report& report) {
     std::string text = "Next phases:\n";
     for (const Phase& phase : report.phases) {
-        std::ostringstream line;
+        TextWriter line;
         line << "  " << std::left << std::setw(19) << phase.name
              << timeText(phase.mjd, report.settings.local) << '\n';
         text += line.str();
@@ -142,7 +142,7 @@ std::string phasesText(const Report& report) {
 std::string nightText(const Report& report) {
     const Settings& settings = report.settings;
     const auto& [date, events, summary] = report.nights.front();
-    std::ostringstream text;
+    TextWriter text;
     text << "Night of " << dateOf(date) << " at " << settings.site.name << " ("
          << coordinates(settings.site) << "), times in UT\n\n";
     for (const Event& event : events) {

@@ -6,9 +6,9 @@
 #include <ctime>
 #include <iomanip>
 #include <limits>
-#include <sstream>
 #include <stdexcept>
 
+#include "shared/cli/TextStreams.h"
 #include "shared/sky/Calendar.h"
 
 namespace zarn::moon {
@@ -22,7 +22,7 @@ std::string localMinute(double mjd) { return localTime(nearestMinute(mjd), "%Y-%
 std::string localSecond(double mjd) { return localTime(mjd, "%Y-%m-%dT%H:%M:%S%z"); }
 
 std::string fixed(double number, int decimals) {
-    std::ostringstream stream;
+    TextWriter stream;
     stream << std::fixed << std::setprecision(decimals) << number;
     const std::string text = stream.str();
     const bool isZero = text.find_first_not_of("-0.") == std::string::npos;

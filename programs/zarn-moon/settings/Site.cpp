@@ -6,11 +6,11 @@
 #include <cctype>
 #include <cmath>
 #include <iomanip>
-#include <sstream>
 #include <stdexcept>
 #include <vector>
 
 #include "shared/cli/Printable.h"
+#include "shared/cli/TextStreams.h"
 #include "shared/sky/Angles.h"
 #include "shared/sky/Telescopes.h"
 
@@ -60,7 +60,7 @@ Place placeOf(const Site& site) {
 
 std::string coordinates(const Site& site) {
     constexpr int DECIMALS = 4;
-    std::ostringstream text;
+    TextWriter text;
     text << std::fixed << std::setprecision(DECIMALS) << std::fabs(site.latitude)
          << (site.latitude < 0.0 ? "S " : "N ") << std::fabs(site.longitude)
          << (site.longitude > 0.0 ? "W" : "E");

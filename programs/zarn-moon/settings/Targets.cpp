@@ -3,11 +3,11 @@
 #include <zarnsys/util/StringUtils.h>
 
 #include <algorithm>
-#include <sstream>
 #include <stdexcept>
 #include <system_error>
 
 #include "shared/cli/Printable.h"
+#include "shared/cli/TextStreams.h"
 #include "shared/cli/UsageError.h"
 #include "shared/files/Reading.h"
 
@@ -88,7 +88,7 @@ std::string contentOf(const std::string& fileName) {
 }  // namespace
 
 std::vector<Target> readTargets(const std::string& fileName) {
-    std::istringstream lines(contentOf(fileName));
+    TextReader lines(contentOf(fileName));
     std::vector<Target> targets;
     std::size_t number = 0;
     for (std::string line; std::getline(lines, line);) {

@@ -7,12 +7,12 @@
 #include <iomanip>
 #include <iterator>
 #include <optional>
-#include <sstream>
 
+#include "shared/cli/TextStreams.h"
 #include "shared/sky/Angles.h"
 #include "shared/sky/Precession.h"
-#include "shared/sky/Units.h"
 #include "shared/sky/Telescopes.h"
+#include "shared/sky/Units.h"
 #include "zarn-ingest/header/moon/ExposureTime.h"
 #include "zarn-ingest/header/moon/Fields.h"
 
@@ -116,7 +116,7 @@ const struct Value {
 std::string cardLine(const Value& value, const ZarnMoonVal& moon, Telescope telescope) {
     const double unit = std::pow(10.0, value.decimals);
     const double rounded = std::round(value.of(moon) * unit) / unit;
-    std::ostringstream card;
+    TextWriter card;
     card << std::left << std::setw(KEYWORD_WIDTH) << value.keyword << "= " << std::right
          << std::setw(VALUE_WIDTH) << std::fixed << std::setprecision(value.decimals)
          << std::fmod(rounded, FULL_CIRCLE) + 0.0  // neither 360.00 nor -0.00
