@@ -31,7 +31,7 @@ done
     die "the incoming directory: $(ls -ld /var/lib/zarn-ingest/incoming)"
 id -nG zarn-ingest | grep -qw zarn-delivery || die "the service is not in the group of those who deliver"
 [ "$(systemctl --root=/ is-enabled zarn-ingest)" = disabled ] || die "the unit is missing, or enabled"
-systemd-analyze verify zarn-ingest.service >log 2>&1 || die "the unit: $(cat log)"
+systemd-analyze verify --man=no zarn-ingest.service >log 2>&1 || die "the unit: $(cat log)"
 # In a root of its own systemctl starts and stops nothing, and succeeds.
 page 'cp /usr/share/doc'
 page 'systemctl stop'

@@ -191,6 +191,10 @@ testStepsFail() {
     cp "$samples/broken.hdr" in/h.hdr
     failing 1 openat:error=ENOSPC -P failed/h.hdr.reason -p p.ini
     says 'cannot write failed/h.hdr.reason: No space left on device'
+    # A block that is lost without an error: what was read back differs, and is made once more.
+    seq -f 'K%06.0f = 1' 500 | cat <(grep -v ^END "$samples/imager.hdr") - >long.hdr
+    run 0 -o whole long.hdr; failing 0 write:retval=4096:when=3 -o lost long.hdr
+    check "made once more" [ "$(grep -c 'SIMPLE  = ' trace) $(cmp whole/long.fits lost/long.fits)" = '4 ' ]
 }
 
 testEnd() {
