@@ -124,8 +124,8 @@ const std::vector<double>& timesOf(const std::vector<Event>& events, const char*
 /// night: only times well within count.
 void compare(const Kind& kind, const Night& night, const std::vector<Event>& events, Tally& tally) {
     constexpr double MARGIN = 0.02;  // [d]
-    const double begin = night.minutes.front();
-    const double end = night.minutes.back();
+    const double begin = night.instants.front();
+    const double end = night.instants.back();
     const Observer observer = {night.site.latitude, night.site.longitude};
     const Crossings truth = crossings(kind.value(observer, kind.altitude), begin, kind.rising);
     const bool isTransit = kind.name == std::string("moon transit");
@@ -168,7 +168,7 @@ int runProgram(int argc, char** argv) {
     std::map<std::string, Tally> tallies;
     for (int i = 0; i < nights; ++i) {
         const Site site = {"", latitudes(random), longitudes(random)};
-        const Night night = makeNight(site, dates(random));
+        const Night night = makeNight(ephemerisOf(Theory::LIBRARY), site, dates(random));
         const std::vector<Event> events = eventsOf(night);
         for (const Kind& kind : KINDS) compare(kind, night, events, tallies[kind.name]);
     }

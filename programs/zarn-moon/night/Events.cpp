@@ -19,8 +19,8 @@ std::vector<double> crossings(const Night& night, const std::vector<double>& val
         const double after = values[i];
         const bool crosses = upwards ? before < 0.0 && after >= 0.0 : before >= 0.0 && after < 0.0;
         if (!crosses) continue;
-        const double step = night.minutes[i] - night.minutes[i - 1];
-        times.push_back(night.minutes[i - 1] + step * before / (before - after));
+        const double step = night.instants[i] - night.instants[i - 1];
+        times.push_back(night.instants[i - 1] + step * before / (before - after));
     }
     return times;
 }
@@ -74,16 +74,15 @@ std::vector<Event> eventsOf(const Night& night) {
     return events;
 }
 
-std::vector<Phase> nextPhases(double mjd) {
+std::vector<Phase> nextPhases(const Ephemeris& ephemeris, double mjd) {
     constexpr int PHASES_PER_LUNATION = 4;
     int lunation = 0;
     lun_age(mjd + JD_OF_MJD_0, &lunation);
     std::vector<Phase> phases;
     for (int quarter = 0; phases.size() < std::size(PHASES); ++quarter) {
         const int phase = quarter % PHASES_PER_LUNATION;
-        double jd = 0;
-        flmoon(lunation + quarter / PHASES_PER_LUNATION, phase, &jd);
-        if (jd - JD_OF_MJD_0 > mjd) phases.push_back({PHASES[phase], jd - JD_OF_MJD_0});
+        const double time = ephemeris.phaseTime(lunation + quarter / PHASES_PER_LUNATION, phase);
+        if (time > mjd) phases.push_back({PHASES[phase], time});
     }
     return phases;
 }
