@@ -16,14 +16,16 @@ void checkSize(std::size_t instants, std::size_t targets) {
     }
 }
 
-NightLine lineOf(const Night& night) { return {night.date, eventsOf(night), summaryOf(night)}; }
+NightLine lineOf(const Ephemeris& ephemeris, const Night& night) {
+    return {night.date, eventsOf(night), summaryOf(night), eclipseIn(ephemeris, night)};
+}
 
 /// Fills in the report on a single night.
 void addNight(Report& report) {
     const Settings& settings = report.settings;
     const Ephemeris& ephemeris = ephemerisOf(settings.ephemeris);
     const Night night = makeNight(ephemeris, settings.site, settings.date);
-    report.nights.push_back(lineOf(night));
+    report.nights.push_back(lineOf(ephemeris, night));
     report.phases = nextPhases(ephemeris, night.instants.front());
     const std::vector<MJD_DATE> instants = instantsOf(ephemeris, night, settings.step);
     checkSize(instants.size(), settings.targets.size());
@@ -52,7 +54,7 @@ Report makeReport(const Settings& settings) {
     } else {
         for (unsigned i = 0; i < settings.nights; ++i) {
             const Night night = makeNight(ephemeris, settings.site, settings.date + i);
-            report.nights.push_back(lineOf(night));
+            report.nights.push_back(lineOf(ephemeris, night));
             if (i == 0) report.phases = nextPhases(ephemeris, night.instants.front());
         }
     }

@@ -35,7 +35,7 @@ public:
 
     /// Sun and moon at instants [MJD]. Instants of one night are the fastest together, in rising
     /// order.
-    virtual SkyPath pathOver(const Site& site, std::vector<MJD_DATE> instants) const = 0;
+    virtual SkyPath pathOver(const Site& site, const std::vector<MJD_DATE>& instants) const = 0;
 
     /// The time of a phase [MJD].
     ///
@@ -43,17 +43,12 @@ public:
     /// @param phase     0 new moon, 1 first quarter, 2 full moon, 3 last quarter
     virtual double phaseTime(int lunation, int phase) const = 0;
 
-    /// The direction of a target at a date [MJD], in the frame of the theory's places. It moves by
-    /// no more than 0.2 arc seconds in a night.
+    /// The directions of targets at a date [MJD], in the frame of the theory's places. Within a
+    /// night they move by less than an arc second.
     ///
-    /// @param position  in the mean equinox of J2000 or of date
-    virtual Direction directionOfDate(const Position& position, Equinox equinox,
-                                      double mjd) const = 0;
-
-protected:
-    /// Fills in the horizons, and the moon's directions in them, from the path's sidereal times and
-    /// the moon's altitudes and azimuths.
-    static void addHorizons(SkyPath& path, double latitude);
+    /// @param positions  in the mean equinox of J2000 or of date
+    virtual std::vector<Direction> directionsOfDate(const std::vector<Position>& positions,
+                                                    Equinox equinox, double mjd) const = 0;
 };
 
 /// The theory of a name.

@@ -2,8 +2,6 @@
 
 #include <zarnsys/util/Astronomy.h>
 
-#include <utility>
-
 #include "shared/sky/Precession.h"
 
 namespace zarn::moon {
@@ -20,13 +18,16 @@ double sunAltitude(double mjd, const Horizon& horizon) {
 
 }  // namespace
 
-SkyPath LibraryEphemeris::pathOver(const Site& site, std::vector<MJD_DATE> instants) const {
+SkyPath LibraryEphemeris::pathOver(const Site& site, const std::vector<MJD_DATE>& instants) const {
     SkyPath path;
-    path.instants = std::move(instants);
-    path.moon = computeMoonGrid({}, path.instants, placeOf(site));
-    addHorizons(path, site.latitude);
-    for (std::size_t i = 0; i < path.instants.size(); ++i)
-        path.sunAltitudes.push_back(sunAltitude(path.instants[i], path.horizons[i]));
+    path.instants = instants;
+    path.moon = computeMoonGrid({}, instants, placeOf(site));
+    for (std::size_t i = 0; i < instants.size(); ++i) {
+        const Horizon horizon(path.moon.siderealTime[i], site.latitude);
+        path.horizons.push_back(horizon);
+        path.moonDirections.push_back(directionAt(path.moon.altitude[i], path.moon.azimuth[i]));
+        path.sunAltitudes.push_back(sunAltitude(instants[i], horizon));
+    }
     return path;
 }
 
@@ -36,11 +37,15 @@ double LibraryEphemeris::phaseTime(int lunation, int phase) const {
     return jd - JD_OF_MJD_0;
 }
 
-Direction LibraryEphemeris::directionOfDate(const Position& position, Equinox equinox,
-                                            double mjd) const {
-    const auto [ra, dec] =
-        equinox == Equinox::OF_DATE ? position : precessed(position, J2000_EPOCH, mjd);
-    return directionOf({ra, dec});
+std::vector<Direction> LibraryEphemeris::directionsOfDate(const std::vector<Position>& positions,
+                                                          Equinox equinox, double mjd) const {
+    std::vector<Direction> directions;
+    for (const Position& position : positions) {
+        const auto [ra, dec] =
+            equinox == Equinox::OF_DATE ? position : precessed(position, J2000_EPOCH, mjd);
+        directions.push_back(directionOf({ra, dec}));
+    }
+    return directions;
 }
 
 }  // namespace zarn::moon

@@ -10,9 +10,10 @@ namespace zarn::moon {
 /// dynamical time, and nutation is left out. The equator and equinox are the mean ones of date.
 class LibraryEphemeris : public Ephemeris {
 public:
-    SkyPath pathOver(const Site& site, std::vector<MJD_DATE> instants) const override;
+    SkyPath pathOver(const Site& site, const std::vector<MJD_DATE>& instants) const override;
     double phaseTime(int lunation, int phase) const override;
-    Direction directionOfDate(const Position& position, Equinox equinox, double mjd) const override;
+    std::vector<Direction> directionsOfDate(const std::vector<Position>& positions, Equinox equinox,
+                                            double mjd) const override;
 };
 
 }  // namespace zarn::moon

@@ -54,10 +54,9 @@ Row rowOf(const SkyPath& sky, std::size_t i) {
 
 std::vector<Direction> directionsOfDate(const Settings& settings, const Ephemeris& ephemeris,
                                         double mjd) {
-    std::vector<Direction> directions;
-    for (const Target& target : settings.targets)
-        directions.push_back(ephemeris.directionOfDate(target.position, settings.equinox, mjd));
-    return directions;
+    std::vector<Position> positions;
+    for (const Target& target : settings.targets) positions.push_back(target.position);
+    return ephemeris.directionsOfDate(positions, settings.equinox, mjd);
 }
 
 TargetValues valuesOf(const Settings& settings, const SkyPath& sky, std::size_t i,
@@ -65,7 +64,7 @@ TargetValues valuesOf(const Settings& settings, const SkyPath& sky, std::size_t 
     const Direction direction = sky.horizons[i].turned(target);
     TargetValues values = {};
     values.altitude = altitudeOf(direction);
-    values.moonDistance = std::acos(cosineBetween(direction, sky.moonDirections[i])) * DEG_PER_RAD;
+    values.moonDistance = angleBetween(direction, sky.moonDirections[i]);
     if (values.altitude < 0.0) return values;
     values.airmass = airmassAt(values.altitude);
     values.moonSky =

@@ -29,7 +29,7 @@ struct Settings {
     Site site = {};
     std::vector<Target> targets;
     Equinox equinox = Equinox::J2000;
-    Theory ephemeris = Theory::LIBRARY;
+    Theory ephemeris = Theory::ERFA;
 
     double date = 0.0;          ///< 0 h of the day that the night begins on [MJD]
     std::optional<double> mjd;  ///< one instant instead of a night [d]
