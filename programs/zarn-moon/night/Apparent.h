@@ -60,7 +60,7 @@ private:
 };
 
 /// @{
-/// Distances of nodes [d] with which a track is within 1e-6 degrees.
+/// Distances of nodes [d]: the moon's track is within 1e-6 degrees, the sun's within 1e-5.
 inline constexpr double MOON_STEP = 1.0 / 12.0;
 inline constexpr double SUN_STEP = 1.0;
 /// @}
