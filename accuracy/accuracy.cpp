@@ -328,7 +328,7 @@ void compareSkies(unsigned long count, const Span& span, Random& random) {
 double beginOf(const char* year) {
     double zero = 0;
     double mjd = 0;
-    eraCal2jd(std::atoi(year), 1, 1, &zero, &mjd);
+    eraCal2jd(static_cast<int>(std::strtol(year, nullptr, 10)), 1, 1, &zero, &mjd);
     return zero + mjd;
 }
 

@@ -300,7 +300,8 @@ def main(program, count):
                 for night, found in zip(nights, values):
                     compare_times(night, found, epoch + ", " + band, figures)
                     compare_places(night, found, epoch, figures)
-                some = [i for i, night in enumerate(nights) if MEASURED[0] < night.date < MEASURED[1]]
+                some = [i for i, night in enumerate(nights)
+                        if MEASURED[0] < night.date < MEASURED[1]]
                 compare_astropy([nights[i] for i in some], [values[i] for i in some],
                                 "1973-2021", with_astropy[theory])
         for theory, figures in with_ephem.items():

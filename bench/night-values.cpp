@@ -54,16 +54,18 @@ int runProgram(int argc, char** argv) {
     const Ephemeris& ephemeris = ephemerisOf(theory == "erfa" ? Theory::ERFA : Theory::LIBRARY);
     std::string line;
     for (int number = 0; std::getline(std::cin, line); ++number) {
+        const bool phases = line.rfind("phases", 0) == 0;
+        std::istringstream numbers(phases ? line.substr(line.find(' ')) : line);
         double begin = 0;
         double end = 0;
-        if (std::sscanf(line.c_str(), "phases %lf %lf", &begin, &end) == 2) {
-            printPhases(number, ephemeris, begin, end);
-            continue;
-        }
         Site site = {};
-        double date = 0;
-        std::istringstream(line) >> site.latitude >> site.longitude >> site.elevation >> date;
-        printNight(number, ephemeris, site, date);
+        if (phases) {
+            numbers >> begin >> end;
+            printPhases(number, ephemeris, begin, end);
+        } else {
+            numbers >> site.latitude >> site.longitude >> site.elevation >> begin;
+            printNight(number, ephemeris, site, begin);
+        }
     }
     return 0;
 }

@@ -1,7 +1,6 @@
 #include "zarn-moon/night/Night.h"
 
 #include <cmath>
-#include <utility>
 
 #include "shared/sky/Units.h"
 
@@ -41,7 +40,7 @@ Night makeNight(const Ephemeris& ephemeris, const Site& site, double date) {
     std::vector<MJD_DATE> minutes;
     for (int minute = 0; minute <= static_cast<int>(MINUTES_PER_DAY); ++minute)
         minutes.push_back(noon + minute / MINUTES_PER_DAY);
-    return {ephemeris.pathOver(site, std::move(minutes)), site, date};
+    return {ephemeris.pathOver(site, minutes), site, date};
 }
 
 double middleOf(const Night& night) { return night.instants[night.instants.size() / 2]; }
