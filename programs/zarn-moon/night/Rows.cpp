@@ -12,9 +12,8 @@ namespace zarn::moon {
 
 namespace {
 
-/// The airmass at an altitude [deg] above the horizon.
-std::optional<double> airmassAt(double altitude) {
-    if (altitude < 0.0) return std::nullopt;
+/// The airmass at an altitude [deg], 0 at least, see `SkyGrid`.
+double airmassAt(double altitude) {
     const double power = std::pow(altitude, formulas::AIRMASS_POWER);
     return 1.0 / std::sin(formulas::airmassAngle(altitude, power));
 }
