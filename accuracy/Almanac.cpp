@@ -6,11 +6,12 @@
 #include <cmath>
 #include <cstdio>
 
+#include "programs/shared/sky/DeltaT.h"
+
 namespace {
 
 constexpr double EARTH_RADIUS = 6378137.0;  // [m], equatorial
 constexpr double RADII_PER_AU = ERFA_DAU / EARTH_RADIUS;
-constexpr double TT_LESS_TAI = 32.184;                  // [s]
 constexpr double LIGHT_DAYS = ERFA_AULT / ERFA_DAYSEC;  // for an astronomical unit [d]
 
 /// Sun and moon from the Earth's centre as they appear, in the celestial reference system [au].
@@ -79,16 +80,7 @@ double angleBetween(Vector a, Vector b) { return eraSepp(a.xyz, b.xyz) * zarn::D
 
 double lengthOf(Vector vector) { return eraPm(vector.xyz); }
 
-double deltaT(double jd) {
-    int year = 0;
-    int month = 0;
-    int day = 0;
-    double fraction = 0;
-    double taiLessUtc = 0;
-    eraJd2cal(jd, 0.0, &year, &month, &day, &fraction);
-    eraDat(year, month, day, fraction, &taiLessUtc);
-    return (TT_LESS_TAI + taiLessUtc) / ERFA_DAYSEC;
-}
+double deltaT(double jd) { return zarn::deltaT(jd - zarn::JD_OF_MJD_0); }
 
 double elongationInLongitude(double jdTT) {
     Appearance seen = appearanceAt(jdTT);
@@ -112,7 +104,7 @@ double TrueSky::siderealTime(const Observer& observer) const {
     return eraAnp(greenwich_ - observer.longitude / zarn::DEG_PER_RAD) * HOUR_PER_RAD;
 }
 
-Vector TrueSky::moonFor(const Observer& observer, Earth earth) const {
+Vector TrueSky::seenBy(const Observer& observer, Earth earth, Vector body) const {
     const double meridian = siderealTime(observer) / HOUR_PER_RAD;
     double place[3];
     if (earth == Earth::SPHERE) {
@@ -121,9 +113,16 @@ Vector TrueSky::moonFor(const Observer& observer, Earth earth) const {
         eraGd2gc(ERFA_WGS84, meridian, observer.latitude / zarn::DEG_PER_RAD, 0.0, place);
         eraSxp(1.0 / EARTH_RADIUS, place, place);
     }
-    Vector moon = moon_;
-    eraPmp(moon.xyz, place, moon.xyz);
-    return moon;
+    eraPmp(body.xyz, place, body.xyz);
+    return body;
+}
+
+Vector TrueSky::sunFor(const Observer& observer, Earth earth) const {
+    return seenBy(observer, earth, sun_);
+}
+
+Vector TrueSky::moonFor(const Observer& observer, Earth earth) const {
+    return seenBy(observer, earth, moon_);
 }
 
 double TrueSky::altitude(const Observer& observer, Vector direction) const {

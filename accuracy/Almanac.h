@@ -1,8 +1,8 @@
 /// Where sun and moon stand by a theory independent of the library's: ERFA.
 ///
 /// Sun: `eraEpv00`, 0.02 arc seconds. Moon: `eraMoon98` (Meeus 1998 after ELP 2000), 10 arc seconds
-/// in longitude, 4 in latitude. Light time and aberration are applied. Dynamical time is universal
-/// time + 32.184 s + `eraDat`, which stays at 37 s after the last leap second that it knows.
+/// in longitude, 4 in latitude. Light time and aberration are applied. Dynamical time follows from
+/// universal time by the polynomials of Espenak & Meeus 2006.
 #ifndef ZARNSYS_BENCH_ALMANAC_H
 #define ZARNSYS_BENCH_ALMANAC_H
 
@@ -49,6 +49,7 @@ public:
     explicit TrueSky(double jd);
 
     Vector sun() const { return sun_; }  ///< from the Earth's centre
+    Vector sunFor(const Observer& observer, Earth earth) const;
     Vector moonFor(const Observer& observer, Earth earth) const;
     double altitude(const Observer& observer, Vector direction) const;  ///< [deg]
     double siderealTime(const Observer& observer) const;                ///< apparent [h]
@@ -57,6 +58,8 @@ public:
     double phaseAngle(Vector moon) const;
 
 private:
+    Vector seenBy(const Observer& observer, Earth earth, Vector body) const;
+
     double greenwich_;  ///< apparent sidereal time [rad]
     Vector sun_;
     Vector moon_;  ///< from the Earth's centre

@@ -1,6 +1,7 @@
-/// The library's moon and sky against independent theory: accuracy [COUNT]
+/// The library's moon and sky against independent theory: accuracy [COUNT [FIRST LAST]]
 ///
-/// COUNT random instants of 2000 to 2050 and places of latitudes -60 to 60 (50000 unless given).
+/// COUNT random instants and places of latitudes -60 to 60 (50000 unless given), from the beginning
+/// of the year FIRST to that of LAST (2000 and 2050).
 /// Differences are the library's value less the true one.
 
 #include <erfa.h>
@@ -20,9 +21,13 @@ namespace {
 
 constexpr unsigned long COUNT = 50000;
 constexpr std::uint64_t SEED = 3;
-constexpr double JD_2000 = 2451544.5;
-constexpr double JD_2050 = 2469807.5;
 constexpr double AT_HORIZON = 3.0;  // altitudes where the moon counts as rising or setting [deg]
+
+/// The time that is looked at, as Julian Dates [d].
+struct Span {
+    double begin;
+    double end;
+};
 
 /// An instant and a place, and a target there with the extinction for it.
 struct Scene {
@@ -255,15 +260,17 @@ double truePhase(double jd, int quarter) {
 }
 
 /// Times of the phases of all lunations.
-void comparePhases() {
-    constexpr int FIRST_LUNATION = 1237;  // of 2000
-    constexpr int LAST_LUNATION = 1854;   // of 2049
+void comparePhases(const Span& span) {
+    int before = 0;
+    int last = 0;
+    lun_age(span.begin, &before);
+    lun_age(span.end, &last);
     Quantity quarters[] = {{"new moon", "min"},
                            {"first quarter", "min"},
                            {"full moon", "min"},
                            {"last quarter", "min"}};
     Quantity dynamical("all, read as dynamical time", "min");
-    for (int lunation = FIRST_LUNATION; lunation <= LAST_LUNATION; ++lunation) {
+    for (int lunation = before + 1; lunation <= last; ++lunation) {
         for (int quarter = 0; quarter < 4; ++quarter) {
             double jd = 0;
             flmoon(lunation, quarter, &jd);
@@ -278,11 +285,11 @@ void comparePhases() {
 }
 
 /// The age at random instants; an instant between the true new moon and the library's is apart.
-void compareAges(unsigned long count, Random& random) {
+void compareAges(unsigned long count, const Span& span, Random& random) {
     Quantity age("age", "min");
     unsigned long otherLunation = 0;
     for (unsigned long i = 0; i < count; ++i) {
-        const double jd = random.between(JD_2000, JD_2050);
+        const double jd = random.between(span.begin, span.end);
         int lunation = 0;
         const auto ours = static_cast<double>(lun_age(jd, &lunation));
         double newMoon = 0;
@@ -299,12 +306,12 @@ void compareAges(unsigned long count, Random& random) {
     std::printf("%lu instants lie between the two theories' new moons\n", otherLunation);
 }
 
-void compareSkies(unsigned long count, Random& random) {
+void compareSkies(unsigned long count, const Span& span, Random& random) {
     Positions positions;
     Moonlight moonlight;
     for (unsigned long i = 0; i < count; ++i) {
         Scene scene{};
-        scene.jd = random.between(JD_2000, JD_2050);
+        scene.jd = random.between(span.begin, span.end);
         scene.observer = {random.between(-60.0, 60.0), random.between(-180.0, 180.0)};
         scene.extinction = random.between(0.1, 0.4);
         const TrueSky sky(scene.jd);
@@ -317,8 +324,17 @@ void compareSkies(unsigned long count, Random& random) {
     moonlight.print();
 }
 
+/// The beginning of a year, Julian Date [d].
+double beginOf(const char* year) {
+    double zero = 0;
+    double mjd = 0;
+    eraCal2jd(static_cast<int>(std::strtol(year, nullptr, 10)), 1, 1, &zero, &mjd);
+    return zero + mjd;
+}
+
 /// The largest shift of a place between the equinoxes of 2000 and 2050 [deg].
 double precessionTo2050() {
+    constexpr double JD_2050 = 2469807.5;
     double from2000[3][3];
     double rotation[3];
     eraPmat06(JD_2050, 0.0, from2000);
@@ -330,15 +346,17 @@ double precessionTo2050() {
 
 int main(int argc, char** argv) {
     const unsigned long count = argc > 1 ? std::strtoul(argv[1], nullptr, 10) : COUNT;
-    if (argc > 2 || count == 0) {
-        std::fputs("accuracy [COUNT]\n", stderr);
+    if (argc == 3 || argc > 4 || count == 0) {
+        std::fputs("accuracy [COUNT [FIRST LAST]]\n", stderr);
         return 2;
     }
+    const Span span = {beginOf(argc == 4 ? argv[2] : "2000"),
+                       beginOf(argc == 4 ? argv[3] : "2050")};
     if (!agreesWithPublishedValues()) return 1;
     Random random(SEED);
-    compareSkies(count, random);
-    comparePhases();
-    compareAges(count / 10, random);
+    compareSkies(count, span, random);
+    comparePhases(span);
+    compareAges(count / 10, span, random);
     std::printf("\na place of the equinox of 2000 taken for one of 2050: up to %.3f deg\n",
                 precessionTo2050());
     return 0;

@@ -2,8 +2,9 @@
 ///
 ///     night-times [NIGHTS]
 ///
-/// Random nights from 2000 to 2050 at latitudes up to 55 degrees: every time of rise, set, twilight
-/// and transit against the same from ERFA's sun and moon. Nights in which a body only grazes the
+/// Random nights from 1901 to 2199 at latitudes up to 55 degrees, for both ephemerides: every time
+/// of rise, set, twilight and transit against the same from ERFA's sun and moon, evaluated instant
+/// by instant, without lines or cubics between them. Nights in which a body only grazes the
 /// altitude, within a degree, are counted apart: there a small error moves the time by much.
 
 #include <algorithm>
@@ -67,7 +68,7 @@ Crossings crossings(const Value& value, double begin, bool rising) {
 Value sunAbove(const Observer& observer, double altitude) {
     return [observer, altitude](double mjd) {
         const TrueSky sky(mjd + JD_OF_MJD_0);
-        return sky.altitude(observer, sky.sun()) - altitude;
+        return sky.altitude(observer, sky.sunFor(observer, Earth::ELLIPSOID)) - altitude;
     };
 }
 
@@ -122,12 +123,11 @@ const std::vector<double>& timesOf(const std::vector<Event>& events, const char*
 
 /// Counts a night's times of one kind. At the night's ends one theory's time may fall into the next
 /// night: only times well within count.
-void compare(const Kind& kind, const Night& night, const std::vector<Event>& events, Tally& tally) {
+void compare(const Kind& kind, const Crossings& truth, const Night& night,
+             const std::vector<Event>& events, Tally& tally) {
     constexpr double MARGIN = 0.02;  // [d]
-    const double begin = night.minutes.front();
-    const double end = night.minutes.back();
-    const Observer observer = {night.site.latitude, night.site.longitude};
-    const Crossings truth = crossings(kind.value(observer, kind.altitude), begin, kind.rising);
+    const double begin = night.instants.front();
+    const double end = night.instants.back();
     const bool isTransit = kind.name == std::string("moon transit");
     if (!isTransit && truth.nearestExtreme < GRAZING) {
         ++tally.grazing;
@@ -158,22 +158,56 @@ void print(const Kind& kind, Tally& tally) {
               << tally.grazing << std::setw(11) << tally.unmatched << "\n";
 }
 
+void print(const char* theory, std::map<std::string, Tally>& tallies) {
+    std::cout << theory
+              << "\nminutes             times   median      95 %    worst  grazing  unmatched\n";
+    for (const Kind& kind : KINDS) print(kind, tallies[kind.name]);
+}
+
+/// How far a night's moon is from that of instants on their own, at most [deg].
+double farthestMoon(const Night& night) {
+    constexpr std::size_t MINUTES_APART = 37;
+    const Observer observer = {night.site.latitude, night.site.longitude};
+    double farthest = 0.0;
+    for (std::size_t i = 0; i < night.instants.size(); i += MINUTES_APART) {
+        const TrueSky sky(night.instants[i] + JD_OF_MJD_0);
+        const ::Vector moon = sky.moonFor(observer, Earth::ELLIPSOID);
+        const Vector ours = night.horizons[i].turned({moon.xyz[0], moon.xyz[1], moon.xyz[2]});
+        farthest = std::max(farthest, angleBetween(ours, night.moonDirections[i]));
+    }
+    return farthest;
+}
+
 int runProgram(int argc, char** argv) {
     const int nights = argc > 1 ? std::stoi(argv[1]) : 200;
     if (!agreesWithPublishedValues()) return 1;
     std::mt19937_64 random(2026);
     std::uniform_real_distribution<double> latitudes(-55.0, 55.0);
     std::uniform_real_distribution<double> longitudes(-180.0, 180.0);
-    std::uniform_int_distribution<int> dates(51544, 69806);  // 2000 to 2049 [MJD]
-    std::map<std::string, Tally> tallies;
+    std::uniform_int_distribution<int> dates(15385, 124592);  // 1901 to 2199 [MJD]
+    std::map<std::string, Tally> erfa;
+    std::map<std::string, Tally> library;
+    double farthest = 0.0;
     for (int i = 0; i < nights; ++i) {
         const Site site = {"", latitudes(random), longitudes(random)};
-        const Night night = makeNight(site, dates(random));
-        const std::vector<Event> events = eventsOf(night);
-        for (const Kind& kind : KINDS) compare(kind, night, events, tallies[kind.name]);
+        const double date = dates(random);
+        const Night exact = makeNight(ephemerisOf(Theory::ERFA), site, date);
+        const Night quick = makeNight(ephemerisOf(Theory::LIBRARY), site, date);
+        const std::vector<Event> exactEvents = eventsOf(exact);
+        const std::vector<Event> quickEvents = eventsOf(quick);
+        for (const Kind& kind : KINDS) {
+            const Observer observer = {site.latitude, site.longitude};
+            const Crossings truth =
+                crossings(kind.value(observer, kind.altitude), exact.instants.front(), kind.rising);
+            compare(kind, truth, exact, exactEvents, erfa[kind.name]);
+            compare(kind, truth, quick, quickEvents, library[kind.name]);
+        }
+        farthest = std::max(farthest, farthestMoon(exact));
     }
-    std::cout << "minutes             times   median      95 %    worst  grazing  unmatched\n";
-    for (const Kind& kind : KINDS) print(kind, tallies[kind.name]);
+    print("erfa", erfa);
+    print("library", library);
+    std::cout << "erfa: the moon of a night is within " << std::scientific << farthest
+              << " degrees of that computed for the instant\n";
     return 0;
 }
 

@@ -22,14 +22,14 @@ constexpr int NOONS = 1441;  // minutes from noon to noon, both included
 /// sum of few powers of two, exact in binary.
 template <typename Sun, typename MoonAltitude, typename MoonAzimuth>
 Night nightOfPaths(Sun sun, MoonAltitude altitude, MoonAzimuth azimuth) {
-    Night night = {{"", 30.0, 0.0}, 60999.0, {}, {}, {}};
+    Night night = {{}, {"", 30.0, 0.0}, 60999.0};
     for (int minute = 0; minute < NOONS; ++minute) {
-        night.minutes.push_back(NOON + minute * MINUTE);
+        night.instants.push_back(NOON + minute * MINUTE);
         night.sunAltitudes.push_back(sun(minute));
         night.moon.altitude.push_back(altitude(minute));
         night.moon.azimuth.push_back(azimuth(minute));
     }
-    night.moon.siderealTime.assign(NOONS, 0.0);
+    night.horizons.assign(NOONS, Horizon(0.0, night.site.latitude));
     night.moon.illumination.assign(NOONS, 0.0);
     night.moon.phase.assign(NOONS, 0.0);
     return night;
@@ -50,9 +50,9 @@ double sinceNoon(double mjd) { return (mjd - NOON) / MINUTE; }
 TEST(NightTest, BeginsAtLocalMeanNoon) {
     // 90 degrees west, local time is six hours behind: noon is 18 h UT.
     const Site west = {"", 0.0, 90.0};
-    const Night night = makeNight(west, 61000.0);
-    EXPECT_EQ(night.minutes.front(), 61000.75);
-    EXPECT_EQ(night.minutes.back(), 61001.75);
+    const Night night = makeNight(ephemerisOf(Theory::LIBRARY), west, 61000.0);
+    EXPECT_EQ(night.instants.front(), 61000.75);
+    EXPECT_EQ(night.instants.back(), 61001.75);
     EXPECT_EQ(nightOf(west, 61000.7499), 60999.0);
     EXPECT_EQ(nightOf(west, 61000.75), 61000.0);
     EXPECT_EQ(nightOf({"", 0.0, -180.0}, 61000.0), 61000.0);
@@ -95,7 +95,8 @@ TEST(NightTest, WordsHaveTheirLimits) {
 }
 
 TEST(NightTest, TheBestWindowIsWithoutMoonIfThatLastsAnHour) {
-    const SkyPosition pole = {0.0, 90.0};  // stands at the latitude, 30 degrees, all night
+    const Direction pole =
+        directionOf({0.0, 90.0});  // stands at the latitude, 30 degrees, all night
     const struct {
         int dark, moonlit;  // [minutes]
         double begin, end;
@@ -125,17 +126,20 @@ TEST(NightTest, TheBestWindowIsWithoutMoonIfThatLastsAnHour) {
 
 TEST(NightTest, BothEndsOfAWindowAreInIt) {
     const Settings settings;
-    const std::vector<Row> rows = makeRows(settings, {NOON, NOON + 0.25, NOON + 0.5, NOON + 0.75},
-                                           {{0.0, 0.0}}, {{NOON + 0.25, NOON + 0.5, true}});
+    const SkyPath sky =
+        ephemerisOf(Theory::LIBRARY).pathOver({}, {NOON, NOON + 0.25, NOON + 0.5, NOON + 0.75});
+    const std::vector<Row> rows =
+        makeRows(settings, sky, {{1.0, 0.0, 0.0}}, {{NOON + 0.25, NOON + 0.5, true}});
     ASSERT_EQ(rows.size(), 4U);
     for (std::size_t i = 0; i < rows.size(); ++i)
         EXPECT_EQ(rows[i].targets.at(0).best, i == 1 || i == 2) << i;
 }
 
 TEST(NightTest, PhasesComeAfterTheInstant) {
-    const double full = nextPhases(61390.0).at(1).mjd;
-    EXPECT_EQ(nextPhases(full - 1e-6).at(0).mjd, full);
-    EXPECT_EQ(nextPhases(full).at(0).name, "last quarter");
+    const Ephemeris& ephemeris = ephemerisOf(Theory::LIBRARY);
+    const double full = nextPhases(ephemeris, 61390.0).at(1).mjd;
+    EXPECT_EQ(nextPhases(ephemeris, full - 1e-6).at(0).mjd, full);
+    EXPECT_EQ(nextPhases(ephemeris, full).at(0).name, "last quarter");
 }
 
 TEST(NightTest, AMillionRowsAreTheMost) {

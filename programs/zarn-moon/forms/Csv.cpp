@@ -99,9 +99,31 @@ Cells nightTitles(const Report& report) {
         titles.push_back(keyOf(event.name));
         if (report.settings.local) titles.push_back(keyOf(event.name) + "_local");
     }
-    for (const char* title : {"astronomical_hours", "dark_hours", "illumination", "phase", "word"})
+    for (const char* title : {"astronomical_hours", "dark_hours", "illumination", "phase", "word",
+                              "eclipse", "eclipse_magnitude"})
         titles.emplace_back(title);
+    for (const char* contact : CONTACTS) {
+        titles.push_back(keyOf(contact));
+        if (report.settings.local) titles.push_back(keyOf(contact) + "_local");
+    }
     return titles;
+}
+
+/// The cells of an eclipse, empty where there is none.
+Cells eclipseCells(const std::optional<Eclipse>& eclipse, bool local) {
+    Cells cells = {eclipse ? eclipse->kind : "",
+                   eclipse ? fixed(eclipse->magnitude, FRACTION_DECIMALS) : ""};
+    for (const char* name : CONTACTS) {
+        Event event = {name, {}};
+        if (eclipse) {
+            for (const Contact& contact : eclipse->contacts) {
+                if (contact.name == name) event.times.push_back(contact.mjd);
+            }
+        }
+        cells.push_back(timesOf(event, utcMinute));
+        if (local) cells.push_back(timesOf(event, localMinute));
+    }
+    return cells;
 }
 
 Cells nightCells(const NightLine& night, bool local) {
@@ -115,6 +137,8 @@ Cells nightCells(const NightLine& night, bool local) {
     cells.push_back(fixed(night.summary.illumination, FRACTION_DECIMALS));
     cells.push_back(fixed(night.summary.moonPhase, FRACTION_DECIMALS));
     cells.push_back(night.summary.word);
+    const Cells eclipse = eclipseCells(night.eclipse, local);
+    cells.insert(cells.end(), eclipse.begin(), eclipse.end());
     return cells;
 }
 

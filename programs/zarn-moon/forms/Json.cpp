@@ -34,6 +34,19 @@ Json timeOf(double mjd, bool local) {
     return time;
 }
 
+/// An eclipse, or null.
+Json eclipseOf(const std::optional<Eclipse>& eclipse, bool local) {
+    if (!eclipse) return {};
+    Json contacts;
+    for (const Contact& contact : eclipse->contacts) {
+        Json& entry = contacts[keyOf(contact.name)] = timeOf(contact.mjd, local);
+        entry["moon_up"] = contact.moonUp;
+    }
+    return {{"kind", eclipse->kind},
+            {"magnitude", rounded(eclipse->magnitude, FRACTION_DECIMALS)},
+            {"contacts", contacts}};
+}
+
 Json nightOf(const NightLine& line, bool local) {
     Json events;
     for (const Event& event : line.events) {
@@ -48,7 +61,8 @@ Json nightOf(const NightLine& line, bool local) {
             {"dark_hours", rounded(summary.darkHours, HOURS_DECIMALS)},
             {"illumination", rounded(summary.illumination, FRACTION_DECIMALS)},
             {"phase", rounded(summary.moonPhase, FRACTION_DECIMALS)},
-            {"events", events}};
+            {"events", events},
+            {"eclipse", eclipseOf(line.eclipse, local)}};
 }
 
 /// A target with its best window, if that was asked for.
@@ -101,6 +115,7 @@ std::string jsonOf(const Report& report) {
                   {{"name", settings.site.name},
                    {"latitude_deg", settings.site.latitude},
                    {"longitude_west_deg", settings.site.longitude}}},
+                 {"ephemeris", settings.ephemeris == Theory::ERFA ? "erfa" : "library"},
                  {"extinction", settings.extinction},
                  {"dark_sky_mag", settings.darkSky}};
     json["nights"] = Json::array();

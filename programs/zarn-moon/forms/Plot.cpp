@@ -25,7 +25,7 @@ std::vector<MJD_DATE> instantsToDraw(const Night& night) {
     const std::size_t end = never ? sun.size() : std::min(sun.size(), last + MARGIN);
     std::vector<MJD_DATE> instants;
     for (std::size_t i = begin; i < end; i += static_cast<std::size_t>(MINUTES_PER_POINT))
-        instants.push_back(night.minutes[i]);
+        instants.push_back(night.instants[i]);
     return instants;
 }
 
@@ -34,9 +34,10 @@ std::vector<MJD_DATE> instantsToDraw(const Night& night) {
 std::string drawNight(const Report& report) {
     const Settings& settings = report.settings;
     const Night& night = *report.night;
-    const std::vector<SkyPosition> positions =
-        positionsOfDate(settings, night.minutes[night.minutes.size() / 2]);
-    const std::vector<Row> rows = makeRows(settings, instantsToDraw(night), positions, {});
+    const Ephemeris& ephemeris = ephemerisOf(settings.ephemeris);
+    const std::vector<Row> rows =
+        makeRows(settings, ephemeris.pathOver(settings.site, instantsToDraw(night)),
+                 directionsOfDate(settings, ephemeris, middleOf(night)), {});
     std::string picture = runGnuplot(scriptOf(settings, rows, report.nights.front().summary));
     const bool whole = picture.find(isSvg(settings) ? "</svg>" : "IEND") != std::string::npos;
     if (!whole) throw std::runtime_error("gnuplot did not draw the whole picture");

@@ -16,42 +16,46 @@ void checkSize(std::size_t instants, std::size_t targets) {
     }
 }
 
-NightLine lineOf(const Night& night) { return {night.date, eventsOf(night), summaryOf(night)}; }
+NightLine lineOf(const Ephemeris& ephemeris, const Night& night) {
+    return {night.date, eventsOf(night), summaryOf(night), eclipseIn(ephemeris, night)};
+}
 
 /// Fills in the report on a single night.
 void addNight(Report& report) {
     const Settings& settings = report.settings;
-    const Night night = makeNight(settings.site, settings.date);
-    report.nights.push_back(lineOf(night));
-    report.phases = nextPhases(night.minutes.front());
-    const std::vector<MJD_DATE> instants = instantsOf(night, settings.step);
+    const Ephemeris& ephemeris = ephemerisOf(settings.ephemeris);
+    const Night night = makeNight(ephemeris, settings.site, settings.date);
+    report.nights.push_back(lineOf(ephemeris, night));
+    report.phases = nextPhases(ephemeris, night.instants.front());
+    const std::vector<MJD_DATE> instants = instantsOf(ephemeris, night, settings.step);
     checkSize(instants.size(), settings.targets.size());
-    const std::size_t middle = night.minutes.size() / 2;
-    const std::vector<SkyPosition> positions = positionsOfDate(settings, night.minutes[middle]);
+    const std::vector<Direction> targets = directionsOfDate(settings, ephemeris, middleOf(night));
     if (settings.minAltitude) {
-        for (const SkyPosition& position : positions)
-            report.windows.push_back(bestWindow(night, position, *settings.minAltitude));
+        for (const Direction& target : targets)
+            report.windows.push_back(bestWindow(night, target, *settings.minAltitude));
     }
-    report.rows = makeRows(settings, instants, positions, report.windows);
+    report.rows =
+        makeRows(settings, ephemeris.pathOver(settings.site, instants), targets, report.windows);
     report.night = night;
 }
 
 }  // namespace
 
 Report makeReport(const Settings& settings) {
+    const Ephemeris& ephemeris = ephemerisOf(settings.ephemeris);
     Report report = {settings, {}, {}, {}, {}, {}};
     if (settings.mjd) {
         checkSize(1, settings.targets.size());
-        report.phases = nextPhases(*settings.mjd);
-        report.rows =
-            makeRows(settings, {*settings.mjd}, positionsOfDate(settings, *settings.mjd), {});
+        report.phases = nextPhases(ephemeris, *settings.mjd);
+        report.rows = makeRows(settings, ephemeris.pathOver(settings.site, {*settings.mjd}),
+                               directionsOfDate(settings, ephemeris, *settings.mjd), {});
     } else if (settings.nights == 0) {
         addNight(report);
     } else {
         for (unsigned i = 0; i < settings.nights; ++i) {
-            const Night night = makeNight(settings.site, settings.date + i);
-            report.nights.push_back(lineOf(night));
-            if (i == 0) report.phases = nextPhases(night.minutes.front());
+            const Night night = makeNight(ephemeris, settings.site, settings.date + i);
+            report.nights.push_back(lineOf(ephemeris, night));
+            if (i == 0) report.phases = nextPhases(ephemeris, night.instants.front());
         }
     }
     return report;

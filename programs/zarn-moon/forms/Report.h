@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "zarn-moon/night/Eclipses.h"
 #include "zarn-moon/night/Night.h"
 #include "zarn-moon/night/Rows.h"
 #include "zarn-moon/settings/Settings.h"
@@ -17,6 +18,7 @@ struct NightLine {
     double date;  ///< 0 h of the day that it begins on [MJD]
     std::vector<Event> events;
     Summary summary;
+    std::optional<Eclipse> eclipse;
 };
 
 /// The results of a run.

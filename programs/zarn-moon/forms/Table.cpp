@@ -139,9 +139,22 @@ std::string phasesText(const Report& report) {
     return text;
 }
 
+/// "total eclipse of the moon, magnitude 1.36:" and a line for each contact.
+std::string eclipseText(const Eclipse& eclipse, bool local) {
+    TextWriter text;
+    text << eclipse.kind << " eclipse of the moon";
+    if (eclipse.magnitude > 0.0) text << ", magnitude " << fixed(eclipse.magnitude, 2);
+    text << ":\n";
+    for (const auto& [name, mjd, moonUp] : eclipse.contacts) {
+        text << "  " << std::left << std::setw(19) << name << timeText(mjd, local)
+             << (moonUp ? "" : ", moon down") << '\n';
+    }
+    return text.str();
+}
+
 std::string nightText(const Report& report) {
     const Settings& settings = report.settings;
-    const auto& [date, events, summary] = report.nights.front();
+    const auto& [date, events, summary, eclipse] = report.nights.front();
     TextWriter text;
     text << "Night of " << dateOf(date) << " at " << settings.site.name << " ("
          << coordinates(settings.site) << "), times in UT\n\n";
@@ -153,6 +166,7 @@ std::string nightText(const Report& report) {
          << " lit (phase " << fixed(summary.moonPhase, 3) << ");\n"
          << fixed(summary.darkHours, 1) << " of " << fixed(summary.astronomicalHours, 1)
          << " hours with the sun below -18 degrees are without moon.\n";
+    if (eclipse) text << "\nThere is a " << eclipseText(*eclipse, settings.local);
     return text.str();
 }
 
@@ -167,7 +181,7 @@ std::string nightsTable(const Report& report) {
     const bool local = report.settings.local;
     Columns columns;
     columns.add({"night", "dark hours", "moonrise", "moonset", "lit", ""});
-    for (const auto& [date, events, summary] : report.nights) {
+    for (const auto& [date, events, summary, eclipse] : report.nights) {
         const auto times = [&inNight = events, local](const std::string& name) {
             for (const Event& event : inNight) {
                 if (event.name == name) return timesText(event.times, local, "none");
@@ -180,13 +194,24 @@ std::string nightsTable(const Report& report) {
     return columns.text();
 }
 
+/// The eclipses of many nights, nothing if there is none.
+std::string eclipsesText(const Report& report) {
+    std::string text;
+    for (const NightLine& night : report.nights) {
+        if (night.eclipse)
+            text += "\nNight of " + dateOf(night.date) + ": " +
+                    eclipseText(*night.eclipse, report.settings.local);
+    }
+    return text;
+}
+
 }  // namespace
 
 std::string tableOf(const Report& report) {
     const Settings& settings = report.settings;
     if (settings.nights > 0) {
         return settings.site.name + " (" + coordinates(settings.site) + "), times in UT\n\n" +
-               nightsTable(report) + "\n" + phasesText(report);
+               nightsTable(report) + eclipsesText(report) + "\n" + phasesText(report);
     }
     std::string text = settings.mjd ? instantText(report) : nightText(report);
     text += "\n" + phasesText(report) + "\n";

@@ -1,9 +1,8 @@
 #include "zarn-moon/night/Night.h"
 
-#include <zarnsys/util/Astronomy.h>
+#include <cmath>
 
-#include "shared/sky/Angles.h"
-#include "shared/sky/Calendar.h"
+#include "shared/sky/Units.h"
 
 namespace zarn::moon {
 
@@ -27,8 +26,8 @@ Window longest(const Night& night, const std::vector<bool>& counts, bool moonDow
     Window window = best;
     for (std::size_t i = 0; i < counts.size(); ++i) {
         if (!counts[i]) continue;
-        if (i == 0 || !counts[i - 1]) window.begin = night.minutes[i];
-        window.end = night.minutes[i];
+        if (i == 0 || !counts[i - 1]) window.begin = night.instants[i];
+        window.end = night.instants[i];
         if (window.end - window.begin > best.end - best.begin) best = window;
     }
     return best;
@@ -36,52 +35,38 @@ Window longest(const Night& night, const std::vector<bool>& counts, bool moonDow
 
 }  // namespace
 
-double sunAltitude(double mjd, double lst, double latitude) {
-    double ra = 0;
-    double dec = 0;
-    double azimuth = 0;
-    lpsun(mjd + JD_OF_MJD_0, &ra, &dec);
-    return altit(dec, adj_time(lst - ra), latitude, &azimuth);
-}
-
-double altitudeOf(const SkyPosition& target, double lst, double latitude) {
-    double azimuth = 0;
-    return altit(target.dec, adj_time(lst - target.ra / DEG_PER_HOUR), latitude, &azimuth);
-}
-
-Night makeNight(const Site& site, double date) {
-    Night night = {site, date, {}, {}, {}};
+Night makeNight(const Ephemeris& ephemeris, const Site& site, double date) {
     const double noon = noonOf(site, date);
+    std::vector<MJD_DATE> minutes;
     for (int minute = 0; minute <= static_cast<int>(MINUTES_PER_DAY); ++minute)
-        night.minutes.push_back(noon + minute / MINUTES_PER_DAY);
-    night.moon = computeMoonGrid({}, night.minutes, placeOf(site));
-    for (std::size_t i = 0; i < night.minutes.size(); ++i)
-        night.sunAltitudes.push_back(
-            sunAltitude(night.minutes[i], night.moon.siderealTime[i], site.latitude));
-    return night;
+        minutes.push_back(noon + minute / MINUTES_PER_DAY);
+    return {ephemeris.pathOver(site, minutes), site, date};
 }
+
+double middleOf(const Night& night) { return night.instants[night.instants.size() / 2]; }
 
 Summary summaryOf(const Night& night) {
     int astronomical = 0;
     int dark = 0;
-    for (std::size_t i = 1; i < night.minutes.size(); ++i) {  // the last noon is the next one's
+    for (std::size_t i = 1; i < night.instants.size(); ++i) {  // the last noon is the next one's
         if (night.sunAltitudes[i] >= ASTRONOMICAL_TWILIGHT) continue;
         ++astronomical;
         if (night.moon.altitude[i] < HORIZON) ++dark;
     }
-    const std::size_t middle = night.minutes.size() / 2;
+    const std::size_t middle = night.instants.size() / 2;
     Summary summary = {astronomical / MINUTES_PER_HOUR, dark / MINUTES_PER_HOUR,
                        night.moon.illumination[middle], night.moon.phase[middle], ""};
     summary.word = wordFor(summary);
     return summary;
 }
 
-Window bestWindow(const Night& night, const SkyPosition& target, double leastAltitude) {
+Window bestWindow(const Night& night, const Direction& target, double leastAltitude) {
+    const double least = std::sin(leastAltitude / DEG_PER_RAD);
     std::vector<bool> high;
     std::vector<bool> highWithoutMoon;
-    for (std::size_t i = 0; i < night.minutes.size(); ++i) {
-        const double altitude = altitudeOf(target, night.moon.siderealTime[i], night.site.latitude);
-        high.push_back(night.sunAltitudes[i] < ASTRONOMICAL_TWILIGHT && altitude >= leastAltitude);
+    for (std::size_t i = 0; i < night.instants.size(); ++i) {
+        high.push_back(night.sunAltitudes[i] < ASTRONOMICAL_TWILIGHT &&
+                       night.horizons[i].turned(target).x >= least);
         highWithoutMoon.push_back(high.back() && night.moon.altitude[i] < HORIZON);
     }
     constexpr double LEAST_WITHOUT_MOON = 1.0 / HOURS_PER_DAY;  // [d]

@@ -2,11 +2,10 @@
 #ifndef ZARN_MOON_NIGHT_H
 #define ZARN_MOON_NIGHT_H
 
-#include <zarnsys/util/MoonGrid.h>
-
 #include <string>
 #include <vector>
 
+#include "zarn-moon/night/Ephemeris.h"
 #include "zarn-moon/settings/Site.h"
 
 namespace zarn::moon {
@@ -17,25 +16,19 @@ inline constexpr double CIVIL_TWILIGHT = -6.0;
 inline constexpr double NAUTICAL_TWILIGHT = -12.0;
 inline constexpr double ASTRONOMICAL_TWILIGHT = -18.0;
 
-/// A night from local mean noon to the next, both included, minute by minute. Times are MJD in UT.
-struct Night {
+/// A night from local mean noon to the next, both included, minute by minute.
+struct Night : SkyPath {
     Site site;
-    double date;                       ///< 0 h of the day that it begins on [d]
-    std::vector<MJD_DATE> minutes;     ///< every minute from noon to noon
-    std::vector<double> sunAltitudes;  ///< at each of them [deg]
-    MoonGrid moon;                     ///< at each of them
+    double date;  ///< 0 h of the day that it begins on [MJD]
 };
 
 /// Computes the sun and the moon for a night.
 ///
 /// @param date  0 h of the day that it begins on [MJD]
-Night makeNight(const Site& site, double date);
+Night makeNight(const Ephemeris& ephemeris, const Site& site, double date);
 
-/// The sun's altitude [deg], without refraction.
-///
-/// @param lst       local sidereal time [h]
-/// @param latitude  of the site [deg], north positive
-double sunAltitude(double mjd, double lst, double latitude);
+/// The instant halfway between a night's two noons [MJD].
+double middleOf(const Night& night);
 
 /// Something that happens in a night: at no, one or, rarely, two times.
 struct Event {
@@ -54,7 +47,7 @@ struct Phase {
 };
 
 /// The next time of each phase after an instant [MJD], in order.
-std::vector<Phase> nextPhases(double mjd);
+std::vector<Phase> nextPhases(const Ephemeris& ephemeris, double mjd);
 
 /// How the moon affects a night.
 struct Summary {
@@ -83,13 +76,7 @@ struct Window {
 
 /// A target's best window: of the stretches with the sun below -18 degrees and the target at least
 /// at an altitude [deg], the longest without moon if it lasts an hour, else the longest.
-Window bestWindow(const Night& night, const SkyPosition& target, double leastAltitude);
-
-/// A target's altitude [deg], without refraction.
-///
-/// @param lst       local sidereal time [h]
-/// @param latitude  of the site [deg], north positive
-double altitudeOf(const SkyPosition& target, double lst, double latitude);
+Window bestWindow(const Night& night, const Direction& target, double leastAltitude);
 
 }  // namespace zarn::moon
 

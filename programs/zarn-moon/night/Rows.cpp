@@ -5,40 +5,42 @@
 #include <cmath>
 #include <optional>
 
-#include "shared/sky/Angles.h"
-#include "shared/sky/Calendar.h"
-#include "shared/sky/Precession.h"
+#include "shared/sky/Units.h"
+#include "zarnsys/util/Formulas.h"
 
 namespace zarn::moon {
 
 namespace {
 
-std::optional<double> ifNumber(double value) {
-    return std::isnan(value) ? std::nullopt : std::optional(value);
+/// The airmass at an altitude [deg], 0 at least, see `SkyGrid`.
+double airmassAt(double altitude) {
+    const double power = std::pow(altitude, formulas::AIRMASS_POWER);
+    return 1.0 / std::sin(formulas::airmassAngle(altitude, power));
 }
 
-SkyConditions conditionsOf(const Settings& settings) {
-    SkyConditions conditions;
-    conditions.extinction = settings.extinction;
-    conditions.darkSky = settings.darkSky;
-    return conditions;
+/// What the moon adds at a target above the horizon [mag per square arc second].
+std::optional<double> moonlightAt(const MoonGrid& moon, std::size_t i, double distance,
+                                  double extinction, double altitude) {
+    constexpr double NEGLIGIBLE = 99.0;
+    if (moon.altitude[i] < HORIZON) return std::nullopt;
+    const double light = lunskybright(moon.elongation[i], distance, extinction, moon.altitude[i],
+                                      altitude, moon.distance[i]);
+    return light == NEGLIGIBLE ? std::nullopt : std::optional(light);
 }
 
-/// A target's values at an instant, by their places in the grid.
-TargetValues valuesOf(const SkyGrid& sky, std::size_t i, std::size_t target, bool isDark) {
-    return {sky.altitude(i, target),
-            sky.separation(i, target),
-            ifNumber(sky.airmass(i, target)),
-            ifNumber(sky.moonlight(i, target)),
-            isDark ? ifNumber(sky.sky(i, target)) : std::nullopt,
-            false};
+/// The brightness of two lights together, of which one may be missing [mag].
+double together(double one, const std::optional<double>& other) {
+    constexpr double POGSON = -2.5;  // magnitudes per decade
+    if (!other) return one;
+    return POGSON * std::log10(std::pow(10.0, one / POGSON) + std::pow(10.0, *other / POGSON));
 }
 
 /// The row of the i-th instant, without its targets.
-Row rowOf(const Site& site, const MoonGrid& moon, std::size_t i, double mjd) {
-    return {mjd,
+Row rowOf(const SkyPath& sky, std::size_t i) {
+    const MoonGrid& moon = sky.moon;
+    return {sky.instants[i],
             moon.siderealTime[i],
-            sunAltitude(mjd, moon.siderealTime[i], site.latitude),
+            sky.sunAltitudes[i],
             moon.altitude[i],
             moon.azimuth[i],
             moon.illumination[i],
@@ -49,46 +51,57 @@ Row rowOf(const Site& site, const MoonGrid& moon, std::size_t i, double mjd) {
 
 }  // namespace
 
-std::vector<SkyPosition> positionsOfDate(const Settings& settings, double mjd) {
-    std::vector<SkyPosition> positions;
-    for (const Target& target : settings.targets) {
-        const Position position = settings.equinox == Equinox::OF_DATE
-                                      ? target.position
-                                      : precessed(target.position, J2000_EPOCH, mjd);
-        positions.push_back({position.ra, position.dec});
-    }
-    return positions;
+std::vector<Direction> directionsOfDate(const Settings& settings, const Ephemeris& ephemeris,
+                                        double mjd) {
+    std::vector<Position> positions;
+    for (const Target& target : settings.targets) positions.push_back(target.position);
+    return ephemeris.directionsOfDate(positions, settings.equinox, mjd);
 }
 
-std::vector<MJD_DATE> instantsOf(const Night& night, double stepMinutes) {
-    const double begin = night.minutes.front();
+TargetValues valuesOf(const Settings& settings, const SkyPath& sky, std::size_t i,
+                      const Direction& target) {
+    const Direction direction = sky.horizons[i].turned(target);
+    TargetValues values = {};
+    values.altitude = altitudeOf(direction);
+    values.moonDistance = angleBetween(direction, sky.moonDirections[i]);
+    if (values.altitude < 0.0) return values;
+    values.airmass = airmassAt(values.altitude);
+    values.moonSky =
+        moonlightAt(sky.moon, i, values.moonDistance, settings.extinction, values.altitude);
+    if (sky.sunAltitudes[i] < ASTRONOMICAL_TWILIGHT)
+        values.sky = together(settings.darkSky, values.moonSky);
+    return values;
+}
+
+std::vector<MJD_DATE> instantsOf(const Ephemeris& ephemeris, const Night& night,
+                                 double stepMinutes) {
+    const double begin = night.instants.front();
     const double day = std::floor(begin);
-    const Site& site = night.site;
     const double minutesBefore = (begin - day) * MINUTES_PER_DAY;
+    const auto at = [&](int step) { return day + step * stepMinutes / MINUTES_PER_DAY; };
+    std::vector<MJD_DATE> steps;
+    for (auto step = static_cast<int>(std::ceil(minutesBefore / stepMinutes));
+         at(step) <= night.instants.back(); ++step)
+        steps.push_back(at(step));
+    const SkyPath sky = ephemeris.pathOver(night.site, steps);
     std::vector<MJD_DATE> instants;
-    for (auto step = static_cast<int>(std::ceil(minutesBefore / stepMinutes));; ++step) {
-        const double mjd = day + step * stepMinutes / MINUTES_PER_DAY;
-        if (mjd > night.minutes.back()) return instants;
-        const double sidereal = lst(mjd + JD_OF_MJD_0, site.longitude / DEG_PER_HOUR);
-        if (sunAltitude(mjd, sidereal, site.latitude) < HORIZON) instants.push_back(mjd);
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        if (sky.sunAltitudes[i] < HORIZON) instants.push_back(steps[i]);
     }
+    return instants;
 }
 
-std::vector<Row> makeRows(const Settings& settings, const std::vector<MJD_DATE>& instants,
-                          const std::vector<SkyPosition>& targets,
+std::vector<Row> makeRows(const Settings& settings, const SkyPath& sky,
+                          const std::vector<Direction>& targets,
                           const std::vector<Window>& windows) {
-    const Site& site = settings.site;
-    const MoonGrid moon = computeMoonGrid({}, instants, placeOf(site));
-    const SkyGrid sky = computeSkyGrid(targets, instants, placeOf(site), conditionsOf(settings));
     std::vector<Row> rows;
-    for (std::size_t i = 0; i < instants.size(); ++i) {
-        Row row = rowOf(site, moon, i, instants[i]);
-        const bool isDark = row.sunAltitude < ASTRONOMICAL_TWILIGHT;
+    for (std::size_t i = 0; i < sky.instants.size(); ++i) {
+        Row row = rowOf(sky, i);
         for (std::size_t t = 0; t < targets.size(); ++t) {
-            row.targets.push_back(valuesOf(sky, i, t, isDark));
+            row.targets.push_back(valuesOf(settings, sky, i, targets[t]));
             if (!windows.empty()) {
                 row.targets.back().best =
-                    instants[i] >= windows[t].begin && instants[i] <= windows[t].end;
+                    sky.instants[i] >= windows[t].begin && sky.instants[i] <= windows[t].end;
             }
         }
         rows.push_back(std::move(row));

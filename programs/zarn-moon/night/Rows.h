@@ -35,18 +35,23 @@ struct Row {
     std::vector<TargetValues> targets;  ///< in the order of the settings
 };
 
-/// The targets' positions in the equinox of the date `mjd`.
-std::vector<SkyPosition> positionsOfDate(const Settings& settings, double mjd);
+/// The directions of the settings' targets at a date [MJD].
+std::vector<Direction> directionsOfDate(const Settings& settings, const Ephemeris& ephemeris,
+                                        double mjd);
+
+/// The values of a target at the i-th instant of a path, which may be that of a whole night.
+TargetValues valuesOf(const Settings& settings, const SkyPath& sky, std::size_t i,
+                      const Direction& target);
 
 /// The instants of a night's table [MJD]: from sunset to sunrise, whole steps after 0 h UT.
-std::vector<MJD_DATE> instantsOf(const Night& night, double stepMinutes);
+std::vector<MJD_DATE> instantsOf(const Ephemeris& ephemeris, const Night& night,
+                                 double stepMinutes);
 
-/// The rows of a table.
+/// The rows of a table, one per instant of the path.
 ///
-/// @param targets  in the equinox of date
 /// @param windows  the best window of each target; empty: not asked for
-std::vector<Row> makeRows(const Settings& settings, const std::vector<MJD_DATE>& instants,
-                          const std::vector<SkyPosition>& targets,
+std::vector<Row> makeRows(const Settings& settings, const SkyPath& sky,
+                          const std::vector<Direction>& targets,
                           const std::vector<Window>& windows);
 
 }  // namespace zarn::moon

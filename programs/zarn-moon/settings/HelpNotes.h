@@ -20,7 +20,12 @@ stretch without moon if it lasts an hour or more, else the longest stretch.
 
 Times are in UT. Tonight begins at the last local mean noon. The sun and the moon
 rise and set when the upper limb does: with the centre at -0.833 degrees. All
-altitudes are without refraction.
+altitudes are without refraction. An eclipse of the moon is told if the moon is up
+for some of it. The lit fraction is that seen from the site; almanacs print that
+seen from the Earth's centre, up to 0.01 more or less.
+
+Sun and moon are where almanacs have them. With --ephemeris library they are where
+zarn-ingest --moon has them, which is up to 0.38 degrees and some minutes off.
 
 "moon sky" is what the moon adds at a target, "sky" is the total, both in V
 magnitudes per square arc second. The model does not cover twilight or targets

@@ -64,6 +64,8 @@ inline constexpr SettingRow<Settings> SETTINGS[] = {
      MoonKinds::OptionalNumber{&Settings::minAltitude, 0.0, ZENITH}},
 
     // The sky.
+    {"ephemeris", NO_LETTER, "erfa|library", "Theory of sun and moon",
+     choice<&Settings::ephemeris, Settings>()},
     {"dark-sky", NO_LETTER, "V", "Sky brightness without moon [V mag per square arc second]",
      MoonKinds::Number{&Settings::darkSky, BRIGHTEST_DARK_SKY, DARKEST_SKY}},
     {"extinction", 'k', "X", "Extinction at the zenith [mag per airmass]",

@@ -21,11 +21,15 @@ enum class Format { TABLE, CSV, JSON };
 /// To which equinox the targets' positions refer, in the order of the option's words.
 enum class Equinox { J2000, OF_DATE };
 
+/// Theories of sun and moon, in the order of the option's words.
+enum class Theory { ERFA, LIBRARY };
+
 /// Everything that options set. A member holds its default until then.
 struct Settings {
     Site site = {};
     std::vector<Target> targets;
     Equinox equinox = Equinox::J2000;
+    Theory ephemeris = Theory::ERFA;
 
     double date = 0.0;          ///< 0 h of the day that the night begins on [MJD]
     std::optional<double> mjd;  ///< one instant instead of a night [d]

@@ -10,9 +10,10 @@ namespace zarn::moon {
 
 /// A site on the Earth.
 struct Site {
-    std::string name;  ///< as messages and results call it
-    double latitude;   ///< [deg], north positive
-    double longitude;  ///< [deg], WEST positive
+    std::string name;        ///< as messages and results call it
+    double latitude;         ///< [deg], north positive
+    double longitude;        ///< [deg], WEST positive
+    double elevation = 0.0;  ///< above the sea [m]
 };
 
 /// The site of a telescope.
