@@ -90,6 +90,9 @@ testTargetsFromAFile() {
     run 0 -T OLAN --targets pipe --mjd 61000 --format csv
     wait
     check "a pipe's target" [ "$(tail -n 1 out.txt | cut -d, -f 10-12)" = a,1.00000,2.00000 ]
+    printf 'caf\xe9 \xc3\xa9\xff,1,2' >latin.csv
+    run 0 -T OLAN --targets latin.csv --mjd 61000 --format csv
+    check "UTF-8 throughout" [ "$(tail -n 1 out.txt | cut -d, -f 10)" = $'caf\xef\xbf\xbd \xc3\xa9\xef\xbf\xbd' ]
     : >empty.csv
     complains 2 'option --targets: there is no target in empty.csv; see zarn-moon --help' -T OLAN --targets empty.csv
     complains 2 'option --targets: a\x0Ab cannot be read: No such file or directory; see zarn-moon --help' \

@@ -54,12 +54,12 @@ Cells instantCells(const Settings& settings, const Row& row) {
 }
 
 Cells targetCells(const Report& report, const Target& target, const TargetValues& values) {
-    return {target.name,
+    return {asUtf8(target.name),
             fixedOnCircle(target.position.ra, POSITION_DECIMALS, FULL_CIRCLE),
             fixed(target.position.dec, POSITION_DECIMALS),
             fixed(values.altitude, ANGLE_DECIMALS),
             fixedOr(values.airmass, FRACTION_DECIMALS, ""),
-            fixed(values.moonDistance, ANGLE_DECIMALS),
+            fixed(values.moonDistance, SEPARATION_DECIMALS),
             fixedOr(values.moonSky, BRIGHTNESS_DECIMALS, ""),
             fixedOr(values.sky, BRIGHTNESS_DECIMALS, ""),
             report.windows.empty() ? "" : word(values.best)};

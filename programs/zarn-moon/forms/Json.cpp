@@ -71,7 +71,7 @@ Json targetOf(const Report& report, std::size_t i) {
 Json valuesOf(const TargetValues& values) {
     return {{"alt_deg", rounded(values.altitude, ANGLE_DECIMALS)},
             {"airmass", orNull(values.airmass, FRACTION_DECIMALS)},
-            {"moon_dist_deg", rounded(values.moonDistance, ANGLE_DECIMALS)},
+            {"moon_dist_deg", rounded(values.moonDistance, SEPARATION_DECIMALS)},
             {"moon_sky_mag", orNull(values.moonSky, BRIGHTNESS_DECIMALS)},
             {"sky_mag", orNull(values.sky, BRIGHTNESS_DECIMALS)}};
 }

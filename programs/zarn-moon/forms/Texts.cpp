@@ -6,6 +6,7 @@
 #include <ctime>
 #include <iomanip>
 #include <limits>
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <stdexcept>
 
@@ -36,6 +37,12 @@ std::string fixedOr(const std::optional<double>& number, int decimals, const std
 std::string fixedOnCircle(double number, int decimals, double circle) {
     const std::string text = fixed(number, decimals);
     return text == fixed(circle, decimals) ? fixed(0.0, decimals) : text;
+}
+
+std::string asUtf8(const std::string& text) {
+    using Json = nlohmann::json;
+    const std::string quoted = Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
+    return Json::parse(quoted).get<std::string>();
 }
 
 std::string keyOf(std::string name) {

@@ -8,7 +8,8 @@
 namespace zarn::moon {
 
 /// Decimals of the numbers in CSV and JSON.
-inline constexpr int ANGLE_DECIMALS = 4;       ///< of altitudes, azimuths and distances [deg]
+inline constexpr int ANGLE_DECIMALS = 4;       ///< of altitudes and azimuths [deg]
+inline constexpr int SEPARATION_DECIMALS = 2;  ///< of distances from the moon [deg]
 inline constexpr int POSITION_DECIMALS = 5;    ///< of right ascensions and declinations [deg]
 inline constexpr int SIDEREAL_DECIMALS = 5;    ///< of sidereal times [h]
 inline constexpr int HOURS_DECIMALS = 2;       ///< of parts of a night [h]
@@ -30,6 +31,9 @@ std::string fixedOr(const std::optional<double>& number, int decimals, const std
 
 /// The same for a number on a circle: what would be rounded up to the full circle is 0.
 std::string fixedOnCircle(double number, int decimals, double circle);
+
+/// A text as UTF-8: the replacement character U+FFFD takes the place of what is none.
+std::string asUtf8(const std::string& text);
 
 /// The name of an event as a key: "civil_dusk" for "civil dusk".
 std::string keyOf(std::string name);
