@@ -130,12 +130,7 @@ int runProgram(int argc, char** argv) {
     ignoreWriteSignals();
     setPriorityMask(ERROR_AND_ABOVE);
     CommandLine commandLine(argumentsOf("zarn-ingest", argc, argv));
-    const int status = runReporting(commandLine);
-    if (!std::cout.flush()) {
-        std::cerr << "zarn-ingest: cannot write to standard output\n";
-        return EXIT_SOME_FAILED;
-    }
-    return status;
+    return finishOutput("zarn-ingest", runReporting(commandLine));
 }
 
 }  // namespace

@@ -82,12 +82,7 @@ int runProgram(int argc, char** argv) {
     ignoreWriteSignals();
     setPriorityMask(ERROR_AND_ABOVE);
     CommandLine commandLine(argumentsOf("zarn-moon", argc, argv));
-    const int status = runReporting(commandLine);
-    if (!std::cout.flush()) {
-        std::cerr << "zarn-moon: cannot write to standard output\n";
-        return EXIT_FAILURE;
-    }
-    return status;
+    return finishOutput("zarn-moon", runReporting(commandLine));
 }
 
 }  // namespace

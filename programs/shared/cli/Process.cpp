@@ -2,11 +2,23 @@
 
 #include <ace/Log_Msg.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <iostream>
 
 namespace zarn {
+
+namespace {
+
+/// Whether a descriptor leads into a pipe that nobody reads from any more.
+bool readerLeft(int fd) {
+    pollfd pipe = {fd, 0, 0};
+    return ::poll(&pipe, 1, 0) == 1 && (pipe.revents & POLLERR) != 0;
+}
+
+}  // namespace
 
 const u_long ERROR_AND_ABOVE = LM_ERROR | LM_CRITICAL | LM_ALERT | LM_EMERGENCY;
 
@@ -23,6 +35,17 @@ std::vector<const char*> argumentsOf(const char* program, int argc, char** argv)
 
 void ignoreWriteSignals() {
     for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);
+}
+
+int finishOutput(const std::string& program, int status) {
+    if (std::cout.flush()) return status;
+    if (readerLeft(STDOUT_FILENO)) {
+        std::signal(SIGPIPE, SIG_DFL);
+        std::raise(SIGPIPE);
+        return EXIT_SIGNAL + SIGPIPE;  // while the signal is blocked
+    }
+    std::cerr << program + ": cannot write to standard output\n";
+    return EXIT_SOME_FAILED;
 }
 
 void reserveStandardStreams() {

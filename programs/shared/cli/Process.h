@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <string>
 #include <vector>
 
 namespace zarn {
@@ -26,6 +27,13 @@ std::vector<const char*> argumentsOf(const char* program, int argc, char** argv)
 /// Lets a write to a closed pipe or beyond a file size limit fail with an error, instead of ending
 /// the process by a signal.
 void ignoreWriteSignals();
+
+/// Flushes standard output at the end of a program and gives its exit status. When the reader of a
+/// pipe has left, as `head` does, it ends the process quietly by SIGPIPE, as other filters end; any
+/// other failure is reported and becomes status 1.
+///
+/// @param status  the exit status unless standard output fails
+int finishOutput(const std::string& program, int status);
 
 /// Fills closed standard streams, so that no other file gets their descriptors. Each is opened in
 /// the wrong direction: its use still fails, as it would have.

@@ -144,7 +144,7 @@ std::string nightText(const Report& report) {
     const auto& [date, events, summary] = report.nights.front();
     std::ostringstream text;
     text << "Night of " << dateOf(date) << " at " << settings.site.name << " ("
-         << coordinates(settings.site) << "), times in UT\n\n";
+         << coordinates(settings.site) << "), times in UT, to the nearest minute\n\n";
     for (const Event& event : events) {
         text << "  " << std::left << std::setw(19) << event.name
              << timesText(event.times, settings.local, "none in this night") << '\n';
@@ -185,7 +185,7 @@ std::string nightsTable(const Report& report) {
 std::string tableOf(const Report& report) {
     const Settings& settings = report.settings;
     if (settings.nights > 0) {
-        return settings.site.name + " (" + coordinates(settings.site) + "), times in UT\n\n" +
+        return settings.site.name + " (" + coordinates(settings.site) + "), times in UT, to the nearest minute\n\n" +
                nightsTable(report) + "\n" + phasesText(report);
     }
     std::string text = settings.mjd ? instantText(report) : nightText(report);

@@ -15,12 +15,14 @@ bright it is, how far it is from each target, and how much light it adds there.
 
 Write positions in degrees, or sexagesimal; a sexagesimal right ascension is in
 hours. Positions refer to J2000 and are precessed to the night. In a file of
-targets, lines that begin with # are ignored. The best window is the longest
-stretch without moon if it lasts an hour or more, else the longest stretch.
+targets, lines that begin with # are ignored. The best window is, of the stretches
+with the sun below -18 degrees and the target high enough, the longest without
+moon if that lasts an hour or more, else the longest of all.
 
-Times are in UT. Tonight begins at the last local mean noon. The sun and the moon
-rise and set when the upper limb does: with the centre at -0.833 degrees. All
-altitudes are without refraction.
+Times are in UT, those of events, phases and windows rounded to the nearest
+minute; sidereal times are cut to the minute. Tonight begins at the last local
+mean noon. The sun and the moon rise and set when the upper limb does: with the
+centre at -0.833 degrees. All altitudes are without refraction.
 
 "moon sky" is what the moon adds at a target, "sky" is the total, both in V
 magnitudes per square arc second. The model does not cover twilight or targets
