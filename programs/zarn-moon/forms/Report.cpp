@@ -23,7 +23,7 @@ void addNight(Report& report) {
     const Settings& settings = report.settings;
     const Night night = makeNight(settings.site, settings.date);
     report.nights.push_back(lineOf(night));
-    report.phases = nextPhases(night.minutes.front());
+    report.phases = nextPhases(night.minutes.front(), night.minutes.back());
     const std::vector<MJD_DATE> instants = instantsOf(night, settings.step);
     checkSize(instants.size(), settings.targets.size());
     const std::size_t middle = night.minutes.size() / 2;
@@ -42,16 +42,17 @@ Report makeReport(const Settings& settings) {
     Report report = {settings, {}, {}, {}, {}, {}};
     if (settings.mjd) {
         checkSize(1, settings.targets.size());
-        report.phases = nextPhases(*settings.mjd);
+        report.phases = nextPhases(*settings.mjd, *settings.mjd);
         report.rows =
             makeRows(settings, {*settings.mjd}, positionsOfDate(settings, *settings.mjd), {});
     } else if (settings.nights == 0) {
         addNight(report);
     } else {
+        const double begin = noonOf(settings.site, settings.date);
+        report.phases = nextPhases(begin, begin + settings.nights);
         for (unsigned i = 0; i < settings.nights; ++i) {
             const Night night = makeNight(settings.site, settings.date + i);
             report.nights.push_back(lineOf(night));
-            if (i == 0) report.phases = nextPhases(night.minutes.front());
         }
     }
     return report;

@@ -23,7 +23,7 @@ struct NightLine {
 struct Report {
     Settings settings;
     std::vector<NightLine> nights;  ///< the one, or as many as asked for; empty for an instant
-    std::vector<Phase> phases;      ///< the next four after the beginning
+    std::vector<Phase> phases;      ///< those of the nights, the next four at least
     std::vector<Row> rows;          ///< of the night or instant; empty for several nights
     std::vector<Window> windows;    ///< of each target; empty: not asked for
     std::optional<Night> night;     ///< minute by minute, if it is the only one

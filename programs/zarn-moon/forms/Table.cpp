@@ -185,8 +185,9 @@ std::string nightsTable(const Report& report) {
 std::string tableOf(const Report& report) {
     const Settings& settings = report.settings;
     if (settings.nights > 0) {
-        return settings.site.name + " (" + coordinates(settings.site) + "), times in UT, to the nearest minute\n\n" +
-               nightsTable(report) + "\n" + phasesText(report);
+        return settings.site.name + " (" + coordinates(settings.site) +
+               "), times in UT, to the nearest minute\n\n" + nightsTable(report) + "\n" +
+               phasesText(report);
     }
     std::string text = settings.mjd ? instantText(report) : nightText(report);
     text += "\n" + phasesText(report) + "\n";

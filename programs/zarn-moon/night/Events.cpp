@@ -74,18 +74,19 @@ std::vector<Event> eventsOf(const Night& night) {
     return events;
 }
 
-std::vector<Phase> nextPhases(double mjd) {
+std::vector<Phase> nextPhases(double mjd, double end) {
     constexpr int PHASES_PER_LUNATION = 4;
     int lunation = 0;
     lun_age(mjd + JD_OF_MJD_0, &lunation);
     std::vector<Phase> phases;
-    for (int quarter = 0; phases.size() < std::size(PHASES); ++quarter) {
+    for (int quarter = 0;; ++quarter) {
         const int phase = quarter % PHASES_PER_LUNATION;
         double jd = 0;
         flmoon(lunation + quarter / PHASES_PER_LUNATION, phase, &jd);
-        if (jd - JD_OF_MJD_0 > mjd) phases.push_back({PHASES[phase], jd - JD_OF_MJD_0});
+        const double time = jd - JD_OF_MJD_0;
+        if (time > end && phases.size() >= std::size(PHASES)) return phases;
+        if (time > mjd) phases.push_back({PHASES[phase], time});
     }
-    return phases;
 }
 
 }  // namespace zarn::moon

@@ -53,8 +53,8 @@ struct Phase {
     double mjd;
 };
 
-/// The next time of each phase after an instant [MJD], in order.
-std::vector<Phase> nextPhases(double mjd);
+/// The phases after an instant [MJD] and up to an end, in order; the next time of each at least.
+std::vector<Phase> nextPhases(double mjd, double end);
 
 /// How the moon affects a night.
 struct Summary {
