@@ -52,6 +52,11 @@ testWholeOutputs() {
     done <"$data/outputs.txt"
     run 0 -p "75N 25E" -d 2026-06-21
     check "a day without a table" [ "$(tail -n 1 out.txt)" = 'The sun does not set: no table.' ]
+    check "polar day is said" grep -qx 'The sun stays up all day.' out.txt
+    run 0 -p "88N 25E" -d 2026-12-21
+    check "no twilight" grep -qx 'The sun stays below the horizon all day, without twilight.' out.txt
+    run 0 -p "60N 25E" -d 2026-06-21 -s 720 -p "60N 100E"
+    check "a step beyond the night" [ "$(tail -n 1 out.txt)" = 'No step falls between sunset and sunrise: no table.' ]
     drawing 0 -p "75N 25E" -d 2026-06-21 --plot day.svg
     # A point each four minutes of 24 hours, and one colour.
     check "the whole day is drawn" [ "$(grep -c '^[0-9]' script) $(grep -c rectangle script)" = '361 1' ]

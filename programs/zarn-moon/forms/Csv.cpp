@@ -99,7 +99,8 @@ Cells nightTitles(const Report& report) {
         titles.push_back(keyOf(event.name));
         if (report.settings.local) titles.push_back(keyOf(event.name) + "_local");
     }
-    for (const char* title : {"astronomical_hours", "dark_hours", "illumination", "phase", "word"})
+    for (const char* title :
+         {"astronomical_hours", "dark_hours", "illumination", "phase", "word", "sun", "twilights"})
         titles.emplace_back(title);
     return titles;
 }
@@ -115,6 +116,8 @@ Cells nightCells(const NightLine& night, bool local) {
     cells.push_back(fixed(night.summary.illumination, FRACTION_DECIMALS));
     cells.push_back(fixed(night.summary.moonPhase, FRACTION_DECIMALS));
     cells.push_back(night.summary.word);
+    cells.push_back(keyOf(night.daylight.course));
+    cells.push_back(joined(night.daylight.twilights));
     return cells;
 }
 

@@ -48,6 +48,8 @@ Json nightOf(const NightLine& line, bool local) {
             {"dark_hours", rounded(summary.darkHours, HOURS_DECIMALS)},
             {"illumination", rounded(summary.illumination, FRACTION_DECIMALS)},
             {"phase", rounded(summary.moonPhase, FRACTION_DECIMALS)},
+            {"sun", keyOf(line.daylight.course)},
+            {"twilights", line.daylight.twilights},
             {"events", events}};
 }
 

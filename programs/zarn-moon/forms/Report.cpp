@@ -16,7 +16,9 @@ void checkSize(std::size_t instants, std::size_t targets) {
     }
 }
 
-NightLine lineOf(const Night& night) { return {night.date, eventsOf(night), summaryOf(night)}; }
+NightLine lineOf(const Night& night) {
+    return {night.date, eventsOf(night), summaryOf(night), daylightOf(night)};
+}
 
 /// Fills in the report on a single night.
 void addNight(Report& report) {

@@ -17,6 +17,7 @@ struct NightLine {
     double date;  ///< 0 h of the day that it begins on [MJD]
     std::vector<Event> events;
     Summary summary;
+    Daylight daylight;
 };
 
 /// The results of a run.

@@ -139,9 +139,19 @@ std::string phasesText(const Report& report) {
     return text;
 }
 
+/// What is said of a day on which the sun neither rises nor sets; else nothing.
+std::string polarText(const Daylight& daylight) {
+    if (daylight.course == SunCourse::SETS) return "";
+    if (daylight.course == SunCourse::UP) return "The sun stays up all day.\n";
+    const std::string twilight = daylight.twilights.empty()
+                                     ? "without twilight"
+                                     : "with " + daylight.twilights.front() + " twilight at best";
+    return "The sun stays below the horizon all day, " + twilight + ".\n";
+}
+
 std::string nightText(const Report& report) {
     const Settings& settings = report.settings;
-    const auto& [date, events, summary] = report.nights.front();
+    const auto& [date, events, summary, daylight] = report.nights.front();
     std::ostringstream text;
     text << "Night of " << dateOf(date) << " at " << settings.site.name << " ("
          << coordinates(settings.site) << "), times in UT, to the nearest minute\n\n";
@@ -149,8 +159,9 @@ std::string nightText(const Report& report) {
         text << "  " << std::left << std::setw(19) << event.name
              << timesText(event.times, settings.local, "none in this night") << '\n';
     }
-    text << "\nA " << summary.word << " night: the moon is " << percent(summary.illumination)
-         << " lit (phase " << fixed(summary.moonPhase, 3) << ");\n"
+    text << '\n'
+         << polarText(daylight) << "A " << summary.word << " night: the moon is "
+         << percent(summary.illumination) << " lit (phase " << fixed(summary.moonPhase, 3) << ");\n"
          << fixed(summary.darkHours, 1) << " of " << fixed(summary.astronomicalHours, 1)
          << " hours with the sun below -18 degrees are without moon.\n";
     return text.str();
@@ -162,12 +173,16 @@ std::string instantText(const Report& report) {
            " UT at " + settings.site.name + " (" + coordinates(settings.site) + ")\n";
 }
 
+std::string polarWords(SunCourse course) {
+    return course == SunCourse::SETS ? "" : "sun " + keyOf(course) + " all day";
+}
+
 /// One line per night.
 std::string nightsTable(const Report& report) {
     const bool local = report.settings.local;
     Columns columns;
-    columns.add({"night", "dark hours", "moonrise", "moonset", "lit", ""});
-    for (const auto& [date, events, summary] : report.nights) {
+    columns.add({"night", "dark hours", "moonrise", "moonset", "lit", "", ""});
+    for (const auto& [date, events, summary, daylight] : report.nights) {
         const auto times = [&inNight = events, local](const std::string& name) {
             for (const Event& event : inNight) {
                 if (event.name == name) return timesText(event.times, local, "none");
@@ -175,9 +190,15 @@ std::string nightsTable(const Report& report) {
             return std::string();
         };
         columns.add({dateOf(date), fixed(summary.darkHours, 1), times("moonrise"), times("moonset"),
-                     percent(summary.illumination), summary.word});
+                     percent(summary.illumination), summary.word, polarWords(daylight.course)});
     }
     return columns.text();
+}
+
+/// Why a night's table has no row.
+std::string emptyTableText(SunCourse course) {
+    return course == SunCourse::UP ? "The sun does not set: no table.\n"
+                                   : "No step falls between sunset and sunrise: no table.\n";
 }
 
 }  // namespace
@@ -191,7 +212,7 @@ std::string tableOf(const Report& report) {
     }
     std::string text = settings.mjd ? instantText(report) : nightText(report);
     text += "\n" + phasesText(report) + "\n";
-    if (report.rows.empty()) return text + "The sun does not set: no table.\n";
+    if (report.rows.empty()) return text + emptyTableText(report.nights.front().daylight.course);
     text += skyTable(report);
     for (std::size_t i = 0; i < settings.targets.size(); ++i) {
         text += "\n" + targetTitle(settings, settings.targets[i]) + "\n";

@@ -45,6 +45,17 @@ std::string asUtf8(const std::string& text) {
     return Json::parse(quoted).get<std::string>();
 }
 
+std::string keyOf(SunCourse course) {
+    if (course == SunCourse::SETS) return "sets";
+    return course == SunCourse::UP ? "up" : "down";
+}
+
+std::string joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+    return text;
+}
+
 std::string keyOf(std::string name) {
     std::replace(name.begin(), name.end(), ' ', '_');
     return name;

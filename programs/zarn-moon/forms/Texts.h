@@ -4,6 +4,9 @@
 
 #include <optional>
 #include <string>
+#include <vector>
+
+#include "zarn-moon/night/Night.h"
 
 namespace zarn::moon {
 
@@ -34,6 +37,12 @@ std::string fixedOnCircle(double number, int decimals, double circle);
 
 /// A text as UTF-8: the replacement character U+FFFD takes the place of what is none.
 std::string asUtf8(const std::string& text);
+
+/// Where the sun is all day, as a key: "sets", "up" or "down".
+std::string keyOf(SunCourse course);
+
+/// Words with blanks between them.
+std::string joined(const std::vector<std::string>& words);
 
 /// The name of an event as a key: "civil_dusk" for "civil dusk".
 std::string keyOf(std::string name);

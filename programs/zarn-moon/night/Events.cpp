@@ -1,5 +1,6 @@
 #include <zarnsys/util/Astronomy.h>
 
+#include <algorithm>
 #include <cmath>
 #include <iterator>
 
@@ -59,6 +60,16 @@ constexpr struct {
     {"sunrise", HORIZON, true},
 };
 
+// The sun's altitude in a twilight: below the one and not below the other.
+constexpr struct {
+    const char* name;
+    double top, bottom;
+} TWILIGHTS[] = {
+    {"civil", HORIZON, CIVIL_TWILIGHT},
+    {"nautical", CIVIL_TWILIGHT, NAUTICAL_TWILIGHT},
+    {"astronomical", NAUTICAL_TWILIGHT, ASTRONOMICAL_TWILIGHT},
+};
+
 constexpr const char* PHASES[] = {"new moon", "first quarter", "full moon", "last quarter"};
 
 }  // namespace
@@ -72,6 +83,22 @@ std::vector<Event> eventsOf(const Night& night) {
     events.push_back({"moon transit", crossings(night, westOfMeridian(night.moon), true)});
     events.push_back({"moonset", crossings(night, moon, false)});
     return events;
+}
+
+Daylight daylightOf(const Night& night) {
+    const auto& sun = night.sunAltitudes;
+    const auto [lowest, highest] = std::minmax_element(sun.begin(), sun.end());
+    Daylight daylight = {SunCourse::SETS, {}};
+    if (*lowest >= HORIZON) daylight.course = SunCourse::UP;
+    if (*highest < HORIZON) daylight.course = SunCourse::DOWN;
+    for (const auto& twilight : TWILIGHTS) {
+        const auto isIn = [&twilight](double altitude) {
+            return altitude < twilight.top && altitude >= twilight.bottom;
+        };
+        if (std::any_of(sun.begin(), sun.end(), isIn))
+            daylight.twilights.emplace_back(twilight.name);
+    }
+    return daylight;
 }
 
 std::vector<Phase> nextPhases(double mjd, double end) {
