@@ -62,6 +62,12 @@ testWholeOutputs() {
     check "the whole day is drawn" [ "$(grep -c '^[0-9]' script) $(grep -c rectangle script)" = '361 1' ]
     run 0 -p "75N 25E" -d 2026-12-21 -s 60 --format csv
     check "a night without sunset lasts a day" [ "$(wc -l <out.txt)" = 25 ]
+    # 15:10 to 7:07 UT: each other hour, with that of a clock 2 h ahead, from 20:00 UT on 2:30 h behind.
+    TZ='XYZ-2ABC2:30,J354/22,J300' drawing 0 -p "42.5N 12.3E" -d 2026-12-20 --local --plot night.svg
+    check "the axis has local times" diff <(grep -E 'xtics|xlabel' script) - <<'SCRIPT'
+set xtics ("16:00\n18:00" '1797782400', "18:00\n20:00" '1797789600', "20:00\n17:30" '1797796800', "22:00\n19:30" '1797804000', "00:00\n21:30" '1797811200', "02:00\n23:30" '1797818400', "04:00\n01:30" '1797825600', "06:00\n03:30" '1797832800')
+set xlabel 'UT, and local time (XYZ, then ABC) from 2026-12-20' noenhanced offset 0,-1
+SCRIPT
     run 0 --help; silent; golden help.txt out.txt
     run 0 --version; silent; check "version" grep -qxE 'zarn-moon [0-9]+\.[0-9]+\.[0-9]+' out.txt
     # Without a date, the night of now: at 0 degrees it begins at 12 h UT.
@@ -106,10 +112,21 @@ testTargetsFromAFile() {
 }
 
 testWrongUsage() {
-    local words reason
+    local words reason name
     while IFS='|' read -r words reason; do
         eval "complains 2 \"\$reason; see zarn-moon --help\" $words"
     done <"$data/wrong-usage.txt"
+    # Only --local looks at the time zone.
+    for name in Europe/Romee XYZ XYZ-2:30x XYZ-2ABC,M1.1.1 ../zoneinfo "$(printf 'XYZ-%099d' 2)"; do
+        TZ=$name run 0 -T OLAN --mjd 61000
+        TZ=$name complains 2 "--local: TZ, \"$name\", is not a time zone of this system's tz database, or one such as XYZ-2:30; see zarn-moon --help" \
+            -T OLAN --local
+    done
+    mkdir -p zones/Here; printf 'TZif2' >zones/Here/There; echo no zone >zones/Here/Else
+    for name in '' UTC :UTC '<+0230>-2:30' NST3:30NDT,M3.2.0,M11.1.0 ABC12DEF,J60,300/-1 ABC2DEF Here/There "$PWD/zones/Here/There"; do
+        TZDIR=$PWD/zones TZ=$name run 0 -T OLAN --mjd 61000 --local
+    done
+    TZDIR=$PWD/zones TZ=Here/Else run 2 -T OLAN --mjd 61000 --local
     # The limits themselves.
     while read -r words; do
         eval "run 0 $words -o limit.txt"; silent

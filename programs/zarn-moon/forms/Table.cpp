@@ -18,7 +18,7 @@ const std::size_t DATE_LENGTH = std::string("YYYY-MM-DDT").size();
 std::string timeText(double mjd, bool local) {
     std::string text = minuteOf(mjd);
     text.replace(text.find('T'), 1, " ");
-    return local ? text + " (" + localTime(nearestMinute(mjd), "%H:%M %Z") + ")" : text;
+    return local ? text + " (" + localClock(nearestMinute(mjd), "%H:%M %Z") + ")" : text;
 }
 
 std::string timesText(const std::vector<double>& times, bool local, const std::string& absent) {
@@ -54,7 +54,7 @@ std::vector<std::string> timeCells(double mjd, const Settings& settings) {
     const bool minutes = isWholeMinutes(settings);
     const std::string time = minutes ? clockText(mjd) : secondOf(mjd).substr(DATE_LENGTH);
     std::vector<std::string> cells = {time};
-    if (settings.local) cells.push_back(localTime(mjd, minutes ? "%H:%M" : "%H:%M:%S"));
+    if (settings.local) cells.push_back(localClock(mjd, minutes ? "%H:%M" : "%H:%M:%S"));
     return cells;
 }
 
@@ -94,10 +94,17 @@ std::string skyText(const Row& row, const TargetValues& values) {
     return fixedOr(values.sky, 2, row.sunAltitude < HORIZON ? "twilight" : "daylight");
 }
 
-std::string windowText(const Window& window, double least) {
+/// A window's local times.
+std::string localSpan(const Window& window) {
+    return localClock(nearestMinute(window.begin), "%H:%M") + " to " +
+           localClock(nearestMinute(window.end), "%H:%M %Z");
+}
+
+std::string windowText(const Window& window, double least, bool local) {
     const std::string what = "best window, at least " + fixed(least, 1) + " degrees high: ";
     if (window.begin == window.end) return what + "none";
-    return what + clockText(window.begin) + " to " + clockText(window.end) + " UT, moon " +
+    return what + clockText(window.begin) + " to " + clockText(window.end) + " UT" +
+           (local ? " (" + localSpan(window) + ")" : "") + ", moon " +
            (window.moonDown ? "down" : "up") + " (marked *)";
 }
 
@@ -217,7 +224,7 @@ std::string tableOf(const Report& report) {
     for (std::size_t i = 0; i < settings.targets.size(); ++i) {
         text += "\n" + targetTitle(settings, settings.targets[i]) + "\n";
         if (!report.windows.empty())
-            text += windowText(report.windows[i], *settings.minAltitude) + "\n";
+            text += windowText(report.windows[i], *settings.minAltitude, settings.local) + "\n";
         text += targetTable(report, i);
     }
     return text;

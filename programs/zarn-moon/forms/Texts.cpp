@@ -61,6 +61,12 @@ std::string keyOf(std::string name) {
     return name;
 }
 
+std::string localClock(double mjd, const char* format) {
+    const std::string date = localTime(mjd, "%Y-%m-%d");
+    const bool same = secondOf(mjd).rfind(date, 0) == 0;
+    return (same ? "" : date + " ") + localTime(mjd, format);
+}
+
 std::string localTime(double mjd, const char* format) {
     using Limits = std::numeric_limits<std::time_t>;
     const double seconds = std::round((mjd - MJD_OF_EPOCH) * SECONDS_PER_DAY);

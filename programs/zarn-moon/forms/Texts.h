@@ -47,6 +47,10 @@ std::string joined(const std::vector<std::string>& words);
 /// The name of an event as a key: "civil_dusk" for "civil dusk".
 std::string keyOf(std::string name);
 
+/// An instant as the local clock shows it, in a format of strftime, after the local date where that
+/// is not the one in UT.
+std::string localClock(double mjd, const char* format);
+
 /// An instant in the process's time zone, rounded to the second, in a format of strftime.
 ///
 /// @throw std::runtime_error  when the system's times do not reach so far: on 32-bit x86

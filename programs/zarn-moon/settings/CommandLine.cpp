@@ -8,6 +8,7 @@
 #include "shared/sky/Calendar.h"
 #include "zarn-moon/settings/HelpNotes.h"
 #include "zarn-moon/settings/SettingTable.h"
+#include "zarn-moon/settings/TimeZone.h"
 
 namespace zarn::moon {
 
@@ -56,6 +57,7 @@ Settings CommandLine::parse(double now) {
     if (!given("date")) settings.date = nightOf(settings.site, now);
     if (settings.minAltitude && settings.targets.empty())
         throw UsageError("--min-altitude needs a target");
+    if (settings.local) checkEnvironmentTimeZone();
     checkNights(settings);
     checkPlot(settings);
     return settings;
