@@ -158,6 +158,7 @@ testResultFiles() {
     run 0 "${night[@]}" -o link.txt; check "through a link" cmp kept.txt night.txt
     check "permission bits stay" [ "$(stat -c %a kept.txt)" = 751 ]
     run 0 "${night[@]}" -o sub/link.txt; check "through a link to nowhere" cmp sub/nowhere night.txt
+    run 0 "${night[@]}" --out=-x; check "a name with a dash" cmp ./-x night.txt; rm ./-x
     ln -s loop loop
     complains 1 'loop: Too many levels of symbolic links' -T OLAN -o loop
     complains 1 'missing/a\x0Ab: No such file or directory' -T OLAN -o $'missing/a\nb'

@@ -76,11 +76,11 @@ std::string shades(const std::vector<Row>& rows) {
 
 /// The hours to which the axis has marks: each, or every other if there are many.
 std::vector<double> markedHours(const std::vector<Row>& rows) {
-    constexpr double MANY = 13.0;
-    const double first = std::ceil(rows.front().mjd * HOURS_PER_DAY);
-    const double last = std::floor(rows.back().mjd * HOURS_PER_DAY);
+    constexpr int MANY = 13;
+    const int first = static_cast<int>(std::ceil(rows.front().mjd * HOURS_PER_DAY));
+    const int last = static_cast<int>(std::floor(rows.back().mjd * HOURS_PER_DAY));
     std::vector<double> hours;
-    for (double hour = first; hour <= last; hour += last - first > MANY ? 2.0 : 1.0)
+    for (int hour = first; hour <= last; hour += last - first > MANY ? 2 : 1)
         hours.push_back(hour / HOURS_PER_DAY);
     return hours;
 }

@@ -25,6 +25,11 @@ double hemisphereAngle(const std::string& text, char positive, char negative, do
         throw std::invalid_argument("\"" + printable(text) + "\" does not end in " + positive +
                                     " or " + negative);
     }
+    if (text.front() == '-' && (letter == 'N' || letter == 'E')) {
+        throw std::invalid_argument("\"" + printable(text) + "\" must not have a sign: write " +
+                                    printable(text.substr(1, text.size() - 2)) +
+                                    (letter == 'N' ? "S" : "W"));
+    }
     const double angle = parseAngle(text.substr(0, text.size() - 1), most, text);
     return letter == positive ? angle : -angle;
 }
