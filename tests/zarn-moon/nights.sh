@@ -101,6 +101,23 @@ testTargetsFromAFile() {
     run 0 -T OLAN --targets pipe --mjd 61000 --format csv
     wait
     check "a pipe's target" [ "$(tail -n 1 out.txt | cut -d, -f 10-12)" = a,1.00000,2.00000 ]
+    run 0 -T OLAN --targets - --mjd 61000 --format csv <<<$'\n RA ;DEC;name;weight\n2;3;a;\n'
+    check "standard input's target" [ "$(tail -n 1 out.txt | cut -d, -f 10-12,19-)" = a,2.00000,3.00000, ]
+    while IFS='|' read -r line reason; do
+        complains 2 "standard input:2: $reason; see zarn-moon --help" -T OLAN --targets - <<<"#"$'\n'"$line"
+    done <<'LINES'
+id,ra,dec|no column has the title name
+"name|a quote is not closed
+LINES
+    while IFS='|' read -r line reason; do
+        complains 2 "standard input:2: $reason; see zarn-moon --help" -T OLAN --targets - \
+            <<<$'name\tra\tdec\tmin_altitude\tweight\n'"$line"
+    done <<'LINES'
+a	1	2	91|min_altitude: "91" is not from 0 to 90
+a	1	2		-1|weight: "-1" is not from 0 to 1e+09
+	1	2|the name is empty
+LINES
+    complains 2 'option --targets: standard input cannot be read: Is a directory; see zarn-moon --help' -T OLAN --targets - <.
     printf 'caf\xe9 \xc3\xa9\xff,1,2' >latin.csv
     run 0 -T OLAN --targets latin.csv --mjd 61000 --format csv
     check "UTF-8 throughout" [ "$(tail -n 1 out.txt | cut -d, -f 10)" = $'caf\xef\xbf\xbd \xc3\xa9\xef\xbf\xbd' ]

@@ -55,11 +55,14 @@ Json nightOf(const NightLine& line, bool local) {
 
 /// A target with its best window, if that was asked for.
 Json targetOf(const Report& report, std::size_t i) {
-    const auto& [name, position] = report.settings.targets[i];
-    Json target = {{"name", name},
-                   {"ra_deg", onCircle(position.ra, POSITION_DECIMALS, FULL_CIRCLE)},
-                   {"dec_deg", rounded(position.dec, POSITION_DECIMALS)},
+    const Target& asked = report.settings.targets[i];
+    Json target = {{"name", asked.name},
+                   {"ra_deg", onCircle(asked.position.ra, POSITION_DECIMALS, FULL_CIRCLE)},
+                   {"dec_deg", rounded(asked.position.dec, POSITION_DECIMALS)},
                    {"equinox", report.settings.equinox == Equinox::OF_DATE ? "date" : "J2000"}};
+    if (asked.minAltitude) target["min_altitude_deg"] = *asked.minAltitude;
+    if (asked.weight) target["weight"] = *asked.weight;
+    for (const auto& [title, text] : asked.columns) target["columns"][title] = text;
     if (report.windows.empty()) return target;
     const Window& window = report.windows[i];
     const bool none = window.begin == window.end;

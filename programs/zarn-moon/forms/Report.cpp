@@ -1,5 +1,7 @@
 #include "zarn-moon/forms/Report.h"
 
+#include <algorithm>
+
 #include "shared/cli/UsageError.h"
 
 namespace zarn::moon {
@@ -20,6 +22,13 @@ NightLine lineOf(const Night& night) {
     return {night.date, eventsOf(night), summaryOf(night), daylightOf(night)};
 }
 
+/// Whether anything says how high targets must be.
+bool asksForWindows(const Settings& settings) {
+    return settings.minAltitude ||
+           std::any_of(settings.targets.begin(), settings.targets.end(),
+                       [](const Target& target) { return target.minAltitude.has_value(); });
+}
+
 /// Fills in the report on a single night.
 void addNight(Report& report) {
     const Settings& settings = report.settings;
@@ -30,15 +39,19 @@ void addNight(Report& report) {
     checkSize(instants.size(), settings.targets.size());
     const std::size_t middle = night.minutes.size() / 2;
     const std::vector<SkyPosition> positions = positionsOfDate(settings, night.minutes[middle]);
-    if (settings.minAltitude) {
-        for (const SkyPosition& position : positions)
-            report.windows.push_back(bestWindow(night, position, *settings.minAltitude));
+    for (std::size_t i = 0; asksForWindows(settings) && i < positions.size(); ++i) {
+        const double least = leastAltitudeOf(settings, settings.targets[i]);
+        report.windows.push_back(bestWindow(night, positions[i], least));
     }
     report.rows = makeRows(settings, instants, positions, report.windows);
     report.night = night;
 }
 
 }  // namespace
+
+double leastAltitudeOf(const Settings& settings, const Target& target) {
+    return target.minAltitude.value_or(settings.minAltitude.value_or(0.0));
+}
 
 Report makeReport(const Settings& settings) {
     Report report = {settings, {}, {}, {}, {}, {}};

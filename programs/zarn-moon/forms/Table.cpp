@@ -224,7 +224,9 @@ std::string tableOf(const Report& report) {
     for (std::size_t i = 0; i < settings.targets.size(); ++i) {
         text += "\n" + targetTitle(settings, settings.targets[i]) + "\n";
         if (!report.windows.empty())
-            text += windowText(report.windows[i], *settings.minAltitude, settings.local) + "\n";
+            text += windowText(report.windows[i], leastAltitudeOf(settings, settings.targets[i]),
+                               settings.local) +
+                    "\n";
         text += targetTable(report, i);
     }
     return text;

@@ -17,6 +17,7 @@ namespace {
 
 std::vector<const char*> pointersTo(const std::vector<std::string>& words) {
     std::vector<const char*> pointers;
+    pointers.reserve(words.size());
     for (const std::string& word : words) pointers.push_back(word.c_str());
     return pointers;
 }

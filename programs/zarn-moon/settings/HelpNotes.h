@@ -13,11 +13,16 @@ bright it is, how far it is from each target, and how much light it adds there.
   zarn-moon -T VEK1 --nights 30
   zarn-moon -T VEK1 --targets list.csv --format csv -o night.csv
 
-Write positions in degrees, or sexagesimal; a sexagesimal right ascension is in
-hours. Positions refer to J2000 and are precessed to the night. In a file of
-targets, lines that begin with # are ignored. The best window is, of the stretches
-with the sun below -18 degrees and the target high enough, the longest without
-moon if that lasts an hour or more, else the longest of all.
+Write positions in degrees, or sexagesimal, with colons, blanks or units
+(5h35m17.3s); a sexagesimal right ascension is in hours. Positions refer to J2000
+and are precessed to the night.
+
+In a file of targets, fields are separated by commas, semicolons or tabs; lines
+that begin with # are ignored. The first line may name the columns, in any order:
+name, ra, dec, min_altitude, weight. All further ones go into CSV and JSON. The
+best window is, of the stretches with the sun below -18 degrees and the target
+high enough, the longest without moon if that lasts an hour or more, else the
+longest of all.
 
 Times are in UT, those of events, phases and windows rounded to the nearest
 minute; sidereal times are cut to the minute. Tonight begins at the last local

@@ -56,7 +56,7 @@ inline constexpr SettingRow<Settings> SETTINGS[] = {
     {"target", 't', "RA DEC",
      "A position: \"83.82 -5.39\" or \"05:35:17.3 -05:23:28\"; may be repeated",
      MoonKinds::Each{readTarget}},
-    {"targets", NO_LETTER, "FILE", "Read targets from FILE, one per line: name, RA, DEC",
+    {"targets", NO_LETTER, "FILE", "Read targets from FILE (-: standard input), one per line: name, RA, DEC, ...",
      MoonKinds::Each{readTargetFile}},
     {"equinox", NO_LETTER, "J2000|date", "Equinox of the targets' positions",
      choice<&Settings::equinox, Settings>()},
