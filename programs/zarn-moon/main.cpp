@@ -16,6 +16,7 @@
 #include "zarn-moon/forms/Report.h"
 #include "zarn-moon/night/Night.h"
 #include "zarn-moon/settings/CommandLine.h"
+#include "zarn-moon/settings/Sites.h"
 
 namespace zarn::moon {
 
@@ -40,6 +41,15 @@ std::string formatted(const Report& report) {
     return tableOf(report);
 }
 
+/// Lists the sites, each with its name before a tab: completion takes the names from here.
+void listSites(const Settings& settings) {
+    std::string list;
+    for (const KnownSite& known : sitesIn(settings.sites))
+        list += known.site.name + "\t" + coordinates(known.site) + "\n";
+    if (list.empty()) std::cerr << "zarn-moon: there are no sites\n";
+    std::cout << list;
+}
+
 /// Does what the command line asks for. Results are computed before anything is written.
 void run(CommandLine& commandLine) {
     const Settings settings = commandLine.parse(presentMjd());
@@ -52,6 +62,7 @@ void run(CommandLine& commandLine) {
         std::cout << commandLine.completion("zarn-moon");
         return;
     }
+    if (settings.listSites) return listSites(settings);
     const Report report = makeReport(settings);
     const std::string result = formatted(report);
     const std::string picture = settings.plot.empty() ? "" : drawNight(report);

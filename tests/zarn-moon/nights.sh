@@ -11,6 +11,7 @@ limited() { (ulimit -f 1; bounded "$@"); }  # to files of one block
 # shellcheck source-path=SCRIPTDIR
 . "$(dirname "$0")/../support/checks.sh"
 data=$(realpath "$(dirname "$0")/../data/zarn-moon")
+export XDG_CONFIG_HOME=/nowhere  # no sites of the user's own
 
 # golden NAME FILE: whether a whole output is the one that was checked against almanacs.
 golden() { check "$1 differs" diff -u --label "$1" --label now "$data/$1" "$2"; }
@@ -34,7 +35,7 @@ complains() {
 
 testDataIsThere() {
     local name
-    for name in completions limits outputs wrong-targets wrong-usage; do has "$data/$name.txt"; done
+    for name in completions limits outputs wrong-sites wrong-targets wrong-usage; do has "$data/$name.txt"; done
 }
 
 testWholeOutputs() {
@@ -128,6 +129,41 @@ LINES
     complains 2 'option --targets: . cannot be read: Is a directory; see zarn-moon --help' -T OLAN --targets .
 }
 
+testSites() {
+    local content problem sample=$data/../../../examples/sites.ini
+    run 0 --sites "$sample" --list-sites; silent
+    check "sites are listed" diff - out.txt <<<$'hill\t43.2100N 8.4750E, 1240 m\nisland\t17.2500S 31.5000W'
+    TZ=XYZ-2:30 golden site.table <(TZ=XYZ-2:30 bounded --sites "$sample" --site HILL -d 2026-12-20 -s 240 -t "83.8 -5.4" --local)
+    run 0 --sites "$sample" --site hill --mjd 61000 -t "1 2" --format json
+    check "what is known of a site" [ "$(sed -n '3,11p' out.txt | tr -d ' \n')" = \
+        '"name":"hill","latitude_deg":43.21,"longitude_west_deg":-8.475,"elevation_m":1240.0,"horizon_deg":12.0,"timezone":"CET-1CEST,M3.5.0,M10.5.0/3"},"extinction":0.16,"dark_sky_mag":21.6,' ]
+    run 0 --site hill --sites "$sample" --mjd 61000 -t "1 2" --format json -k 0.3 --dark-sky 20
+    check "options come first" [ "$(sed -n '10,11p' out.txt | tr -d ' \n')" = '"extinction":0.3,"dark_sky_mag":20.0,' ]
+    # The user's file; a site in the first file hides another one as a whole; capitals.
+    mkdir -p home/.config/zarnsys xdg/zarnsys
+    printf '[hill]\nlatitude=1N\nlongitude=2E\n[Vale]\nlatitude=3N\nlongitude=2E\n' >home/.config/zarnsys/sites.ini
+    printf '[mine]\nlatitude=5N\nlongitude=2E\n' >xdg/zarnsys/sites.ini
+    while IFS='|' read -r words problem; do
+        eval "HOME=\$PWD/home XDG_CONFIG_HOME= run 0 --mjd 61000 $words"
+        check "$words: $(head -n 1 out.txt)" grep -qF "UT at $problem" out.txt
+    done <<'LINES'
+--site hill|hill (1.0000N 2.0000E)
+--site VALE|Vale (3.0000N 2.0000E)
+--site hill --sites home/.config/zarnsys/sites.ini --sites "$sample"|hill (1.0000N 2.0000E)
+--site island --sites home/.config/zarnsys/sites.ini --sites "$sample"|island (17.2500S 31.5000W)
+LINES
+    HOME=$PWD/home XDG_CONFIG_HOME=$PWD/xdg run 0 --site mine --mjd 61000
+    HOME=$PWD/home XDG_CONFIG_HOME=xdg run 0 --site hill --mjd 61000
+    complains 2 "option --site: \"x\" is not a site of /nowhere/zarnsys/sites.ini or /etc/zarnsys/sites.ini; see zarn-moon --help" \
+        --site x
+    complains 2 'no.ini: cannot be read: No such file or directory; see zarn-moon --help' --sites no.ini --list-sites
+    complains 2 '.: is not a regular file; see zarn-moon --help' --sites . --site x
+    while IFS='|' read -r content problem; do
+        printf '%b\n' "$content" >bad.ini
+        complains 2 "bad.ini$problem; see zarn-moon --help" --sites bad.ini --list-sites
+    done <"$data/wrong-sites.txt"
+}
+
 testWrongUsage() {
     local words reason name
     while IFS='|' read -r words reason; do
@@ -154,6 +190,8 @@ testCompletion() {
     run 0 --bash-completion; silent
     # shellcheck source=/dev/null
     . ./out.txt
+    # shellcheck disable=SC2317 # the completion calls it
+    zarn-moon() { printf 'hill\ta hill\nisland\tan island\n'; }
     local words expected
     while IFS='|' read -r words expected; do
         IFS=' ' read -ra COMP_WORDS <<<"zarn-moon $words"

@@ -96,16 +96,24 @@ Json rowOf(const Row& row, bool local) {
     return json;
 }
 
+/// The site, with what its file says of it.
+Json siteOf(const Settings& settings) {
+    Json site = {{"name", settings.site.name},
+                 {"latitude_deg", settings.site.latitude},
+                 {"longitude_west_deg", settings.site.longitude}};
+    if (settings.site.elevation != 0.0) site["elevation_m"] = settings.site.elevation;
+    if (settings.horizon) site["horizon_deg"] = *settings.horizon;
+    if (!settings.timeZone.empty()) site["timezone"] = settings.timeZone;
+    return site;
+}
+
 }  // namespace
 
 std::string jsonOf(const Report& report) {
     constexpr int INDENT = 1;
     const Settings& settings = report.settings;
     const bool local = settings.local;
-    Json json = {{"site",
-                  {{"name", settings.site.name},
-                   {"latitude_deg", settings.site.latitude},
-                   {"longitude_west_deg", settings.site.longitude}}},
+    Json json = {{"site", siteOf(settings)},
                  {"extinction", settings.extinction},
                  {"dark_sky_mag", settings.darkSky}};
     json["nights"] = Json::array();

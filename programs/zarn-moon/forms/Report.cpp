@@ -24,7 +24,7 @@ NightLine lineOf(const Night& night) {
 
 /// Whether anything says how high targets must be.
 bool asksForWindows(const Settings& settings) {
-    return settings.minAltitude ||
+    return settings.minAltitude || settings.horizon ||
            std::any_of(settings.targets.begin(), settings.targets.end(),
                        [](const Target& target) { return target.minAltitude.has_value(); });
 }
@@ -50,7 +50,8 @@ void addNight(Report& report) {
 }  // namespace
 
 double leastAltitudeOf(const Settings& settings, const Target& target) {
-    return target.minAltitude.value_or(settings.minAltitude.value_or(0.0));
+    const double asked = target.minAltitude.value_or(settings.minAltitude.value_or(0.0));
+    return std::max(asked, settings.horizon.value_or(0.0));
 }
 
 Report makeReport(const Settings& settings) {

@@ -35,8 +35,8 @@ struct Report {
 /// @throw UsageError  when the table would be too large
 Report makeReport(const Settings& settings);
 
-/// How high a target must be in its best window [deg]: as its file says, or else the option; 0
-/// if neither does.
+/// How high a target must be in its best window [deg]: as its file says, or else the option; in
+/// any case above the site's horizon.
 double leastAltitudeOf(const Settings& settings, const Target& target);
 
 /// For people: text and aligned columns.

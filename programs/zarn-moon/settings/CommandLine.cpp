@@ -63,8 +63,8 @@ void CommandLine::checkTogether() const {
         if (given(one) && given(other))
             throw UsageError(std::string("--") + one + " and --" + other + " exclude each other");
     }
-    if (!given("telescope") && !given("place"))
-        throw UsageError("neither --telescope nor --place is given");
+    if (!given("telescope") && !given("place") && !given("site"))
+        throw UsageError("none of --telescope, --place and --site is given");
 }
 
 Settings CommandLine::parse(double now) {
@@ -72,12 +72,14 @@ Settings CommandLine::parse(double now) {
     Settings settings;
     readFlags(settings);
     if (settings.help || settings.version || settings.completion) return settings;
+    settings.sites = values("sites");
+    if (settings.listSites) return settings;
     checkTogether();
     readOptions(settings);
     if (!given("date")) settings.date = nightOf(settings.site, now);
     if (settings.minAltitude && settings.targets.empty())
         throw UsageError("--min-altitude needs a target");
-    if (settings.local) checkEnvironmentTimeZone();
+    if (settings.local) useTimeZone(settings.timeZone);
     checkNights(settings);
     checkPlot(settings);
     return settings;

@@ -10,7 +10,7 @@ bright it is, how far it is from each target, and how much light it adds there.
 
   zarn-moon --place "42.5N 12.3E"
   zarn-moon -T OLAN -d 2026-12-24 -t "05:35:17.3 -05:23:28" --min-altitude 30
-  zarn-moon -T VEK1 --nights 30
+  zarn-moon --site hill --nights 30
   zarn-moon -T VEK1 --targets list.csv --format csv -o night.csv
 
 Write positions in degrees, or sexagesimal, with colons, blanks or units
@@ -23,6 +23,10 @@ name, ra, dec, min_altitude, weight. All further ones go into CSV and JSON. The
 best window is, of the stretches with the sun below -18 degrees and the target
 high enough, the longest without moon if that lasts an hour or more, else the
 longest of all.
+
+A file of sites has a section for each: [hill], then latitude = 42.5N, longitude =
+12.3E and, if wanted, elevation, timezone, extinction, dark-sky and horizon; see
+zarn-moon-sites(5).
 
 Times are in UT, those of events, phases and windows rounded to the nearest
 minute; sidereal times are cut to the minute. Tonight begins at the last local

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "shared/sky/Calendar.h"
+#include "zarn-moon/settings/Sites.h"
 
 namespace zarn::moon {
 
@@ -16,6 +17,15 @@ bool endsIn(const std::string& text, const std::string& end) {
 
 void readTelescope(Settings& settings, const std::string& name) {
     settings.site = telescopeSite(name);
+}
+
+void readSite(Settings& settings, const std::string& name) {
+    const KnownSite known = siteNamed(name, settings.sites);
+    settings.site = known.site;
+    settings.timeZone = known.timeZone;
+    settings.horizon = known.horizon;
+    settings.extinction = known.extinction.value_or(settings.extinction);
+    settings.darkSky = known.darkSky.value_or(settings.darkSky);
 }
 
 void readPlace(Settings& settings, const std::string& coordinates) {

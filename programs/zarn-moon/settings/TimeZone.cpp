@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -39,6 +40,17 @@ bool isPosix(const std::string& text) {
     return text.size() <= MOST && std::regex_match(text, form);
 }
 
+/// Checks the environment variable TZ.
+void checkEnvironment() {
+    const char* const name = std::getenv("TZ");
+    if (name == nullptr) return;
+    try {
+        checkTimeZone(name);
+    } catch (const WrongValue& error) {
+        throw UsageError("--local: TZ, \"" + printable(name) + "\", is not " + error.what());
+    }
+}
+
 }  // namespace
 
 void checkTimeZone(const std::string& name) {
@@ -50,14 +62,10 @@ void checkTimeZone(const std::string& name) {
         throw WrongValue("a time zone of this system's tz database, or one such as XYZ-2:30");
 }
 
-void checkEnvironmentTimeZone() {
-    const char* const name = std::getenv("TZ");
-    if (name == nullptr) return;
-    try {
-        checkTimeZone(name);
-    } catch (const WrongValue& error) {
-        throw UsageError("--local: TZ, \"" + printable(name) + "\", is not " + error.what());
-    }
+void useTimeZone(const std::string& name) {
+    if (name.empty()) return checkEnvironment();
+    ::setenv("TZ", name.c_str(), 1);
+    ::tzset();
 }
 
 }  // namespace zarn::moon

@@ -13,10 +13,11 @@ namespace zarn::moon {
 /// @throw WrongValue  saying what a name must be
 void checkTimeZone(const std::string& name);
 
-/// The same for the environment variable TZ, by which the process shows local times.
+/// Lets the process show local times in a time zone that was checked; without a name, in that of
+/// the environment variable TZ, which is checked now.
 ///
 /// @throw UsageError  naming the variable
-void checkEnvironmentTimeZone();
+void useTimeZone(const std::string& name);
 
 }  // namespace zarn::moon
 
