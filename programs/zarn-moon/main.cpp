@@ -46,7 +46,8 @@ void listSites(const Settings& settings) {
     std::string list;
     for (const KnownSite& known : sitesIn(settings.sites))
         list += known.site.name + "\t" + coordinates(known.site) + "\n";
-    if (list.empty()) std::cerr << "zarn-moon: there are no sites\n";
+    if (list.empty())
+        std::cerr << "zarn-moon: there are no sites yet; zarn-moon-sites(5) says how to add them\n";
     std::cout << list;
 }
 

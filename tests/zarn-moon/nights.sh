@@ -156,6 +156,7 @@ LINES
     HOME=$PWD/home XDG_CONFIG_HOME=xdg run 0 --site hill --mjd 61000
     complains 2 "option --site: \"x\" is not a site of /nowhere/zarnsys/sites.ini or /etc/zarnsys/sites.ini; see zarn-moon --help" \
         --site x
+    [ -e /etc/zarnsys/sites.ini ] || { run 0 --list-sites; says 'there are no sites yet'; }
     complains 2 'no.ini: cannot be read: No such file or directory; see zarn-moon --help' --sites no.ini --list-sites
     complains 2 '.: is not a regular file; see zarn-moon --help' --sites . --site x
     while IFS='|' read -r content problem; do
@@ -213,6 +214,7 @@ testResultFiles() {
     run 0 "${night[@]}" -o link.txt; check "through a link" cmp kept.txt night.txt
     check "permission bits stay" [ "$(stat -c %a kept.txt)" = 751 ]
     run 0 "${night[@]}" -o sub/link.txt; check "through a link to nowhere" cmp sub/nowhere night.txt
+    run 0 "${night[@]}" -o -; check "standard output as -" cmp out.txt night.txt
     run 0 "${night[@]}" --out=-x; check "a name with a dash" cmp ./-x night.txt; rm ./-x
     ln -s loop loop
     complains 1 'loop: Too many levels of symbolic links' -T OLAN -o loop

@@ -1,5 +1,6 @@
 #include "zarn-moon/settings/SettingTable.h"
 
+#include <stdexcept>
 #include <utility>
 
 #include "shared/sky/Calendar.h"
@@ -44,6 +45,11 @@ void readTarget(Settings& settings, const std::string& position) {
 
 void readTargetFile(Settings& settings, const std::string& fileName) {
     for (Target& target : readTargets(fileName)) settings.targets.push_back(std::move(target));
+}
+
+void readOutput(Settings& settings, const std::string& fileName) {
+    if (fileName.empty()) throw std::invalid_argument("the name is empty");
+    settings.output = fileName == STANDARD_STREAM ? "" : fileName;
 }
 
 void readPlot(Settings& settings, const std::string& fileName) {

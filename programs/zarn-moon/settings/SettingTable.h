@@ -31,6 +31,7 @@ void readPlace(Settings& settings, const std::string& coordinates);
 void readDate(Settings& settings, const std::string& date);
 void readTarget(Settings& settings, const std::string& position);
 void readTargetFile(Settings& settings, const std::string& fileName);
+void readOutput(Settings& settings, const std::string& fileName);
 void readPlot(Settings& settings, const std::string& fileName);
 
 using MoonKinds = Kinds<Settings>;
@@ -81,8 +82,8 @@ inline constexpr SettingRow<Settings> SETTINGS[] = {
      choice<&Settings::format, Settings>()},
     {"local", NO_LETTER, "", "Also show local times, in the site's time zone or TZ",
      &Settings::local},
-    {"output", 'o', "FILE", "Write the result to FILE, complete or not at all", &Settings::output,
-     NO_SECTION, "standard output"},
+    {"output", 'o', "FILE", "Write the result to FILE, complete or not at all",
+     MoonKinds::Own{readOutput}, NO_SECTION, "standard output"},
     {"plot", NO_LETTER, "FILE", "Draw the night into FILE.png or FILE.svg, with gnuplot",
      MoonKinds::Own{readPlot}},
 

@@ -145,12 +145,12 @@ Target targetOf(const std::string& line, const Layout& layout) {
 
 /// A file as messages call it.
 std::string shown(const std::string& fileName) {
-    return fileName == STANDARD_INPUT ? "standard input" : printable(fileName);
+    return fileName == STANDARD_STREAM ? "standard input" : printable(fileName);
 }
 
 std::string contentOf(const std::string& fileName) {
     try {
-        return fileName == STANDARD_INPUT ? readStandardInput() : readFileOrPipe(fileName);
+        return fileName == STANDARD_STREAM ? readStandardInput() : readFileOrPipe(fileName);
     } catch (const std::system_error& error) {
         throw UsageError("option --targets: " + shown(fileName) +
                          " cannot be read: " + error.code().message());

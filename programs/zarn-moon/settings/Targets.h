@@ -22,8 +22,8 @@ struct Target {
     std::vector<std::pair<std::string, std::string>> columns = {};
 };
 
-/// A file name that stands for standard input.
-inline constexpr char STANDARD_INPUT[] = "-";
+/// A file name that stands for standard input, or where a result goes for standard output.
+inline constexpr char STANDARD_STREAM[] = "-";
 
 /// The targets of a file, one in a line.
 ///
