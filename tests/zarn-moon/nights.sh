@@ -130,7 +130,7 @@ LINES
 }
 
 testSites() {
-    local content problem sample=$data/../../../examples/sites.ini
+    local content problem sample=$data/../../../programs/zarn-moon/deploy/sites.ini
     run 0 --sites "$sample" --list-sites; silent
     check "sites are listed" diff - out.txt <<<$'hill\t43.2100N 8.4750E, 1240 m\nisland\t17.2500S 31.5000W'
     TZ=XYZ-2:30 golden site.table <(TZ=XYZ-2:30 bounded --sites "$sample" --site HILL -d 2026-12-20 -s 240 -t "83.8 -5.4" --local)

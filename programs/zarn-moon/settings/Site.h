@@ -13,7 +13,7 @@ struct Site {
     std::string name;        ///< as messages and results call it
     double latitude;         ///< [deg], north positive
     double longitude;        ///< [deg], WEST positive
-    double elevation = 0.0;  ///< above the sea [m]
+    double elevation = 0.0;  ///< above the ellipsoid [m]
 };
 
 /// The site of a telescope.
