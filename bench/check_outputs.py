@@ -3,9 +3,10 @@
 
     check_outputs.py [DEGREES] FILE...     results of --format json --ephemeris erfa
 
-DEGREES is what --min-altitude was, 30 without it. Prints the largest difference of each kind, and
-ends with status 1 if one is larger than what rounding and docs/accuracy.md allow. Moonlight, airmass
-and words follow from the published formulas, given ephem's sun, moon and targets.
+DEGREES is what --min-altitude was, 30 without it, for targets that have none of their own. Prints
+the largest difference of each kind, and ends with status 1 if one is larger than what rounding and
+docs/accuracy.md allow. Moonlight, airmass and words follow from the published formulas, given ephem's
+sun, moon and targets.
 """
 
 import json
@@ -201,7 +202,7 @@ def check(result, least):
         minutes = check_night(night, line)
         for target in result["targets"]:
             if "best_window" in target:
-                check_window(night, target, least, minutes)
+                check_window(night, target, target.get("min_altitude_deg") or least, minutes)
     check_rows(night, result)
     for phase in result["phases"]:
         time = mjd_of(phase["utc"])

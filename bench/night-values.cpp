@@ -38,7 +38,7 @@ void printNight(int number, const Ephemeris& ephemeris, const Site& site, double
 
 void printPhases(int number, const Ephemeris& ephemeris, double begin, double end) {
     for (double mjd = begin; mjd < end;) {
-        for (const auto& [name, time] : nextPhases(ephemeris, mjd)) {
+        for (const auto& [name, time] : nextPhases(ephemeris, mjd, mjd)) {
             std::printf("%d %s %.9f\n", number, name.c_str(), time);
             mjd = time;
         }

@@ -66,7 +66,7 @@ while read -r component expected; do
 done <<'END'
 Runtime         lib/([^/]*/)?libZarnSysUtil\.so\..*
 Development     (include/zarnsys/util/|lib/([^/]*/)?(libZarnSysUtil\.so$|cmake/|pkgconfig/)).*
-Programs        (bin/|lib/([^/]*/)?zarnsysutil/libACE\.so$|lib/(systemd/system|sysusers.d|tmpfiles.d)/zarn-ingest\.(service|conf)$|share/(man/man[15]/|bash-completion/|zsh/(site-functions|vendor-completions)/_|fish/vendor_completions.d/|doc/.*/examples/zarn-ingest\.ini$)).*
+Programs        (bin/|lib/([^/]*/)?zarnsysutil/libACE\.so$|lib/(systemd/system|sysusers.d|tmpfiles.d)/zarn-ingest\.(service|conf)$|share/(man/man[15]/|bash-completion/|zsh/(site-functions|vendor-completions)/_|fish/vendor_completions.d/|doc/.*/examples/(zarn-ingest|sites)\.ini$)).*
 Documentation   share/doc/.*
 Python          (lib|lib/[^/]*|local/lib)/python3[^/]*/.*
 END

@@ -9,13 +9,18 @@ done
 work=$(mktemp -d "${TMPDIR:-/tmp}/zarnsys-test-XXXXXX")
 trap 'rm -rf "$work"' EXIT
 export HOME=$work LC_ALL=C
-mkdir -p "$work/here/dir"
+unset XDG_CONFIG_HOME
+mkdir -p "$work/here/dir" "$work/bin" "$work/.config/zarnsys"
+printf '[%s]\nlatitude = 1N\nlongitude = 1E\n' hill island >"$work/.config/zarnsys/sites.ini"
 touch "$work/here/file"
 for program in "$@"; do
     name=$(basename "$program")
+    ln -s "$(realpath "$program")" "$work/bin/$name"
     "$program" --zsh-completion >"$work/_$name" || exit 1
     "$program" --fish-completion >"$work/$name.fish" || exit 1
 done
+
+PATH=$work/bin:$PATH  # where completion finds the sites' names
 
 # What zsh offers is known only within an interactive one, whose compadd gets it.
 cat >"$work/offers.zsh" <<'SCRIPT'
@@ -40,6 +45,8 @@ fishOffers() { fish -N -c "source $work/${1%% *}.fish; complete -C '$1'" | cut -
 cat >"$work/expected" <<'LINES'
 zarn-moon --telescope V|VEK1 VEK2 VEK3 VEK4|VEK1 VEK2 VEK3 VEK4
 zarn-moon -T |OLAN VEK1 VEK2 VEK3 VEK4|OLAN VEK1 VEK2 VEK3 VEK4
+zarn-moon --site |hill island|hill island
+zarn-moon --site=h|hill|--site=hill
 zarn-moon --format=c|csv|--format=csv
 zarn-moon --m|--min-altitude --mjd|--min-altitude --mjd
 zarn-moon --targets |dir file|dir/ file

@@ -131,12 +131,7 @@ int runProgram(int argc, char** argv) {
     reserveStandardStreams();
     ignoreWriteSignals();
     setPriorityMask(ERROR_AND_ABOVE);
-    const int status = runReporting(argc, argv);
-    if (!std::cout.flush()) {
-        std::cerr << "zarn-ingest: cannot write to standard output\n";
-        return EXIT_SOME_FAILED;
-    }
-    return status;
+    return finishOutput("zarn-ingest", runReporting(argc, argv));
 }
 
 }  // namespace

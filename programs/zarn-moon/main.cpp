@@ -16,6 +16,7 @@
 #include "zarn-moon/forms/Report.h"
 #include "zarn-moon/night/Night.h"
 #include "zarn-moon/settings/CommandLine.h"
+#include "zarn-moon/settings/Sites.h"
 
 namespace zarn::moon {
 
@@ -40,6 +41,16 @@ std::string formatted(const Report& report) {
     return tableOf(report);
 }
 
+/// Lists the sites, each with its name before a tab: completion takes the names from here.
+void listSites(const Settings& settings) {
+    std::string list;
+    for (const KnownSite& known : sitesIn(settings.sites))
+        list += known.site.name + "\t" + coordinates(known.site) + "\n";
+    if (list.empty())
+        std::cerr << "zarn-moon: there are no sites yet; zarn-moon-sites(5) says how to add them\n";
+    std::cout << list;
+}
+
 /// Does what the command line asks for. Results are computed before anything is written.
 void run(CommandLine& commandLine) {
     const Settings settings = commandLine.parse(presentMjd());
@@ -52,6 +63,7 @@ void run(CommandLine& commandLine) {
         std::cout << commandLine.completion("zarn-moon");
         return;
     }
+    if (settings.listSites) return listSites(settings);
     const Report report = makeReport(settings);
     const std::string result = formatted(report);
     const std::string picture = settings.plot.empty() ? "" : drawNight(report);
@@ -83,12 +95,7 @@ int runProgram(int argc, char** argv) {
     reserveStandardStreams();
     ignoreWriteSignals();
     setPriorityMask(ERROR_AND_ABOVE);
-    const int status = runReporting(argc, argv);
-    if (!std::cout.flush()) {
-        std::cerr << "zarn-moon: cannot write to standard output\n";
-        return EXIT_FAILURE;
-    }
-    return status;
+    return finishOutput("zarn-moon", runReporting(argc, argv));
 }
 
 }  // namespace

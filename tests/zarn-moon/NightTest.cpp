@@ -4,9 +4,11 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
 #include <sstream>
 
 #include "shared/cli/UsageError.h"
+#include "shared/sky/Calendar.h"
 #include "tests/support/Transcript.h"
 #include "zarn-moon/forms/Report.h"
 
@@ -137,9 +139,29 @@ TEST(NightTest, BothEndsOfAWindowAreInIt) {
 
 TEST(NightTest, PhasesComeAfterTheInstant) {
     const Ephemeris& ephemeris = ephemerisOf(Theory::LIBRARY);
-    const double full = nextPhases(ephemeris, 61390.0).at(1).mjd;
-    EXPECT_EQ(nextPhases(ephemeris, full - 1e-6).at(0).mjd, full);
-    EXPECT_EQ(nextPhases(ephemeris, full).at(0).name, "last quarter");
+    const double full = nextPhases(ephemeris, 61390.0, 61390.0).at(1).mjd;
+    EXPECT_EQ(nextPhases(ephemeris, full - 1e-6, full).at(0).mjd, full);
+    EXPECT_EQ(nextPhases(ephemeris, full, full).at(0).name, "last quarter");
+}
+
+// The instants are those of ERFA's moon and sun.
+TEST(NightTest, PhasesAreAllThoseOfTheSpan) {
+    const struct {
+        const char* name;
+        const char* time;
+    } expected[] = {
+        {"new moon", "2026-12-09T00:51:54"},  {"first quarter", "2026-12-17T05:42:36"},
+        {"full moon", "2026-12-24T01:28:24"}, {"last quarter", "2026-12-30T18:59:36"},
+        {"new moon", "2027-01-07T20:24:12"},  {"first quarter", "2027-01-15T20:34:30"},
+    };
+    const Ephemeris& ephemeris = ephemerisOf(Theory::LIBRARY);
+    const std::vector<Phase> phases = nextPhases(ephemeris, 61379.5, 61379.5 + 42.0);
+    ASSERT_EQ(phases.size(), std::size(expected));
+    for (std::size_t i = 0; i < phases.size(); ++i) {
+        EXPECT_EQ(phases[i].name, expected[i].name);
+        EXPECT_NEAR(phases[i].mjd, mjdOfInstant(expected[i].time), 4.0 * MINUTE) << i;
+    }
+    EXPECT_EQ(nextPhases(ephemeris, 61379.5, 61379.5 + 1.0).size(), 4U);
 }
 
 TEST(NightTest, AMillionRowsAreTheMost) {

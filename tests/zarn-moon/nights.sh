@@ -11,6 +11,7 @@ limited() { (ulimit -f 1; bounded "$@"); }  # to files of one block
 # shellcheck source-path=SCRIPTDIR
 . "$(dirname "$0")/../support/checks.sh"
 data=$(realpath "$(dirname "$0")/../data/zarn-moon")
+export XDG_CONFIG_HOME=/nowhere  # no sites of the user's own
 
 # golden NAME FILE: whether a whole output is the one that was checked against almanacs.
 golden() { check "$1 differs" diff -u --label "$1" --label now "$data/$1" "$2"; }
@@ -34,7 +35,7 @@ complains() {
 
 testDataIsThere() {
     local name
-    for name in completions limits outputs wrong-targets wrong-usage; do has "$data/$name.txt"; done
+    for name in completions limits outputs wrong-sites wrong-targets wrong-usage; do has "$data/$name.txt"; done
 }
 
 testWholeOutputs() {
@@ -52,11 +53,22 @@ testWholeOutputs() {
     done <"$data/outputs.txt"
     run 0 -p "75N 25E" -d 2026-06-21
     check "a day without a table" [ "$(tail -n 1 out.txt)" = 'The sun does not set: no table.' ]
+    check "polar day is said" grep -qx 'The sun stays up all day.' out.txt
+    run 0 -p "88N 25E" -d 2026-12-21
+    check "no twilight" grep -qx 'The sun stays below the horizon all day, without twilight.' out.txt
+    run 0 -p "60N 25E" -d 2026-06-21 -s 720 -p "60N 100E"
+    check "a step beyond the night" [ "$(tail -n 1 out.txt)" = 'No step falls between sunset and sunrise: no table.' ]
     drawing 0 -p "75N 25E" -d 2026-06-21 --plot day.svg
     # A point each four minutes of 24 hours, and one colour.
     check "the whole day is drawn" [ "$(grep -c '^[0-9]' script) $(grep -c rectangle script)" = '361 1' ]
     run 0 -p "75N 25E" -d 2026-12-21 -s 60 --format csv
     check "a night without sunset lasts a day" [ "$(wc -l <out.txt)" = 25 ]
+    # 15:10 to 7:07 UT: each other hour, with that of a clock 2 h ahead, from 20:00 UT on 2:30 h behind.
+    TZ='XYZ-2ABC2:30,J354/22,J300' drawing 0 -p "42.5N 12.3E" -d 2026-12-20 --local --plot night.svg
+    check "the axis has local times" diff <(grep -E 'xtics|xlabel' script) - <<'SCRIPT'
+set xtics ("16:00\n18:00" '1797782400', "18:00\n20:00" '1797789600', "20:00\n17:30" '1797796800', "22:00\n19:30" '1797804000', "00:00\n21:30" '1797811200', "02:00\n23:30" '1797818400', "04:00\n01:30" '1797825600', "06:00\n03:30" '1797832800')
+set xlabel 'UT, and local time (XYZ, then ABC) from 2026-12-20' noenhanced offset 0,-1
+SCRIPT
     run 0 --help; silent; golden help.txt out.txt
     run 0 --version; silent; check "version" grep -qxE 'zarn-moon [0-9]+\.[0-9]+\.[0-9]+' out.txt
     # Without a date, the night of now: at 0 degrees it begins at 12 h UT.
@@ -90,6 +102,26 @@ testTargetsFromAFile() {
     run 0 -T OLAN --targets pipe --mjd 61000 --format csv
     wait
     check "a pipe's target" [ "$(tail -n 1 out.txt | cut -d, -f 10-12)" = a,1.00000,2.00000 ]
+    run 0 -T OLAN --targets - --mjd 61000 --format csv <<<$'\n RA ;DEC;name;weight\n2;3;a;\n'
+    check "standard input's target" [ "$(tail -n 1 out.txt | cut -d, -f 10-12,19-)" = a,2.00000,3.00000, ]
+    while IFS='|' read -r line reason; do
+        complains 2 "standard input:2: $reason; see zarn-moon --help" -T OLAN --targets - <<<"#"$'\n'"$line"
+    done <<'LINES'
+id,ra,dec|no column has the title name
+"name|a quote is not closed
+LINES
+    while IFS='|' read -r line reason; do
+        complains 2 "standard input:2: $reason; see zarn-moon --help" -T OLAN --targets - \
+            <<<$'name\tra\tdec\tmin_altitude\tweight\n'"$line"
+    done <<'LINES'
+a	1	2	91|min_altitude: "91" is not from 0 to 90
+a	1	2		-1|weight: "-1" is not from 0 to 1e+09
+	1	2|the name is empty
+LINES
+    complains 2 'option --targets: standard input cannot be read: Is a directory; see zarn-moon --help' -T OLAN --targets - <.
+    printf 'caf\xe9 \xc3\xa9\xff,1,2' >latin.csv
+    run 0 -T OLAN --targets latin.csv --mjd 61000 --format csv
+    check "UTF-8 throughout" [ "$(tail -n 1 out.txt | cut -d, -f 10)" = $'caf\xef\xbf\xbd \xc3\xa9\xef\xbf\xbd' ]
     : >empty.csv
     complains 2 'option --targets: there is no target in empty.csv; see zarn-moon --help' -T OLAN --targets empty.csv
     complains 2 'option --targets: a\x0Ab cannot be read: No such file or directory; see zarn-moon --help' \
@@ -97,11 +129,58 @@ testTargetsFromAFile() {
     complains 2 'option --targets: . cannot be read: Is a directory; see zarn-moon --help' -T OLAN --targets .
 }
 
+testSites() {
+    local content problem sample=$data/../../../programs/zarn-moon/deploy/sites.ini
+    run 0 --sites "$sample" --list-sites; silent
+    check "sites are listed" diff - out.txt <<<$'hill\t43.2100N 8.4750E, 1240 m\nisland\t17.2500S 31.5000W'
+    TZ=XYZ-2:30 golden site.table <(TZ=XYZ-2:30 bounded --sites "$sample" --site HILL -d 2026-12-20 -s 240 -t "83.8 -5.4" --local)
+    run 0 --sites "$sample" --site hill --mjd 61000 -t "1 2" --format json
+    check "what is known of a site" [ "$(sed -n '3,12p' out.txt | tr -d ' \n')" = \
+        '"name":"hill","latitude_deg":43.21,"longitude_west_deg":-8.475,"elevation_m":1240.0,"horizon_deg":12.0,"timezone":"CET-1CEST,M3.5.0,M10.5.0/3"},"ephemeris":"erfa","extinction":0.16,"dark_sky_mag":21.6,' ]
+    run 0 --site hill --sites "$sample" --mjd 61000 -t "1 2" --format json -k 0.3 --dark-sky 20
+    check "options come first" [ "$(sed -n '11,12p' out.txt | tr -d ' \n')" = '"extinction":0.3,"dark_sky_mag":20.0,' ]
+    # The user's file; a site in the first file hides another one as a whole; capitals.
+    mkdir -p home/.config/zarnsys xdg/zarnsys
+    printf '[hill]\nlatitude=1N\nlongitude=2E\n[Vale]\nlatitude=3N\nlongitude=2E\n' >home/.config/zarnsys/sites.ini
+    printf '[mine]\nlatitude=5N\nlongitude=2E\n' >xdg/zarnsys/sites.ini
+    while IFS='|' read -r words problem; do
+        eval "HOME=\$PWD/home XDG_CONFIG_HOME= run 0 --mjd 61000 $words"
+        check "$words: $(head -n 1 out.txt)" grep -qF "UT at $problem" out.txt
+    done <<'LINES'
+--site hill|hill (1.0000N 2.0000E)
+--site VALE|Vale (3.0000N 2.0000E)
+--site hill --sites home/.config/zarnsys/sites.ini --sites "$sample"|hill (1.0000N 2.0000E)
+--site island --sites home/.config/zarnsys/sites.ini --sites "$sample"|island (17.2500S 31.5000W)
+LINES
+    HOME=$PWD/home XDG_CONFIG_HOME=$PWD/xdg run 0 --site mine --mjd 61000
+    HOME=$PWD/home XDG_CONFIG_HOME=xdg run 0 --site hill --mjd 61000
+    complains 2 "option --site: \"x\" is not a site of /nowhere/zarnsys/sites.ini or /etc/zarnsys/sites.ini; see zarn-moon --help" \
+        --site x
+    [ -e /etc/zarnsys/sites.ini ] || { run 0 --list-sites; says 'there are no sites yet'; }
+    complains 2 'no.ini: cannot be read: No such file or directory; see zarn-moon --help' --sites no.ini --list-sites
+    complains 2 '.: is not a regular file; see zarn-moon --help' --sites . --site x
+    while IFS='|' read -r content problem; do
+        printf '%b\n' "$content" >bad.ini
+        complains 2 "bad.ini$problem; see zarn-moon --help" --sites bad.ini --list-sites
+    done <"$data/wrong-sites.txt"
+}
+
 testWrongUsage() {
-    local words reason
+    local words reason name
     while IFS='|' read -r words reason; do
         eval "complains 2 \"\$reason; see zarn-moon --help\" $words"
     done <"$data/wrong-usage.txt"
+    # Only --local looks at the time zone.
+    for name in Europe/Romee XYZ XYZ-2:30x XYZ-2ABC,M1.1.1 ../zoneinfo "$(printf 'XYZ-%099d' 2)"; do
+        TZ=$name run 0 -T OLAN --mjd 61000
+        TZ=$name complains 2 "--local: TZ, \"$name\", is not a time zone of this system's tz database, or one such as XYZ-2:30; see zarn-moon --help" \
+            -T OLAN --local
+    done
+    mkdir -p zones/Here; printf 'TZif2' >zones/Here/There; echo no zone >zones/Here/Else
+    for name in '' UTC :UTC '<+0230>-2:30' NST3:30NDT,M3.2.0,M11.1.0 ABC12DEF,J60,300/-1 ABC2DEF Here/There "$PWD/zones/Here/There"; do
+        TZDIR=$PWD/zones TZ=$name run 0 -T OLAN --mjd 61000 --local
+    done
+    TZDIR=$PWD/zones TZ=Here/Else run 2 -T OLAN --mjd 61000 --local
     # The limits themselves.
     while read -r words; do
         eval "run 0 $words -o limit.txt"; silent
@@ -112,6 +191,8 @@ testCompletion() {
     run 0 --bash-completion; silent
     # shellcheck source=/dev/null
     . ./out.txt
+    # shellcheck disable=SC2317 # the completion calls it
+    zarn-moon() { printf 'hill\ta hill\nisland\tan island\n'; }
     local words expected
     while IFS='|' read -r words expected; do
         IFS=' ' read -ra COMP_WORDS <<<"zarn-moon $words"
@@ -133,6 +214,8 @@ testResultFiles() {
     run 0 "${night[@]}" -o link.txt; check "through a link" cmp kept.txt night.txt
     check "permission bits stay" [ "$(stat -c %a kept.txt)" = 751 ]
     run 0 "${night[@]}" -o sub/link.txt; check "through a link to nowhere" cmp sub/nowhere night.txt
+    run 0 "${night[@]}" -o -; check "standard output as -" cmp out.txt night.txt
+    run 0 "${night[@]}" --out=-x; check "a name with a dash" cmp ./-x night.txt; rm ./-x
     ln -s loop loop
     complains 1 'loop: Too many levels of symbolic links' -T OLAN -o loop
     complains 1 'missing/a\x0Ab: No such file or directory' -T OLAN -o $'missing/a\nb'
@@ -146,7 +229,8 @@ testResultFiles() {
     "$binary" -T OLAN >&- 2>err.txt; check "closed standard output" [ $? = 1 ]
     says 'zarn-moon: cannot write to standard output'
     bounded -T OLAN -s 0.2 --format json 2>err.txt | head -n 1 >out.txt
-    check "a reader that leaves" [ "${PIPESTATUS[0]}" = 1 ]
+    check "a reader that leaves, after $(wc -l <out.txt) line" [ "${PIPESTATUS[0]} $(wc -l <out.txt)" = '141 1' ]
+    silent
 }
 
 # What follows a failure of each operation on the way, and what is left: all, all but the seven

@@ -7,12 +7,13 @@ namespace zarn {
 namespace {
 
 /// What an option takes, for a shell to complete.
-enum class Takes { NOTHING, A_FILE, A_DIRECTORY, A_WORD, OTHER };
+enum class Takes { NOTHING, A_FILE, A_DIRECTORY, A_SITE, A_WORD, OTHER };
 
 Takes takenBy(const OptionRow& row) {
     if (row.argument.empty()) return Takes::NOTHING;
     if (row.argument == "FILE") return Takes::A_FILE;
     if (row.argument == "DIR") return Takes::A_DIRECTORY;
+    if (row.argument == "SITE") return Takes::A_SITE;
     return row.argument.find('|') == std::string::npos ? Takes::OTHER : Takes::A_WORD;
 }
 
@@ -20,6 +21,11 @@ Takes takenBy(const OptionRow& row) {
 std::string wordsIn(std::string choice) {
     std::replace(choice.begin(), choice.end(), '|', ' ');
     return choice;
+}
+
+/// A command that lists the names of sites, which need no quotes, each before a tab.
+std::string listOfSites(const std::string& program) {
+    return program + " --list-sites 2>/dev/null";
 }
 
 /// A text with a backslash before each of some characters.
@@ -53,12 +59,15 @@ std::string bashPattern(const OptionRow& row) {
 
 /// What bash does after an option that takes an argument. Where the function returns without a
 /// reply, bash completes the names of files.
-std::string bashValues(const OptionRow& row) {
+std::string bashValues(const std::string& program, const OptionRow& row) {
     switch (takenBy(row)) {
         case Takes::A_FILE:
             return "return";
         case Takes::A_DIRECTORY:
             return R"(mapfile -t COMPREPLY < <(compgen -d -- "$word"); return)";
+        case Takes::A_SITE:
+            return R"(mapfile -t COMPREPLY < <(compgen -W "$()" + listOfSites(program) +
+                   " | cut -f 1)\" -- \"$word\"); return";
         case Takes::A_WORD:
             return R"(mapfile -t COMPREPLY < <(compgen -W ")" + wordsIn(row.argument) +
                    R"(" -- "$word"); return)";
@@ -68,7 +77,7 @@ std::string bashValues(const OptionRow& row) {
 }
 
 /// What zsh's _arguments completes an option's value by.
-std::string zshValues(const OptionRow& row) {
+std::string zshValues(const std::string& program, const OptionRow& row) {
     const std::string message = ":" + escaped(row.argument, ":\\") + ":";
     switch (takenBy(row)) {
         case Takes::NOTHING:
@@ -77,6 +86,8 @@ std::string zshValues(const OptionRow& row) {
             return message + "_files";
         case Takes::A_DIRECTORY:
             return message + "_files -/";
+        case Takes::A_SITE:
+            return ":" + row.name + ":($(" + listOfSites(program) + " | cut -f 1))";
         case Takes::A_WORD:
             return ":" + row.name + ":(" + wordsIn(row.argument) + ")";
         default:
@@ -85,16 +96,16 @@ std::string zshValues(const OptionRow& row) {
 }
 
 /// One form of an option, as a word for _arguments. One that takes a value may be repeated.
-std::string zshForm(const OptionRow& row, const std::string& form) {
+std::string zshForm(const std::string& program, const OptionRow& row, const std::string& form) {
     const std::string both =
         row.hasLetter() ? std::string("-") + row.letter + " --" + row.name : "--" + row.name;
     const std::string before = row.argument.empty() ? "(" + both + ")" : "*";
     const std::string help = "[" + escaped(row.help, "[]\\") + "]";
-    return " \\\n    " + quoted(before + form + help + zshValues(row));
+    return " \\\n    " + quoted(before + form + help + zshValues(program, row));
 }
 
 /// What fish completes an option's value by.
-std::string fishValues(const OptionRow& row) {
+std::string fishValues(const std::string& program, const OptionRow& row) {
     switch (takenBy(row)) {
         case Takes::NOTHING:
             return "";
@@ -102,6 +113,8 @@ std::string fishValues(const OptionRow& row) {
             return " -r -F";
         case Takes::A_DIRECTORY:
             return " -x -a '(__fish_complete_directories)'";
+        case Takes::A_SITE:
+            return " -x -a '(" + listOfSites(program) + ")'";
         case Takes::A_WORD:
             return " -x -a '" + wordsIn(row.argument) + "'";
         default:
@@ -119,7 +132,7 @@ std::string bashCompletion(const std::string& program, const std::vector<OptionR
     for (const OptionRow& row : rows) {
         options += (options.empty() ? "--" : " --") + row.name;
         if (!row.argument.empty())
-            cases += "        " + bashPattern(row) + ") " + bashValues(row) + " ;;\n";
+            cases += "        " + bashPattern(row) + ") " + bashValues(program, row) + " ;;\n";
     }
     return firstLine("# bash completion for", program, "bash") + function + R"(() {
     local word=${COMP_WORDS[COMP_CWORD]} option=${COMP_WORDS[COMP_CWORD - 1]}
@@ -140,8 +153,8 @@ std::string zshCompletion(const std::string& program, const std::vector<OptionRo
                          firstLine("# zsh completion for", program, "zsh") + "_arguments -s";
     for (const OptionRow& row : rows) {
         const bool takesValue = !row.argument.empty();
-        if (row.hasLetter()) script += zshForm(row, std::string("-") + row.letter);
-        script += zshForm(row, "--" + row.name + (takesValue ? "=" : ""));
+        if (row.hasLetter()) script += zshForm(program, row, std::string("-") + row.letter);
+        script += zshForm(program, row, "--" + row.name + (takesValue ? "=" : ""));
     }
     return script + " \\\n    '*:file:_files'\n";
 }
@@ -151,7 +164,8 @@ std::string fishCompletion(const std::string& program, const std::vector<OptionR
     for (const OptionRow& row : rows) {
         script += "complete -c " + program;
         if (row.hasLetter()) script += std::string(" -s ") + row.letter;
-        script += " -l " + row.name + fishValues(row) + " -d '" + escaped(row.help, "'\\") + "'\n";
+        script += " -l " + row.name + fishValues(program, row) + " -d '" +
+                  escaped(row.help, "'\\") + "'\n";
     }
     return script;
 }

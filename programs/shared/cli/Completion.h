@@ -1,7 +1,8 @@
 /// Scripts by which shells complete a program's options.
 ///
 /// They complete the options and those of their values that are a choice of words
-/// ("table|csv|json"), a directory ("DIR") or a file ("FILE"), as are arguments without option.
+/// ("table|csv|json"), a site ("SITE"), a directory ("DIR") or a file ("FILE"), as are arguments
+/// without option.
 #ifndef ZARN_PROGRAMS_COMPLETION_H
 #define ZARN_PROGRAMS_COMPLETION_H
 

@@ -1,9 +1,11 @@
 #include "shared/cli/OptionTable.h"
 
+#include <iostream>
 #include <utility>
 
 #include "shared/cli/Completion.h"
 #include "shared/cli/Printable.h"
+#include "shared/cli/TextStreams.h"
 #include "shared/cli/Value.h"
 
 namespace zarn {
@@ -19,6 +21,18 @@ OptionTable::OptionTable(std::vector<const char*> arguments, std::vector<OptionR
     : GenConfig(static_cast<int>(arguments.size()), arguments.data()), rows_(std::move(rows)) {
     for (const auto& [name, letter, argument, help, defaultText] : rows_)
         optionMap_[name] = {letter, argument, false, !argument.empty(), help, defaultText};
+}
+
+void OptionTable::displayOptions() const {
+    const std::string emptyHeading = "Mandatory Options:\n\n";
+    TextWriter help;
+    std::streambuf* const output = std::cout.rdbuf(help.rdbuf());
+    displayHelp();  // to standard output, and nowhere else
+    std::cout.rdbuf(output);
+    std::string text = help.str();
+    const std::string::size_type at = text.find(emptyHeading);
+    if (at != std::string::npos) text.erase(at, emptyHeading.size());
+    std::cout << text;
 }
 
 std::string OptionTable::completion(const std::string& program) const {

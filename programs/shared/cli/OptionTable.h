@@ -25,6 +25,10 @@ public:
     /// @param arguments  the process's arguments, its name first
     OptionTable(std::vector<const char*> arguments, std::vector<OptionRow> rows);
 
+    /// Writes the help of the options to standard output, without the heading of mandatory ones
+    /// where there is none.
+    void displayOptions() const;
+
     /// The script for the shell that the options ask for; empty: they ask for none.
     std::string completion(const std::string& program) const;
 

@@ -2,11 +2,13 @@
 
 #include <ace/Log_Msg.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <cstdlib>
 #include <exception>
+#include <iostream>
 #include <new>
 #include <string_view>
 
@@ -32,6 +34,12 @@ bool isForMemory(const std::exception_ptr& thrown) {
     std::_Exit(EXIT_SOME_FAILED);
 }
 
+/// Whether a descriptor leads into a pipe that nobody reads from any more.
+bool readerLeft(int fd) {
+    pollfd pipe = {fd, 0, 0};
+    return ::poll(&pipe, 1, 0) == 1 && (pipe.revents & POLLERR) != 0;
+}
+
 }  // namespace
 
 const u_long ERROR_AND_ABOVE = LM_ERROR | LM_CRITICAL | LM_ALERT | LM_EMERGENCY;
@@ -52,6 +60,17 @@ void ignoreWriteSignals() {
 }
 
 void reportMissingMemory() { std::set_terminate(terminate); }
+
+int finishOutput(const std::string& program, int status) {
+    if (std::cout.flush()) return status;
+    if (readerLeft(STDOUT_FILENO)) {
+        std::signal(SIGPIPE, SIG_DFL);
+        std::raise(SIGPIPE);
+        return EXIT_SIGNAL + SIGPIPE;  // while the signal is blocked
+    }
+    std::cerr << program + ": cannot write to standard output\n";
+    return EXIT_SOME_FAILED;
+}
 
 void reserveStandardStreams() {
     for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {

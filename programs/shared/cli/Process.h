@@ -4,6 +4,7 @@
 
 #include <sys/types.h>
 
+#include <string>
 #include <vector>
 
 namespace zarn {
@@ -30,6 +31,13 @@ void ignoreWriteSignals();
 /// Lets the process end with a message and EXIT_SOME_FAILED where memory runs out in what must not
 /// throw: the destructors of JSON values need some. Whatever else ends it there still aborts.
 void reportMissingMemory();
+
+/// Flushes standard output at the end of a program and gives its exit status. When the reader of a
+/// pipe has left, as `head` does, it ends the process quietly by SIGPIPE, as other filters end; any
+/// other failure is reported and becomes status 1.
+///
+/// @param status  the exit status unless standard output fails
+int finishOutput(const std::string& program, int status);
 
 /// Fills closed standard streams, so that no other file gets their descriptors. Each is opened in
 /// the wrong direction: its use still fails, as it would have.

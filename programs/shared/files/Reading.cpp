@@ -20,9 +20,9 @@ Descriptor openOrThrow(const std::string& fileName, int flags) {
     return file;
 }
 
-std::string readAll(const Descriptor& file) {
+std::string readAll(int fd) {
     std::string bytes;
-    while (readChunk(file.get(), bytes)) {
+    while (readChunk(fd, bytes)) {
     }
     return bytes;
 }
@@ -50,11 +50,15 @@ bool readChunk(int fd, std::string& bytes) {
     return count > 0;
 }
 
-std::string readFile(const std::string& fileName) { return readAll(openForReading(fileName)); }
+std::string readFile(const std::string& fileName) {
+    return readAll(openForReading(fileName).get());
+}
 
 std::string readFileOrPipe(const std::string& fileName) {
-    return readAll(openOrThrow(fileName, O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    return readAll(openOrThrow(fileName, O_RDONLY | O_CLOEXEC | O_NOCTTY).get());
 }
+
+std::string readStandardInput() { return readAll(STDIN_FILENO); }
 
 void writeAll(int fd, const std::string& bytes) {
     for (std::size_t done = 0; done < bytes.size();) {

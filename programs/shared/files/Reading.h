@@ -54,6 +54,11 @@ std::string readFile(const std::string& fileName);
 /// The same, but waits until the writer of a pipe closes it.
 std::string readFileOrPipe(const std::string& fileName);
 
+/// All bytes of standard input.
+///
+/// @throw std::system_error  when it cannot be read
+std::string readStandardInput();
+
 /// Writes all of `bytes`.
 ///
 /// @throw std::system_error  when writing fails

@@ -55,6 +55,71 @@ double sexagesimal(const std::string& text, const std::string& whole) {
     return decimal(parts[0], whole) + fractionOf(parts[1], whole) + seconds / PARTS;
 }
 
+constexpr char NO_UNIT = ' ';
+
+/// An angle as it is read further, its parts with colons between them, and its unit if it says so.
+struct Notation {
+    std::string text;
+    char unit;  ///< h: hours; d: degrees
+};
+
+/// The notation of "5h35m17.3s", "+5d23m" or "05 35 17.3"; of any other text itself.
+Notation notationOf(const std::string& text) {
+    std::string parts;
+    std::string marks;
+    for (const char c : text) {
+        const char mark = c == '\t' ? ' ' : c;
+        if (!isMadeOf({mark}, "hdms ")) {
+            parts += mark;
+        } else if (mark != ' ' || parts.empty() || parts.back() != ':') {
+            parts += ':';
+            marks += mark;
+        }
+    }
+    for (const char* const known : {"h", "hm", "hms", "d", "dm", "dms", " ", "  "}) {
+        if (marks != known) continue;
+        if (parts.back() == ':') parts.pop_back();
+        return {parts, marks.front()};
+    }
+    return {text, NO_UNIT};
+}
+
+/// A right ascension [deg], 0 <= ra < 360, in the unit that it names or its form implies.
+double rightAscension(const Notation& notation, const std::string& whole) {
+    const bool isHours =
+        notation.unit == 'h' || (notation.unit == NO_UNIT && isSexagesimal(notation.text));
+    const double unit = isHours ? DEG_PER_HOUR : 1.0;
+    const double ra = parseAngle(notation.text, FULL_CIRCLE / unit, whole) * unit;
+    return ra < FULL_CIRCLE ? ra : 0.0;
+}
+
+double declination(const std::string& text, const std::string& whole) {
+    constexpr double POLE = 90.0;
+    const bool isSigned = text.find_first_of("+-") == 0;
+    const double size = parseAngle(text.substr(isSigned ? 1 : 0), POLE, whole);
+    return text[0] == '-' ? -size : size;
+}
+
+using Words = std::vector<std::string>;
+
+std::string joined(Words::const_iterator begin, Words::const_iterator end) {
+    std::string text;
+    for (auto word = begin; word != end; ++word) text += (word == begin ? "" : " ") + *word;
+    return text;
+}
+
+/// Which word of a position begins its declination: the one with a sign, or else the first of the
+/// second half; the number of words if neither can be.
+std::size_t secondAngle(const Words& words) {
+    constexpr std::size_t MOST = 6;  // three of each
+    if (words.size() < 2 || words.size() > MOST) return words.size();
+    const auto sign = std::find_if(words.begin() + 1, words.end(), [](const std::string& word) {
+        return word.find_first_of("+-") == 0;
+    });
+    if (sign != words.end()) return static_cast<std::size_t>(sign - words.begin());
+    return words.size() % 2 == 0 ? words.size() / 2 : words.size();
+}
+
 }  // namespace
 
 double parseNumber(const std::string& text, double least, double most) {
@@ -72,29 +137,28 @@ double parseAngle(const std::string& text, double most, const std::string& whole
 }
 
 double parseRightAscension(const std::string& text) {
-    const double unit = isSexagesimal(text) ? DEG_PER_HOUR : 1.0;
-    const double ra = parseAngle(text, FULL_CIRCLE / unit, text) * unit;
-    return ra < FULL_CIRCLE ? ra : 0.0;
+    return rightAscension({text, NO_UNIT}, text);
 }
 
-double parseDeclination(const std::string& text) {
-    constexpr double POLE = 90.0;
-    const bool isSigned = text.find_first_of("+-") == 0;
-    const double size = parseAngle(text.substr(isSigned ? 1 : 0), POLE, text);
-    return text[0] == '-' ? -size : size;
-}
+double parseDeclination(const std::string& text) { return declination(text, text); }
 
 Position parsePosition(const std::string& ra, const std::string& dec) {
-    if (isSexagesimal(ra) != isSexagesimal(dec))
+    const Notation right = notationOf(ra);
+    const Notation down = notationOf(dec);
+    const bool sayUnits = right.unit != NO_UNIT || down.unit != NO_UNIT;
+    if (!sayUnits && isSexagesimal(right.text) != isSexagesimal(down.text))
         refuseText(ra + " " + dec, "must be two numbers in degrees or two sexagesimal ones");
-    return {parseRightAscension(ra), parseDeclination(dec)};
+    if (down.unit == 'h') refuseText(dec, "is a declination in hours");
+    return {rightAscension(right, ra), declination(down.text, dec)};
 }
 
 Position parsePosition(const std::string& text) {
     std::vector<std::string> words;
     ZarnSys::split(text, " \t", words);
-    if (words.size() != 2) refuseText(text, "is not a right ascension and a declination");
-    return parsePosition(words[0], words[1]);
+    const std::size_t second = secondAngle(words);
+    if (second == words.size()) refuseText(text, "is not a right ascension and a declination");
+    const auto middle = words.begin() + static_cast<std::ptrdiff_t>(second);
+    return parsePosition(joined(words.begin(), middle), joined(middle, words.end()));
 }
 
 }  // namespace zarn

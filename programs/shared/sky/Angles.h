@@ -32,11 +32,13 @@ double parseRightAscension(const std::string& text);
 /// A declination [deg], -90 to 90: "-5.3911" or "-05:23:28".
 double parseDeclination(const std::string& text);
 
-/// A position: both in degrees ("83.8221 -5.3911"), or both sexagesimal, the right ascension in
-/// hours ("05:35:17.3 -05:23:28").
+/// A position: both in degrees ("83.8221", "-5.3911"), or both sexagesimal, the right ascension in
+/// hours ("05:35:17.3", "-05:23:28"), with blanks for colons, or with units ("5h35m17.3s",
+/// "-5d23m").
 Position parsePosition(const std::string& ra, const std::string& dec);
 
-/// The same from one text, with blanks between the two.
+/// The same from one text, with blanks between the two. Of more than two words, the declination
+/// begins at the one with a sign, or in the middle.
 Position parsePosition(const std::string& text);
 
 }  // namespace zarn

@@ -90,7 +90,7 @@ Settings CommandLine::parse() {
 }
 
 void CommandLine::displayFullHelp() const {
-    displayHelp();
+    displayOptions();
     std::cout << HELP_NOTES << std::flush;
 }
 

@@ -27,15 +27,48 @@ std::string lineOf(const Cells& cells) {
 /// A truth value as a cell.
 std::string word(bool yes) { return yes ? "1" : "0"; }
 
-/// The header row of a table of instants.
-Cells instantTitles(const Settings& settings) {
+/// The titles of the targets' further columns, each once.
+Cells furtherTitles(const Settings& settings) {
+    Cells titles;
+    for (const Target& target : settings.targets) {
+        for (const auto& [title, text] : target.columns) {
+            if (std::find(titles.begin(), titles.end(), title) == titles.end())
+                titles.push_back(title);
+        }
+    }
+    return titles;
+}
+
+/// A target's texts in the columns of these titles.
+Cells furtherCells(const Target& target, const Cells& titles) {
+    Cells cells(titles.size());
+    for (const auto& [title, text] : target.columns) {
+        const auto place = std::find(titles.begin(), titles.end(), title) - titles.begin();
+        cells[static_cast<std::size_t>(place)] = asUtf8(text);
+    }
+    return cells;
+}
+
+void append(Cells& cells, const Cells& more) {
+    cells.insert(cells.end(), more.begin(), more.end());
+}
+
+/// The header row of a table of instants. A further column with the title of another one gets
+/// "target_" before it.
+Cells instantTitles(const Settings& settings, const Cells& further) {
     Cells titles = {"utc", "mjd"};
     if (settings.local) titles.emplace_back("local");
     const Cells more = {"lst_h",         "sun_alt_deg",  "moon_alt_deg", "moon_az_deg",
                         "illumination",  "phase",        "moon_up",      "target",
                         "ra_deg",        "dec_deg",      "alt_deg",      "airmass",
                         "moon_dist_deg", "moon_sky_mag", "sky_mag",      "best"};
-    titles.insert(titles.end(), more.begin(), more.end());
+    append(titles, more);
+    for (const std::string& title : further) {
+        std::string unique = asUtf8(title);
+        while (std::find(titles.begin(), titles.end(), unique) != titles.end())
+            unique.insert(0, "target_");
+        titles.push_back(unique);
+    }
     return titles;
 }
 
@@ -49,17 +82,17 @@ Cells instantCells(const Settings& settings, const Row& row) {
                         fixed(row.illumination, FRACTION_DECIMALS),
                         fixed(row.phase, FRACTION_DECIMALS),
                         word(row.moonUp)};
-    cells.insert(cells.end(), more.begin(), more.end());
+    append(cells, more);
     return cells;
 }
 
 Cells targetCells(const Report& report, const Target& target, const TargetValues& values) {
-    return {target.name,
+    return {asUtf8(target.name),
             fixedOnCircle(target.position.ra, POSITION_DECIMALS, FULL_CIRCLE),
             fixed(target.position.dec, POSITION_DECIMALS),
             fixed(values.altitude, ANGLE_DECIMALS),
             fixedOr(values.airmass, FRACTION_DECIMALS, ""),
-            fixed(values.moonDistance, ANGLE_DECIMALS),
+            fixed(values.moonDistance, SEPARATION_DECIMALS),
             fixedOr(values.moonSky, BRIGHTNESS_DECIMALS, ""),
             fixedOr(values.sky, BRIGHTNESS_DECIMALS, ""),
             report.windows.empty() ? "" : word(values.best)};
@@ -69,7 +102,10 @@ Cells targetCells(const Report& report, const Target& target, const TargetValues
 std::string instants(const Report& report) {
     constexpr std::size_t TARGET_CELLS = 9;
     const Settings& settings = report.settings;
-    std::string text = lineOf(instantTitles(settings));
+    const Cells further = furtherTitles(settings);
+    std::vector<Cells> ends;  // of the targets' rows
+    for (const Target& target : settings.targets) ends.push_back(furtherCells(target, further));
+    std::string text = lineOf(instantTitles(settings, further));
     for (const Row& row : report.rows) {
         const Cells instant = instantCells(settings, row);
         for (std::size_t i = 0; i < std::max<std::size_t>(1, row.targets.size()); ++i) {
@@ -77,7 +113,8 @@ std::string instants(const Report& report) {
                                      ? Cells(TARGET_CELLS)
                                      : targetCells(report, settings.targets[i], row.targets[i]);
             Cells cells = instant;
-            cells.insert(cells.end(), target.begin(), target.end());
+            append(cells, target);
+            if (!row.targets.empty()) append(cells, ends[i]);
             text += lineOf(cells);
         }
     }
@@ -100,7 +137,7 @@ Cells nightTitles(const Report& report) {
         if (report.settings.local) titles.push_back(keyOf(event.name) + "_local");
     }
     for (const char* title : {"astronomical_hours", "dark_hours", "illumination", "phase", "word",
-                              "eclipse", "eclipse_magnitude"})
+                              "sun", "twilights", "eclipse", "eclipse_magnitude"})
         titles.emplace_back(title);
     for (const char* contact : CONTACTS) {
         titles.push_back(keyOf(contact));
@@ -137,6 +174,8 @@ Cells nightCells(const NightLine& night, bool local) {
     cells.push_back(fixed(night.summary.illumination, FRACTION_DECIMALS));
     cells.push_back(fixed(night.summary.moonPhase, FRACTION_DECIMALS));
     cells.push_back(night.summary.word);
+    cells.push_back(keyOf(night.daylight.course));
+    cells.push_back(joined(night.daylight.twilights));
     const Cells eclipse = eclipseCells(night.eclipse, local);
     cells.insert(cells.end(), eclipse.begin(), eclipse.end());
     return cells;

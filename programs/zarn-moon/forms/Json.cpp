@@ -61,17 +61,22 @@ Json nightOf(const NightLine& line, bool local) {
             {"dark_hours", rounded(summary.darkHours, HOURS_DECIMALS)},
             {"illumination", rounded(summary.illumination, FRACTION_DECIMALS)},
             {"phase", rounded(summary.moonPhase, FRACTION_DECIMALS)},
+            {"sun", keyOf(line.daylight.course)},
+            {"twilights", line.daylight.twilights},
             {"events", events},
             {"eclipse", eclipseOf(line.eclipse, local)}};
 }
 
 /// A target with its best window, if that was asked for.
 Json targetOf(const Report& report, std::size_t i) {
-    const auto& [name, position] = report.settings.targets[i];
-    Json target = {{"name", name},
-                   {"ra_deg", onCircle(position.ra, POSITION_DECIMALS, FULL_CIRCLE)},
-                   {"dec_deg", rounded(position.dec, POSITION_DECIMALS)},
+    const Target& asked = report.settings.targets[i];
+    Json target = {{"name", asked.name},
+                   {"ra_deg", onCircle(asked.position.ra, POSITION_DECIMALS, FULL_CIRCLE)},
+                   {"dec_deg", rounded(asked.position.dec, POSITION_DECIMALS)},
                    {"equinox", report.settings.equinox == Equinox::OF_DATE ? "date" : "J2000"}};
+    if (asked.minAltitude) target["min_altitude_deg"] = *asked.minAltitude;
+    if (asked.weight) target["weight"] = *asked.weight;
+    for (const auto& [title, text] : asked.columns) target["columns"][title] = text;
     if (report.windows.empty()) return target;
     const Window& window = report.windows[i];
     const bool none = window.begin == window.end;
@@ -85,7 +90,7 @@ Json targetOf(const Report& report, std::size_t i) {
 Json valuesOf(const TargetValues& values) {
     return {{"alt_deg", rounded(values.altitude, ANGLE_DECIMALS)},
             {"airmass", orNull(values.airmass, FRACTION_DECIMALS)},
-            {"moon_dist_deg", rounded(values.moonDistance, ANGLE_DECIMALS)},
+            {"moon_dist_deg", rounded(values.moonDistance, SEPARATION_DECIMALS)},
             {"moon_sky_mag", orNull(values.moonSky, BRIGHTNESS_DECIMALS)},
             {"sky_mag", orNull(values.sky, BRIGHTNESS_DECIMALS)}};
 }
@@ -105,16 +110,24 @@ Json rowOf(const Row& row, bool local) {
     return json;
 }
 
+/// The site, with what its file says of it.
+Json siteOf(const Settings& settings) {
+    Json site = {{"name", settings.site.name},
+                 {"latitude_deg", settings.site.latitude},
+                 {"longitude_west_deg", settings.site.longitude}};
+    if (settings.site.elevation != 0.0) site["elevation_m"] = settings.site.elevation;
+    if (settings.horizon) site["horizon_deg"] = *settings.horizon;
+    if (!settings.timeZone.empty()) site["timezone"] = settings.timeZone;
+    return site;
+}
+
 }  // namespace
 
 std::string jsonOf(const Report& report) {
     constexpr int INDENT = 1;
     const Settings& settings = report.settings;
     const bool local = settings.local;
-    Json json = {{"site",
-                  {{"name", settings.site.name},
-                   {"latitude_deg", settings.site.latitude},
-                   {"longitude_west_deg", settings.site.longitude}}},
+    Json json = {{"site", siteOf(settings)},
                  {"ephemeris", settings.ephemeris == Theory::ERFA ? "erfa" : "library"},
                  {"extinction", settings.extinction},
                  {"dark_sky_mag", settings.darkSky}};

@@ -1,6 +1,7 @@
 #include "zarn-moon/forms/PlotScript.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 
 #include "shared/cli/Printable.h"
@@ -73,6 +74,39 @@ std::string shades(const std::vector<Row>& rows) {
     return script.str();
 }
 
+/// The hours to which the axis has marks: each, or every other if there are many.
+std::vector<double> markedHours(const std::vector<Row>& rows) {
+    constexpr int MANY = 13;
+    const int first = static_cast<int>(std::ceil(rows.front().mjd * HOURS_PER_DAY));
+    const int last = static_cast<int>(std::floor(rows.back().mjd * HOURS_PER_DAY));
+    std::vector<double> hours;
+    for (int hour = first; hour <= last; hour += last - first > MANY ? 2 : 1)
+        hours.push_back(hour / HOURS_PER_DAY);
+    return hours;
+}
+
+/// The axis of times: in UT, and below each mark the local time if that is asked for.
+std::string timeAxis(const Settings& settings, const std::vector<Row>& rows) {
+    if (!settings.local) return "set format x '%H:%M'\n";
+    std::string tics;
+    for (const double mjd : markedHours(rows)) {
+        tics += (tics.empty() ? "\"" : ", \"") + secondOf(mjd).substr(11, 5) + "\\n" +
+                localTime(mjd, "%H:%M") + "\" '" + timeOf(mjd) + "'";
+    }
+    return "set xtics (" + tics + ")\n";
+}
+
+/// What the axis of times is called, with the zones of its beginning and its end.
+std::string timeLabel(const Settings& settings, const std::vector<Row>& rows) {
+    if (!settings.local) return "set xlabel 'UT'\n";
+    const std::string begin = localTime(rows.front().mjd, "%Z");
+    const std::string end = localTime(rows.back().mjd, "%Z");
+    return "set xlabel " +
+           quoted("UT, and local time (" + begin + (end == begin ? "" : ", then " + end) +
+                  ") from " + localTime(rows.front().mjd, "%Y-%m-%d")) +
+           " noenhanced offset 0,-1\nset bmargin 5\n";
+}
+
 /// The data block: times, the moon's altitude, and each target's altitude and sky brightness. NaN
 /// leaves a gap in a curve.
 std::string data(const std::vector<Row>& rows) {
@@ -132,19 +166,17 @@ std::string scriptOf(const Settings& settings, const std::vector<Row>& rows,
     std::string script = std::string("set terminal ") + (isSvg(settings) ? "svg" : "pngcairo") +
                          " size 900," + (sky ? "800" : "450") + " background 'white'\n";
     script += data(rows) + shades(rows);
-    script +=
-        "set xdata time\nset timefmt '%s'\nset format x '%H:%M'\nset grid\n"
-        "set xrange [" +
-        timeOf(rows.front().mjd) + ":" + timeOf(rows.back().mjd) +
-        "]\nset key outside top center horizontal\nset lmargin 9\nset rmargin 3\n";
+    script += "set xdata time\nset timefmt '%s'\n" + timeAxis(settings, rows) +
+              "set grid\nset xrange [" + timeOf(rows.front().mjd) + ":" + timeOf(rows.back().mjd) +
+              "]\nset key outside top center horizontal\nset lmargin 9\nset rmargin 3\n";
     const std::string title = "Night of " + dateOf(settings.date) + " at " + settings.site.name +
                               " (" + coordinates(settings.site) + "): moon " +
                               fixed(100.0 * summary.illumination, 0) + " % lit, " + summary.word;
     if (!sky)
-        return script + "set xlabel 'UT'\nset title " + quoted(title) + " noenhanced\n" +
+        return script + timeLabel(settings, rows) + "set title " + quoted(title) + " noenhanced\n" +
                altitudes(settings);
     return script + "set multiplot layout 2,1 title " + quoted(title) + " noenhanced\n" +
-           altitudes(settings) + "set xlabel 'UT'\n" + brightness(settings, rows) +
+           altitudes(settings) + timeLabel(settings, rows) + brightness(settings, rows) +
            "unset multiplot\n";
 }
 

@@ -1,5 +1,7 @@
 #include "zarn-moon/forms/Report.h"
 
+#include <algorithm>
+
 #include "shared/cli/UsageError.h"
 
 namespace zarn::moon {
@@ -17,7 +19,15 @@ void checkSize(std::size_t instants, std::size_t targets) {
 }
 
 NightLine lineOf(const Ephemeris& ephemeris, const Night& night) {
-    return {night.date, eventsOf(night), summaryOf(night), eclipseIn(ephemeris, night)};
+    return {night.date, eventsOf(night), summaryOf(night), daylightOf(night),
+            eclipseIn(ephemeris, night)};
+}
+
+/// Whether anything says how high targets must be.
+bool asksForWindows(const Settings& settings) {
+    return settings.minAltitude || settings.horizon ||
+           std::any_of(settings.targets.begin(), settings.targets.end(),
+                       [](const Target& target) { return target.minAltitude.has_value(); });
 }
 
 /// Fills in the report on a single night.
@@ -26,13 +36,13 @@ void addNight(Report& report) {
     const Ephemeris& ephemeris = ephemerisOf(settings.ephemeris);
     const Night night = makeNight(ephemeris, settings.site, settings.date);
     report.nights.push_back(lineOf(ephemeris, night));
-    report.phases = nextPhases(ephemeris, night.instants.front());
+    report.phases = nextPhases(ephemeris, night.instants.front(), night.instants.back());
     const std::vector<MJD_DATE> instants = instantsOf(ephemeris, night, settings.step);
     checkSize(instants.size(), settings.targets.size());
     const std::vector<Direction> targets = directionsOfDate(settings, ephemeris, middleOf(night));
-    if (settings.minAltitude) {
-        for (const Direction& target : targets)
-            report.windows.push_back(bestWindow(night, target, *settings.minAltitude));
+    for (std::size_t i = 0; asksForWindows(settings) && i < targets.size(); ++i) {
+        const double least = leastAltitudeOf(settings, settings.targets[i]);
+        report.windows.push_back(bestWindow(night, targets[i], least));
     }
     report.rows =
         makeRows(settings, ephemeris.pathOver(settings.site, instants), targets, report.windows);
@@ -41,21 +51,27 @@ void addNight(Report& report) {
 
 }  // namespace
 
+double leastAltitudeOf(const Settings& settings, const Target& target) {
+    const double asked = target.minAltitude.value_or(settings.minAltitude.value_or(0.0));
+    return std::max(asked, settings.horizon.value_or(0.0));
+}
+
 Report makeReport(const Settings& settings) {
     const Ephemeris& ephemeris = ephemerisOf(settings.ephemeris);
     Report report = {settings, {}, {}, {}, {}, {}};
     if (settings.mjd) {
         checkSize(1, settings.targets.size());
-        report.phases = nextPhases(ephemeris, *settings.mjd);
+        report.phases = nextPhases(ephemeris, *settings.mjd, *settings.mjd);
         report.rows = makeRows(settings, ephemeris.pathOver(settings.site, {*settings.mjd}),
                                directionsOfDate(settings, ephemeris, *settings.mjd), {});
     } else if (settings.nights == 0) {
         addNight(report);
     } else {
+        const double begin = noonOf(settings.site, settings.date);
+        report.phases = nextPhases(ephemeris, begin, begin + settings.nights);
         for (unsigned i = 0; i < settings.nights; ++i) {
             const Night night = makeNight(ephemeris, settings.site, settings.date + i);
             report.nights.push_back(lineOf(ephemeris, night));
-            if (i == 0) report.phases = nextPhases(ephemeris, night.instants.front());
         }
     }
     return report;

@@ -18,6 +18,7 @@ struct NightLine {
     double date;  ///< 0 h of the day that it begins on [MJD]
     std::vector<Event> events;
     Summary summary;
+    Daylight daylight;
     std::optional<Eclipse> eclipse;
 };
 
@@ -25,7 +26,7 @@ struct NightLine {
 struct Report {
     Settings settings;
     std::vector<NightLine> nights;  ///< the one, or as many as asked for; empty for an instant
-    std::vector<Phase> phases;      ///< the next four after the beginning
+    std::vector<Phase> phases;      ///< those of the nights, the next four at least
     std::vector<Row> rows;          ///< of the night or instant; empty for several nights
     std::vector<Window> windows;    ///< of each target; empty: not asked for
     std::optional<Night> night;     ///< minute by minute, if it is the only one
@@ -35,6 +36,10 @@ struct Report {
 ///
 /// @throw UsageError  when the table would be too large
 Report makeReport(const Settings& settings);
+
+/// How high a target must be in its best window [deg]: as its file says, or else the option; in
+/// any case above the site's horizon.
+double leastAltitudeOf(const Settings& settings, const Target& target);
 
 /// For people: text and aligned columns.
 std::string tableOf(const Report& report);

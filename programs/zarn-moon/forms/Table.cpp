@@ -18,7 +18,7 @@ const std::size_t DATE_LENGTH = std::string("YYYY-MM-DDT").size();
 std::string timeText(double mjd, bool local) {
     std::string text = minuteOf(mjd);
     text.replace(text.find('T'), 1, " ");
-    return local ? text + " (" + localTime(nearestMinute(mjd), "%H:%M %Z") + ")" : text;
+    return local ? text + " (" + localClock(nearestMinute(mjd), "%H:%M %Z") + ")" : text;
 }
 
 std::string timesText(const std::vector<double>& times, bool local, const std::string& absent) {
@@ -54,7 +54,7 @@ std::vector<std::string> timeCells(double mjd, const Settings& settings) {
     const bool minutes = isWholeMinutes(settings);
     const std::string time = minutes ? clockText(mjd) : secondOf(mjd).substr(DATE_LENGTH);
     std::vector<std::string> cells = {time};
-    if (settings.local) cells.push_back(localTime(mjd, minutes ? "%H:%M" : "%H:%M:%S"));
+    if (settings.local) cells.push_back(localClock(mjd, minutes ? "%H:%M" : "%H:%M:%S"));
     return cells;
 }
 
@@ -94,10 +94,17 @@ std::string skyText(const Row& row, const TargetValues& values) {
     return fixedOr(values.sky, 2, row.sunAltitude < HORIZON ? "twilight" : "daylight");
 }
 
-std::string windowText(const Window& window, double least) {
+/// A window's local times.
+std::string localSpan(const Window& window) {
+    return localClock(nearestMinute(window.begin), "%H:%M") + " to " +
+           localClock(nearestMinute(window.end), "%H:%M %Z");
+}
+
+std::string windowText(const Window& window, double least, bool local) {
     const std::string what = "best window, at least " + fixed(least, 1) + " degrees high: ";
     if (window.begin == window.end) return what + "none";
-    return what + clockText(window.begin) + " to " + clockText(window.end) + " UT, moon " +
+    return what + clockText(window.begin) + " to " + clockText(window.end) + " UT" +
+           (local ? " (" + localSpan(window) + ")" : "") + ", moon " +
            (window.moonDown ? "down" : "up") + " (marked *)";
 }
 
@@ -152,18 +159,29 @@ std::string eclipseText(const Eclipse& eclipse, bool local) {
     return text.str();
 }
 
+/// What is said of a day on which the sun neither rises nor sets; else nothing.
+std::string polarText(const Daylight& daylight) {
+    if (daylight.course == SunCourse::SETS) return "";
+    if (daylight.course == SunCourse::UP) return "The sun stays up all day.\n";
+    const std::string twilight = daylight.twilights.empty()
+                                     ? "without twilight"
+                                     : "with " + daylight.twilights.front() + " twilight at best";
+    return "The sun stays below the horizon all day, " + twilight + ".\n";
+}
+
 std::string nightText(const Report& report) {
     const Settings& settings = report.settings;
-    const auto& [date, events, summary, eclipse] = report.nights.front();
+    const auto& [date, events, summary, daylight, eclipse] = report.nights.front();
     TextWriter text;
     text << "Night of " << dateOf(date) << " at " << settings.site.name << " ("
-         << coordinates(settings.site) << "), times in UT\n\n";
+         << coordinates(settings.site) << "), times in UT, to the nearest minute\n\n";
     for (const Event& event : events) {
         text << "  " << std::left << std::setw(19) << event.name
              << timesText(event.times, settings.local, "none in this night") << '\n';
     }
-    text << "\nA " << summary.word << " night: the moon is " << percent(summary.illumination)
-         << " lit (phase " << fixed(summary.moonPhase, 3) << ");\n"
+    text << '\n'
+         << polarText(daylight) << "A " << summary.word << " night: the moon is "
+         << percent(summary.illumination) << " lit (phase " << fixed(summary.moonPhase, 3) << ");\n"
          << fixed(summary.darkHours, 1) << " of " << fixed(summary.astronomicalHours, 1)
          << " hours with the sun below -18 degrees are without moon.\n";
     if (eclipse) text << "\nThere is a " << eclipseText(*eclipse, settings.local);
@@ -176,12 +194,16 @@ std::string instantText(const Report& report) {
            " UT at " + settings.site.name + " (" + coordinates(settings.site) + ")\n";
 }
 
+std::string polarWords(SunCourse course) {
+    return course == SunCourse::SETS ? "" : "sun " + keyOf(course) + " all day";
+}
+
 /// One line per night.
 std::string nightsTable(const Report& report) {
     const bool local = report.settings.local;
     Columns columns;
-    columns.add({"night", "dark hours", "moonrise", "moonset", "lit", ""});
-    for (const auto& [date, events, summary, eclipse] : report.nights) {
+    columns.add({"night", "dark hours", "moonrise", "moonset", "lit", "", ""});
+    for (const auto& [date, events, summary, daylight, eclipse] : report.nights) {
         const auto times = [&inNight = events, local](const std::string& name) {
             for (const Event& event : inNight) {
                 if (event.name == name) return timesText(event.times, local, "none");
@@ -189,7 +211,7 @@ std::string nightsTable(const Report& report) {
             return std::string();
         };
         columns.add({dateOf(date), fixed(summary.darkHours, 1), times("moonrise"), times("moonset"),
-                     percent(summary.illumination), summary.word});
+                     percent(summary.illumination), summary.word, polarWords(daylight.course)});
     }
     return columns.text();
 }
@@ -205,22 +227,31 @@ std::string eclipsesText(const Report& report) {
     return text;
 }
 
+/// Why a night's table has no row.
+std::string emptyTableText(SunCourse course) {
+    return course == SunCourse::UP ? "The sun does not set: no table.\n"
+                                   : "No step falls between sunset and sunrise: no table.\n";
+}
+
 }  // namespace
 
 std::string tableOf(const Report& report) {
     const Settings& settings = report.settings;
     if (settings.nights > 0) {
-        return settings.site.name + " (" + coordinates(settings.site) + "), times in UT\n\n" +
-               nightsTable(report) + eclipsesText(report) + "\n" + phasesText(report);
+        return settings.site.name + " (" + coordinates(settings.site) +
+               "), times in UT, to the nearest minute\n\n" + nightsTable(report) +
+               eclipsesText(report) + "\n" + phasesText(report);
     }
     std::string text = settings.mjd ? instantText(report) : nightText(report);
     text += "\n" + phasesText(report) + "\n";
-    if (report.rows.empty()) return text + "The sun does not set: no table.\n";
+    if (report.rows.empty()) return text + emptyTableText(report.nights.front().daylight.course);
     text += skyTable(report);
     for (std::size_t i = 0; i < settings.targets.size(); ++i) {
         text += "\n" + targetTitle(settings, settings.targets[i]) + "\n";
         if (!report.windows.empty())
-            text += windowText(report.windows[i], *settings.minAltitude) + "\n";
+            text += windowText(report.windows[i], leastAltitudeOf(settings, settings.targets[i]),
+                               settings.local) +
+                    "\n";
         text += targetTable(report, i);
     }
     return text;

@@ -6,6 +6,7 @@
 #include <ctime>
 #include <iomanip>
 #include <limits>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "shared/cli/TextStreams.h"
@@ -38,9 +39,32 @@ std::string fixedOnCircle(double number, int decimals, double circle) {
     return text == fixed(circle, decimals) ? fixed(0.0, decimals) : text;
 }
 
+std::string asUtf8(const std::string& text) {
+    using Json = nlohmann::json;
+    const std::string quoted = Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
+    return Json::parse(quoted).get<std::string>();
+}
+
+std::string keyOf(SunCourse course) {
+    if (course == SunCourse::SETS) return "sets";
+    return course == SunCourse::UP ? "up" : "down";
+}
+
+std::string joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+    return text;
+}
+
 std::string keyOf(std::string name) {
     std::replace(name.begin(), name.end(), ' ', '_');
     return name;
+}
+
+std::string localClock(double mjd, const char* format) {
+    const std::string date = localTime(mjd, "%Y-%m-%d");
+    const bool same = secondOf(mjd).rfind(date, 0) == 0;
+    return (same ? "" : date + " ") + localTime(mjd, format);
 }
 
 std::string localTime(double mjd, const char* format) {

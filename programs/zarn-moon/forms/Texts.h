@@ -4,11 +4,15 @@
 
 #include <optional>
 #include <string>
+#include <vector>
+
+#include "zarn-moon/night/Night.h"
 
 namespace zarn::moon {
 
 /// Decimals of the numbers in CSV and JSON.
-inline constexpr int ANGLE_DECIMALS = 4;       ///< of altitudes, azimuths and distances [deg]
+inline constexpr int ANGLE_DECIMALS = 4;       ///< of altitudes and azimuths [deg]
+inline constexpr int SEPARATION_DECIMALS = 2;  ///< of distances from the moon [deg]
 inline constexpr int POSITION_DECIMALS = 5;    ///< of right ascensions and declinations [deg]
 inline constexpr int SIDEREAL_DECIMALS = 5;    ///< of sidereal times [h]
 inline constexpr int HOURS_DECIMALS = 2;       ///< of parts of a night [h]
@@ -31,8 +35,21 @@ std::string fixedOr(const std::optional<double>& number, int decimals, const std
 /// The same for a number on a circle: what would be rounded up to the full circle is 0.
 std::string fixedOnCircle(double number, int decimals, double circle);
 
+/// A text as UTF-8: the replacement character U+FFFD takes the place of what is none.
+std::string asUtf8(const std::string& text);
+
+/// Where the sun is all day, as a key: "sets", "up" or "down".
+std::string keyOf(SunCourse course);
+
+/// Words with blanks between them.
+std::string joined(const std::vector<std::string>& words);
+
 /// The name of an event as a key: "civil_dusk" for "civil dusk".
 std::string keyOf(std::string name);
+
+/// An instant as the local clock shows it, in a format of strftime, after the local date where that
+/// is not the one in UT.
+std::string localClock(double mjd, const char* format);
 
 /// An instant in the process's time zone, rounded to the second, in a format of strftime.
 ///

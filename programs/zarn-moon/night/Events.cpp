@@ -1,5 +1,6 @@
 #include <zarnsys/util/Astronomy.h>
 
+#include <algorithm>
 #include <cmath>
 #include <iterator>
 
@@ -38,6 +39,16 @@ constexpr struct {
     {"sunrise", HORIZON, true},
 };
 
+// The sun's altitude in a twilight: below the one and not below the other.
+constexpr struct {
+    const char* name;
+    double top, bottom;
+} TWILIGHTS[] = {
+    {"civil", HORIZON, CIVIL_TWILIGHT},
+    {"nautical", CIVIL_TWILIGHT, NAUTICAL_TWILIGHT},
+    {"astronomical", NAUTICAL_TWILIGHT, ASTRONOMICAL_TWILIGHT},
+};
+
 constexpr const char* PHASES[] = {"new moon", "first quarter", "full moon", "last quarter"};
 
 }  // namespace
@@ -54,17 +65,33 @@ std::vector<Event> eventsOf(const Night& night) {
     return events;
 }
 
-std::vector<Phase> nextPhases(const Ephemeris& ephemeris, double mjd) {
+Daylight daylightOf(const Night& night) {
+    const auto& sun = night.sunAltitudes;
+    const auto [lowest, highest] = std::minmax_element(sun.begin(), sun.end());
+    Daylight daylight = {SunCourse::SETS, {}};
+    if (*lowest >= HORIZON) daylight.course = SunCourse::UP;
+    if (*highest < HORIZON) daylight.course = SunCourse::DOWN;
+    for (const auto& twilight : TWILIGHTS) {
+        const auto isIn = [&twilight](double altitude) {
+            return altitude < twilight.top && altitude >= twilight.bottom;
+        };
+        if (std::any_of(sun.begin(), sun.end(), isIn))
+            daylight.twilights.emplace_back(twilight.name);
+    }
+    return daylight;
+}
+
+std::vector<Phase> nextPhases(const Ephemeris& ephemeris, double mjd, double end) {
     constexpr int PHASES_PER_LUNATION = 4;
     int lunation = 0;
     lun_age(mjd + JD_OF_MJD_0, &lunation);
     std::vector<Phase> phases;
-    for (int quarter = 0; phases.size() < std::size(PHASES); ++quarter) {
+    for (int quarter = 0;; ++quarter) {
         const int phase = quarter % PHASES_PER_LUNATION;
         const double time = ephemeris.phaseTime(lunation + quarter / PHASES_PER_LUNATION, phase);
+        if (time > end && phases.size() >= std::size(PHASES)) return phases;
         if (time > mjd) phases.push_back({PHASES[phase], time});
     }
-    return phases;
 }
 
 }  // namespace zarn::moon

@@ -40,14 +40,25 @@ struct Event {
 /// minute goes unnoticed.
 std::vector<Event> eventsOf(const Night& night);
 
+/// Where the sun is between the two noons.
+enum class SunCourse { SETS, UP, DOWN };  // above and below the horizon, or all day on one side
+
+/// The day's light. Of the twilights it has those that occur, civil ones first.
+struct Daylight {
+    SunCourse course;
+    std::vector<std::string> twilights;
+};
+
+Daylight daylightOf(const Night& night);
+
 /// One of the moon's four phases, new moon to last quarter.
 struct Phase {
     std::string name;  ///< as "first quarter"
     double mjd;
 };
 
-/// The next time of each phase after an instant [MJD], in order.
-std::vector<Phase> nextPhases(const Ephemeris& ephemeris, double mjd);
+/// The phases after an instant [MJD] and up to an end, in order; the next time of each at least.
+std::vector<Phase> nextPhases(const Ephemeris& ephemeris, double mjd, double end);
 
 /// How the moon affects a night.
 struct Summary {

@@ -1,17 +1,26 @@
 #include "zarn-moon/settings/CommandLine.h"
 
+#include <algorithm>
 #include <iostream>
-#include <utility>
+#include <iterator>
 
 #include "shared/cli/Printable.h"
 #include "shared/cli/UsageError.h"
 #include "shared/sky/Calendar.h"
 #include "zarn-moon/settings/HelpNotes.h"
 #include "zarn-moon/settings/SettingTable.h"
+#include "zarn-moon/settings/TimeZone.h"
 
 namespace zarn::moon {
 
 namespace {
+
+std::vector<const char*> pointersTo(const std::vector<std::string>& words) {
+    std::vector<const char*> pointers;
+    pointers.reserve(words.size());
+    for (const std::string& word : words) pointers.push_back(word.c_str());
+    return pointers;
+}
 
 void checkNights(const Settings& settings) {
     if (settings.nights > 0 && settings.date + settings.nights - 1.0 > LAST_MJD) {
@@ -32,8 +41,20 @@ void checkPlot(const Settings& settings) {
 
 }  // namespace
 
-CommandLine::CommandLine(std::vector<const char*> arguments)
-    : SettingsParser(std::move(arguments), SETTINGS) {}
+CommandLine::CommandLine(const std::vector<const char*>& arguments)
+    : CommandLine(markDashes(arguments,
+                             optionsOf(std::vector(std::begin(SETTINGS), std::end(SETTINGS))))) {}
+
+CommandLine::CommandLine(const ParsableArguments& arguments)
+    : SettingsParser(pointersTo(arguments.words), SETTINGS), problem_(arguments.problem) {}
+
+void CommandLine::parseWords() {
+    if (!problem_.empty()) throw UsageError(problem_);
+    if (parseCommandLine(true) != 0) throw UsageError("the command line is wrong");
+    for (auto& [name, option] : optionMap_)
+        std::transform(option.availValues_.begin(), option.availValues_.end(),
+                       option.availValues_.begin(), unmarked);
+}
 
 void CommandLine::checkTogether() const {
     if (!argumentVect_.empty())
@@ -42,27 +63,30 @@ void CommandLine::checkTogether() const {
         if (given(one) && given(other))
             throw UsageError(std::string("--") + one + " and --" + other + " exclude each other");
     }
-    if (!given("telescope") && !given("place"))
-        throw UsageError("neither --telescope nor --place is given");
+    if (!given("telescope") && !given("place") && !given("site"))
+        throw UsageError("none of --telescope, --place and --site is given");
 }
 
 Settings CommandLine::parse(double now) {
-    if (parseCommandLine(true) != 0) throw UsageError("the command line is wrong");
+    parseWords();
     Settings settings;
     readFlags(settings);
     if (settings.help || settings.version || settings.completion) return settings;
+    settings.sites = values("sites");
+    if (settings.listSites) return settings;
     checkTogether();
     readOptions(settings);
     if (!given("date")) settings.date = nightOf(settings.site, now);
     if (settings.minAltitude && settings.targets.empty())
         throw UsageError("--min-altitude needs a target");
+    if (settings.local) useTimeZone(settings.timeZone);
     checkNights(settings);
     checkPlot(settings);
     return settings;
 }
 
 void CommandLine::displayFullHelp(const std::string& ruleOfWords) const {
-    displayHelp();
+    displayOptions();
     std::cout << HELP_NOTES << ruleOfWords
               << "\n\nExit status: 0 success; 1 the result could not be produced; 2 wrong usage.\n"
               << std::flush;

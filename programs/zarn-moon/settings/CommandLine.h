@@ -2,9 +2,11 @@
 #ifndef ZARN_MOON_COMMANDLINE_H
 #define ZARN_MOON_COMMANDLINE_H
 
+#include <string>
 #include <vector>
 
 #include "shared/cli/SettingTable.h"
+#include "zarn-moon/settings/DashedValues.h"
 #include "zarn-moon/settings/Settings.h"
 
 namespace zarn::moon {
@@ -13,7 +15,7 @@ namespace zarn::moon {
 class CommandLine : public SettingsParser<Settings> {
 public:
     /// @param arguments  the process's arguments, its name first
-    explicit CommandLine(std::vector<const char*> arguments);
+    explicit CommandLine(const std::vector<const char*>& arguments);
 
     /// What the command line asks for, checked.
     ///
@@ -27,7 +29,12 @@ public:
     void displayFullHelp(const std::string& ruleOfWords) const;
 
 private:
+    explicit CommandLine(const ParsableArguments& arguments);
+
+    void parseWords();
     void checkTogether() const;
+
+    std::string problem_;  ///< of a value that begins with a dash; empty: none
 };
 
 }  // namespace zarn::moon

@@ -10,19 +10,31 @@ bright it is, how far it is from each target, and how much light it adds there.
 
   zarn-moon --place "42.5N 12.3E"
   zarn-moon -T OLAN -d 2026-12-24 -t "05:35:17.3 -05:23:28" --min-altitude 30
-  zarn-moon -T VEK1 --nights 30
+  zarn-moon --site hill --nights 30
   zarn-moon -T VEK1 --targets list.csv --format csv -o night.csv
 
-Write positions in degrees, or sexagesimal; a sexagesimal right ascension is in
-hours. Positions refer to J2000 and are precessed to the night. In a file of
-targets, lines that begin with # are ignored. The best window is the longest
-stretch without moon if it lasts an hour or more, else the longest stretch.
+Write positions in degrees, or sexagesimal, with colons, blanks or units
+(5h35m17.3s); a sexagesimal right ascension is in hours. Positions refer to J2000
+and are precessed to the night.
 
-Times are in UT. Tonight begins at the last local mean noon. The sun and the moon
-rise and set when the upper limb does: with the centre at -0.833 degrees. All
-altitudes are without refraction. An eclipse of the moon is told if the moon is up
-for some of it. The lit fraction is that seen from the site; almanacs print that
-seen from the Earth's centre, up to 0.01 more or less.
+In a file of targets, fields are separated by commas, semicolons or tabs; lines
+that begin with # are ignored. The first line may name the columns, in any order:
+name, ra, dec, min_altitude, weight. All further ones go into CSV and JSON. The
+best window is, of the stretches with the sun below -18 degrees and the target
+high enough, the longest without moon if that lasts an hour or more, else the
+longest of all.
+
+A file of sites has a section for each: [hill], then latitude = 42.5N, longitude =
+12.3E and, if wanted, elevation, timezone, extinction, dark-sky and horizon; see
+zarn-moon-sites(5).
+
+Times are in UT, those of events, phases and windows rounded to the nearest
+minute; sidereal times are cut to the minute. Tonight begins at the last local
+mean noon. The sun and the moon rise and set when the upper limb does: with the
+centre at -0.833 degrees. All altitudes are without refraction. An eclipse of the
+moon is told if the moon is up for some of it. The lit fraction is that seen from
+the site; almanacs print that seen from the Earth's centre, up to 0.01 more or
+less.
 
 Sun and moon are where almanacs have them. With --ephemeris library they are where
 zarn-ingest --moon has them, which is up to 0.38 degrees and some minutes off.

@@ -1,8 +1,10 @@
 #include "zarn-moon/settings/SettingTable.h"
 
+#include <stdexcept>
 #include <utility>
 
 #include "shared/sky/Calendar.h"
+#include "zarn-moon/settings/Sites.h"
 
 namespace zarn::moon {
 
@@ -16,6 +18,15 @@ bool endsIn(const std::string& text, const std::string& end) {
 
 void readTelescope(Settings& settings, const std::string& name) {
     settings.site = telescopeSite(name);
+}
+
+void readSite(Settings& settings, const std::string& name) {
+    const KnownSite known = siteNamed(name, settings.sites);
+    settings.site = known.site;
+    settings.timeZone = known.timeZone;
+    settings.horizon = known.horizon;
+    settings.extinction = known.extinction.value_or(settings.extinction);
+    settings.darkSky = known.darkSky.value_or(settings.darkSky);
 }
 
 void readPlace(Settings& settings, const std::string& coordinates) {
@@ -34,6 +45,11 @@ void readTarget(Settings& settings, const std::string& position) {
 
 void readTargetFile(Settings& settings, const std::string& fileName) {
     for (Target& target : readTargets(fileName)) settings.targets.push_back(std::move(target));
+}
+
+void readOutput(Settings& settings, const std::string& fileName) {
+    if (fileName.empty()) throw std::invalid_argument("the name is empty");
+    settings.output = fileName == STANDARD_STREAM ? "" : fileName;
 }
 
 void readPlot(Settings& settings, const std::string& fileName) {

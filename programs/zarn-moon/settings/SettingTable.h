@@ -26,10 +26,12 @@ inline constexpr double ZENITH = 90.0;              ///< [deg]
 
 /// Readers of values that have a form of their own.
 void readTelescope(Settings& settings, const std::string& name);
+void readSite(Settings& settings, const std::string& name);
 void readPlace(Settings& settings, const std::string& coordinates);
 void readDate(Settings& settings, const std::string& date);
 void readTarget(Settings& settings, const std::string& position);
 void readTargetFile(Settings& settings, const std::string& fileName);
+void readOutput(Settings& settings, const std::string& fileName);
 void readPlot(Settings& settings, const std::string& fileName);
 
 using MoonKinds = Kinds<Settings>;
@@ -37,10 +39,15 @@ inline constexpr char NO_LETTER = GenConfig::NO_SHORT_NAME;
 inline constexpr const char* NO_SECTION = nullptr;  ///< zarn-moon has no properties file
 
 inline constexpr SettingRow<Settings> SETTINGS[] = {
-    // Where.
+    // Where. The files of sites are read before the site is looked for in them.
     {"telescope", 'T', TELESCOPES, "Use the site of a telescope", MoonKinds::Own{readTelescope}},
     {"place", 'p', "PLACE", "Latitude and longitude with their letters: \"42.5N 12.3E\"",
      MoonKinds::Own{readPlace}},
+    {"sites", NO_LETTER, "FILE", "Look for sites in FILE instead; may be repeated",
+     &Settings::sites, NO_SECTION, "~/.config/zarnsys/sites.ini and /etc/zarnsys/sites.ini"},
+    {"site", NO_LETTER, "SITE", "Use a site of the user's or the system's file, with its sky",
+     MoonKinds::Own{readSite}},
+    {"list-sites", NO_LETTER, "", "List the sites that --site takes", &Settings::listSites},
 
     // When.
     {"date", 'd', "YYYY-MM-DD", "The night that begins on this date, from local mean noon to noon",
@@ -56,14 +63,15 @@ inline constexpr SettingRow<Settings> SETTINGS[] = {
     {"target", 't', "RA DEC",
      "A position: \"83.82 -5.39\" or \"05:35:17.3 -05:23:28\"; may be repeated",
      MoonKinds::Each{readTarget}},
-    {"targets", NO_LETTER, "FILE", "Read targets from FILE, one per line: name, RA, DEC",
+    {"targets", NO_LETTER, "FILE",
+     "Read targets from FILE (-: standard input), one per line: name, RA, DEC, ...",
      MoonKinds::Each{readTargetFile}},
     {"equinox", NO_LETTER, "J2000|date", "Equinox of the targets' positions",
      choice<&Settings::equinox, Settings>()},
     {"min-altitude", NO_LETTER, "DEG", "Mark each target's best window above this altitude",
      MoonKinds::OptionalNumber{&Settings::minAltitude, 0.0, ZENITH}},
 
-    // The sky.
+    // The sky: behind the site, whose values these override.
     {"ephemeris", NO_LETTER, "erfa|library", "Theory of sun and moon",
      choice<&Settings::ephemeris, Settings>()},
     {"dark-sky", NO_LETTER, "V", "Sky brightness without moon [V mag per square arc second]",
@@ -74,9 +82,10 @@ inline constexpr SettingRow<Settings> SETTINGS[] = {
     // The result.
     {"format", NO_LETTER, "table|csv|json", "Format of the result",
      choice<&Settings::format, Settings>()},
-    {"local", NO_LETTER, "", "Also show local times, in the time zone TZ", &Settings::local},
-    {"output", 'o', "FILE", "Write the result to FILE, complete or not at all", &Settings::output,
-     NO_SECTION, "standard output"},
+    {"local", NO_LETTER, "", "Also show local times, in the site's time zone or TZ",
+     &Settings::local},
+    {"output", 'o', "FILE", "Write the result to FILE, complete or not at all",
+     MoonKinds::Own{readOutput}, NO_SECTION, "standard output"},
     {"plot", NO_LETTER, "FILE", "Draw the night into FILE.png or FILE.svg, with gnuplot",
      MoonKinds::Own{readPlot}},
 
@@ -90,6 +99,8 @@ inline constexpr SettingRow<Settings> SETTINGS[] = {
 /// Options that exclude each other.
 inline constexpr const char* EXCLUSIONS[][2] = {
     {"telescope", "place"},
+    {"telescope", "site"},
+    {"place", "site"},
     {"date", "mjd"},
     {"mjd", "nights"},
     {"mjd", "plot"},

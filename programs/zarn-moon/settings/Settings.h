@@ -26,7 +26,10 @@ enum class Theory { ERFA, LIBRARY };
 
 /// Everything that options set. A member holds its default until then.
 struct Settings {
+    std::vector<std::string> sites;  ///< files of sites; none: the default ones
     Site site = {};
+    std::string timeZone;           ///< of the site; empty: the process's
+    std::optional<double> horizon;  ///< of the site, below which no target can be seen [deg]
     std::vector<Target> targets;
     Equinox equinox = Equinox::J2000;
     Theory ephemeris = Theory::ERFA;
@@ -40,13 +43,14 @@ struct Settings {
     double darkSky = 21.8;              ///< without moon [V mag per square arc second]
     std::optional<double> minAltitude;  ///< of a target's best window [deg]
 
-    bool local = false;  ///< also show times of the process's time zone
+    bool local = false;  ///< also show local times
     Format format = Format::TABLE;
     std::string output;       ///< file; empty: standard output
     std::string plot;         ///< file of the picture; empty: none
     bool help = false;        ///< show the help, and do nothing else
     bool version = false;     ///< likewise the version
     bool completion = false;  ///< likewise the completion script
+    bool listSites = false;   ///< likewise the sites of the files
 };
 
 }  // namespace zarn::moon

@@ -13,7 +13,7 @@ struct Site {
     std::string name;        ///< as messages and results call it
     double latitude;         ///< [deg], north positive
     double longitude;        ///< [deg], WEST positive
-    double elevation = 0.0;  ///< above the sea [m]
+    double elevation = 0.0;  ///< above the ellipsoid [m]
 };
 
 /// The site of a telescope.
@@ -27,6 +27,12 @@ Site telescopeSite(const std::string& name);
 /// @throw std::invalid_argument  saying what is wrong
 Site siteAt(const std::string& text);
 
+/// A latitude or a longitude with the letter of its hemisphere, in degrees, as `Site` has them.
+///
+/// @throw std::invalid_argument  saying what is wrong
+double parseLatitude(const std::string& text);
+double parseLongitude(const std::string& text);
+
 /// Where a site is, as the library's grids take it.
 Place placeOf(const Site& site);
 
@@ -36,7 +42,7 @@ double noonOf(const Site& site, double date);
 /// The night that an instant [MJD] belongs to: 0 h of the day that it begins on [MJD].
 double nightOf(const Site& site, double mjd);
 
-/// Latitude and longitude with the letters of their hemispheres.
+/// Latitude and longitude with the letters of their hemispheres, and the elevation unless it is 0.
 std::string coordinates(const Site& site);
 
 }  // namespace zarn::moon

@@ -2,7 +2,9 @@
 #ifndef ZARN_MOON_TARGETS_H
 #define ZARN_MOON_TARGETS_H
 
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "shared/sky/Angles.h"
@@ -13,12 +15,23 @@ namespace zarn::moon {
 struct Target {
     std::string name;   ///< of a target on the command line its position as given
     Position position;  ///< as given, not precessed
+    std::optional<double> minAltitude = std::nullopt;  ///< of its best window [deg]
+    std::optional<double> weight = std::nullopt;       ///< its importance, 0 or more
+
+    /// Titles and texts of its file's further columns, as they stand there; no title comes twice.
+    std::vector<std::pair<std::string, std::string>> columns = {};
 };
 
-/// The targets of a file. Its lines hold name, right ascension and declination, separated by
-/// commas; `parsePosition` reads the positions. A name with commas or quotes stands in double
-/// quotes, its quotes doubled. Empty lines, lines that begin with #, and a first line "name,ra,dec"
-/// are ignored.
+/// A file name that stands for standard input, or where a result goes for standard output.
+inline constexpr char STANDARD_STREAM[] = "-";
+
+/// The targets of a file, one in a line.
+///
+/// Fields are separated by commas, semicolons or tabs, by whichever the first line reads with; one
+/// that holds the separator stands in double quotes. `parsePosition` reads the positions. Without a
+/// line of titles, the first three columns are name, right ascension and declination. A first line
+/// with the titles name, ra and dec says where these are, and may have min_altitude and weight.
+/// Empty lines, and lines that begin with #, are ignored.
 ///
 /// @throw UsageError  naming the file, and the line at fault
 std::vector<Target> readTargets(const std::string& fileName);

@@ -1,4 +1,4 @@
-#include "zarn-ingest/settings/PropertiesFile.h"
+#include "shared/cli/PropertiesFile.h"
 
 #include <ace/Configuration_Import_Export.h>
 #include <sys/stat.h>
@@ -8,11 +8,11 @@
 
 #include "shared/cli/Printable.h"
 #include "shared/cli/TextStreams.h"
-#include "shared/cli/UsageError.h"
+#include "shared/cli/Value.h"
 #include "shared/files/Reading.h"
 #include "shared/files/SystemError.h"
 
-namespace zarn::ingest {
+namespace zarn {
 
 namespace {
 
@@ -75,19 +75,25 @@ void addKeys(ACE_Configuration_Heap& heap, const ACE_Configuration_Section_Key& 
     }
 }
 
-void checkContent(const std::string& fileName) {
+std::string contentOf(const std::string& fileName) {
     try {
-        checkLines(fileName, readFile(fileName));
+        return readFile(fileName);
     } catch (const std::system_error& error) {
         throw UsageError(printable(fileName) + ": cannot be read: " + error.code().message());
     }
+}
+
+std::string withoutBlanks(const std::string& text) {
+    const std::size_t begin = text.find_first_not_of(" \t\r");
+    if (begin == std::string::npos) return "";
+    return text.substr(begin, text.find_last_not_of(" \t\r") + 1 - begin);
 }
 
 }  // namespace
 
 void checkPropertiesFile(const std::string& fileName) {
     checkFile(fileName);
-    checkContent(fileName);
+    checkLines(fileName, contentOf(fileName));
 }
 
 PropertyKeys keysIn(const std::string& fileName) {
@@ -100,4 +106,28 @@ PropertyKeys keysIn(const std::string& fileName) {
     return keys;
 }
 
-}  // namespace zarn::ingest
+std::size_t lineOf(const std::string& fileName, const std::string& section,
+                   const std::string& key) {
+    TextReader lines(contentOf(fileName));
+    std::size_t number = 0;
+    std::size_t found = 0;
+    std::string current;
+    for (std::string line; std::getline(lines, line);) {
+        ++number;
+        line = withoutBlanks(line);
+        if (line.rfind('[', 0) == 0) current = line.substr(1, line.find(']') - 1);
+        const bool isKey = withoutBlanks(line.substr(0, line.find('='))) == key;
+        if (current == section && isKey) found = number;
+    }
+    return found;
+}
+
+UsageError wrongProperty(const std::string& place, const std::string& section,
+                         const std::string& key, const std::invalid_argument& error,
+                         const std::string& value) {
+    const bool namesForm = dynamic_cast<const WrongValue*>(&error) != nullptr;
+    return UsageError(printable(place + ": [" + section + "] " + key + " = " + value) +
+                      (namesForm ? ": must be " : ": ") + error.what());
+}
+
+}  // namespace zarn
