@@ -34,6 +34,8 @@ std::string formatted(const Report& report) {
             return csvOf(report);
         case Format::JSON:
             return jsonOf(report);
+        case Format::ICS:
+            return icsOf(report);
         case Format::TABLE:
             break;
     }
@@ -54,7 +56,7 @@ void run(CommandLine& commandLine) {
     }
     const Report report = makeReport(settings);
     const std::string result = formatted(report);
-    const std::string picture = settings.plot.empty() ? "" : drawNight(report);
+    const std::string picture = settings.plot.empty() ? "" : draw(report);
     if (settings.output.empty()) {
         std::cout << result << std::flush;
     } else {

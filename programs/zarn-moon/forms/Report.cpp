@@ -9,14 +9,46 @@ namespace {
 constexpr std::size_t MOST_VALUES = 1000000;  // instants times targets: about 500 MB at most
 
 /// Refuses a table that would take too much memory.
-void checkSize(std::size_t instants, std::size_t targets) {
-    if (targets > 0 && instants > MOST_VALUES / targets) {
-        throw UsageError("more than " + std::to_string(MOST_VALUES) +
-                         " rows of instants and targets: choose a larger --step");
-    }
+void checkSize(std::size_t instants, std::size_t targets,
+               const std::string& what = "instants and targets: choose a larger --step") {
+    if (targets > 0 && instants > MOST_VALUES / targets)
+        throw UsageError("more than " + std::to_string(MOST_VALUES) + " rows of " + what);
 }
 
 NightLine lineOf(const Night& night) { return {night.date, eventsOf(night), summaryOf(night)}; }
+
+/// Fills in what a calendar takes of a night.
+void addDarkWindows(Report& report, const Night& night) {
+    if (report.settings.format == Format::ICS) report.darkWindows.push_back(darkWindows(night));
+}
+
+/// Adds a night to the targets' seasons.
+void addToSeasons(Report& report, const Ephemeris& ephemeris, const Night& night) {
+    const Settings& settings = report.settings;
+    const Limits limits(settings, night);
+    const std::vector<Direction> targets = directionsOfDate(settings, ephemeris, middleOf(night));
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        const std::vector<bool> allowed = limits.minutesFor(settings.targets[i], targets[i]);
+        report.seasons[i].push_back(targetNightOf(settings, night, targets[i], allowed));
+    }
+}
+
+/// Fills in the report on several nights.
+void addNights(Report& report) {
+    const Settings& settings = report.settings;
+    const Ephemeris& ephemeris = ephemerisOf(settings.ephemeris);
+    checkSize(settings.nights, settings.targets.size(), "nights and targets");
+    report.seasons.resize(settings.targets.size());
+    for (unsigned i = 0; i < settings.nights; ++i) {
+        const Night night = makeNight(ephemeris, settings.site, settings.date + i);
+        report.nights.push_back(lineOf(night));
+        if (i == 0) report.phases = nextPhases(ephemeris, night.instants.front());
+        addDarkWindows(report, night);
+        addToSeasons(report, ephemeris, night);
+        if (settings.nights == 1) report.night = night;
+    }
+    for (Season& season : report.seasons) rankNights(season);
+}
 
 /// Fills in the report on a single night.
 void addNight(Report& report) {
@@ -28,9 +60,13 @@ void addNight(Report& report) {
     const std::vector<MJD_DATE> instants = instantsOf(ephemeris, night, settings.step);
     checkSize(instants.size(), settings.targets.size());
     const std::vector<Direction> targets = directionsOfDate(settings, ephemeris, middleOf(night));
-    if (settings.minAltitude) {
-        for (const Direction& target : targets)
-            report.windows.push_back(bestWindow(night, target, *settings.minAltitude));
+    addDarkWindows(report, night);
+    if (hasLimits(settings) || settings.format == Format::ICS) {
+        const Limits limits(settings, night);
+        for (std::size_t i = 0; i < targets.size(); ++i) {
+            report.windows.push_back(
+                bestWindow(night, limits.minutesFor(settings.targets[i], targets[i])));
+        }
     }
     report.rows =
         makeRows(settings, ephemeris.pathOver(settings.site, instants), targets, report.windows);
@@ -41,7 +77,7 @@ void addNight(Report& report) {
 
 Report makeReport(const Settings& settings) {
     const Ephemeris& ephemeris = ephemerisOf(settings.ephemeris);
-    Report report = {settings, {}, {}, {}, {}, {}};
+    Report report = {settings, {}, {}, {}, {}, {}, {}, {}};
     if (settings.mjd) {
         checkSize(1, settings.targets.size());
         report.phases = nextPhases(ephemeris, *settings.mjd);
@@ -50,11 +86,7 @@ Report makeReport(const Settings& settings) {
     } else if (settings.nights == 0) {
         addNight(report);
     } else {
-        for (unsigned i = 0; i < settings.nights; ++i) {
-            const Night night = makeNight(ephemeris, settings.site, settings.date + i);
-            report.nights.push_back(lineOf(night));
-            if (i == 0) report.phases = nextPhases(ephemeris, night.instants.front());
-        }
+        addNights(report);
     }
     return report;
 }

@@ -1,7 +1,6 @@
 #include "zarn-moon/settings/CommandLine.h"
 
 #include <iostream>
-#include <utility>
 
 #include "shared/cli/Printable.h"
 #include "shared/cli/UsageError.h"
@@ -20,11 +19,17 @@ void checkNights(const Settings& settings) {
     }
 }
 
+void checkMaxSky(const Settings& settings) {
+    if (settings.maxSky && *settings.maxSky > settings.darkSky)
+        throw UsageError("--max-sky is darker than the sky without moon, " +
+                         shortest(settings.darkSky));
+}
+
 void checkPlot(const Settings& settings) {
     if (settings.plot.empty()) return;
     if (settings.plot == settings.output)
         throw UsageError("--plot and --output name the same file");
-    if (settings.targets.size() > MOST_DRAWN_TARGETS) {
+    if (settings.nights <= 1 && settings.targets.size() > MOST_DRAWN_TARGETS) {
         throw UsageError("--plot: more than " + std::to_string(MOST_DRAWN_TARGETS) +
                          " targets cannot be told apart in a picture");
     }
@@ -32,8 +37,9 @@ void checkPlot(const Settings& settings) {
 
 }  // namespace
 
-CommandLine::CommandLine(std::vector<const char*> arguments)
-    : SettingsParser(std::move(arguments), SETTINGS) {}
+CommandLine::CommandLine(const std::vector<const char*>& arguments)
+    : NegativeNumbers(arguments, "--sun-altitude"),
+      SettingsParser(NegativeNumbers::arguments(), SETTINGS) {}
 
 void CommandLine::checkTogether() const {
     if (!argumentVect_.empty())
@@ -44,6 +50,14 @@ void CommandLine::checkTogether() const {
     }
     if (!given("telescope") && !given("place"))
         throw UsageError("neither --telescope nor --place is given");
+    if (!given("target") && !given("targets")) checkWithoutTarget();
+}
+
+void CommandLine::checkWithoutTarget() const {
+    for (const char* const limit : LIMITS) {
+        if (given(limit)) throw UsageError(std::string("--") + limit + " needs a target");
+    }
+    if (given("nights") && given("step")) throw UsageError("--nights with --step needs a target");
 }
 
 Settings CommandLine::parse(double now) {
@@ -54,8 +68,11 @@ Settings CommandLine::parse(double now) {
     checkTogether();
     readOptions(settings);
     if (!given("date")) settings.date = nightOf(settings.site, now);
-    if (settings.minAltitude && settings.targets.empty())
-        throw UsageError("--min-altitude needs a target");
+    if (settings.nights > 0 && !given("step")) settings.step = SEMESTER_STEP;
+    settings.now = now;
+    if (settings.mjd && settings.format == Format::ICS)
+        throw UsageError("--format ics needs a night, not --mjd");
+    checkMaxSky(settings);
     checkNights(settings);
     checkPlot(settings);
     return settings;

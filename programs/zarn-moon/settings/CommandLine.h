@@ -5,15 +5,16 @@
 #include <vector>
 
 #include "shared/cli/SettingTable.h"
+#include "zarn-moon/settings/NegativeNumbers.h"
 #include "zarn-moon/settings/Settings.h"
 
 namespace zarn::moon {
 
 /// Parser and help.
-class CommandLine : public SettingsParser<Settings> {
+class CommandLine : private NegativeNumbers, public SettingsParser<Settings> {
 public:
     /// @param arguments  the process's arguments, its name first
-    explicit CommandLine(std::vector<const char*> arguments);
+    explicit CommandLine(const std::vector<const char*>& arguments);
 
     /// What the command line asks for, checked.
     ///
@@ -28,6 +29,7 @@ public:
 
 private:
     void checkTogether() const;
+    void checkWithoutTarget() const;
 };
 
 }  // namespace zarn::moon

@@ -1,5 +1,6 @@
 #include "zarn-moon/settings/SettingTable.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "shared/sky/Calendar.h"
@@ -34,6 +35,21 @@ void readTarget(Settings& settings, const std::string& position) {
 
 void readTargetFile(Settings& settings, const std::string& fileName) {
     for (Target& target : readTargets(fileName)) settings.targets.push_back(std::move(target));
+}
+
+void readMoonAvoidance(Settings& settings, const std::string& value) {
+    constexpr double LEAST_DAYS = 0.1;
+    constexpr double MOST_DAYS = 30.0;
+    const std::string::size_type comma = value.find(',');
+    if (comma == std::string::npos) throw WrongValue("an angle and days such as 120,7");
+    settings.moonAvoidance = {parseNumber(value.substr(0, comma), 0.0, HALF_CIRCLE),
+                              parseNumber(value.substr(comma + 1), LEAST_DAYS, MOST_DAYS)};
+}
+
+void readSunAltitude(Settings& settings, const std::string& degrees) {
+    const std::string::size_type begin = degrees.find_first_not_of(' ');
+    settings.sunAltitude =
+        parseNumber(degrees.substr(std::min(degrees.size(), begin)), -ZENITH, 0.0);
 }
 
 void readPlot(Settings& settings, const std::string& fileName) {
