@@ -101,6 +101,7 @@ TEST(SemesterTest, ABrightSkyIsNotAllowed) {
     settings.site = {"", 38.7, -5.3};
     const Night night = makeNight(ephemeris, settings.site, 61396.0);  // the moon is 86 % lit
     const std::vector<bool> all = Limits(settings, night).minutesFor({}, POLE);
+    settings.sunAltitude = -12.0;  // in twilight, nobody knows
     settings.maxSky = 19.5;
     const std::vector<bool> dark = Limits(settings, night).minutesFor({}, POLE);
     std::size_t forbidden = 0;
@@ -163,7 +164,9 @@ TEST(SemesterTest, NightsAreRankedByTheirWorth) {
     EXPECT_EQ(season[9].rank, 3U);
     EXPECT_EQ(season[0].rank, 0U);
     EXPECT_EQ(bestNights(season), (std::vector<std::size_t>{5, 3, 9}));
-    for (TargetNight& night : season) night.darkEquivalentHours = 1.0;
+    season.assign(40, TargetNight{1.0, 1.0, {}, 0});
+    rankNights(season);
+    for (std::size_t i = 0; i < season.size(); ++i) EXPECT_EQ(season[i].rank, i + 1);
     EXPECT_EQ(bestNights(season).size(), 10U);
 }
 

@@ -53,6 +53,9 @@ testWholeOutputs() {
             silent
         done
     done <"$data/outputs.txt"
+    words=(-p "60N 25E" -d 2027-04-12 -t "187.7 12.4" --min-altitude 30 --plot n.svg)
+    drawing 0 "${words[@]}"; mv script night
+    drawing 0 "${words[@]}" --nights 1; check "one of many nights is drawn as one" cmp night script
     run 0 -p "75N 25E" -d 2026-06-21
     check "a day without a table" [ "$(tail -n 1 out.txt)" = 'The sun does not set: no table.' ]
     drawing 0 -p "75N 25E" -d 2026-06-21 --plot day.svg
