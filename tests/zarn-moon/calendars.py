@@ -29,6 +29,7 @@ def instant(text):
 with tempfile.NamedTemporaryFile("w", suffix=".csv", encoding="utf-8") as targets:
     for ra, name in enumerate(NAMES):
         targets.write('"%s",%d,20\n' % (name.replace('"', '""'), 60 + ra))
+    targets.write("plain,60,20\n")  # twice
     targets.flush()
     content = run(targets.name, "--format", "ics")
     again = run(targets.name, "--format", "ics")

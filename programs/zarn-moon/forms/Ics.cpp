@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <cstdint>
 #include <iomanip>
+#include <map>
 #include <sstream>
 #include <stdexcept>
 
@@ -133,8 +135,11 @@ Entry entryOf(const Report& report, std::size_t n, std::size_t target) {
 
 std::string targetEvents(const Report& report, std::size_t n) {
     std::string text;
+    std::map<std::string, unsigned> seen;  // a target may be given twice
     for (std::size_t target = 0; target < report.settings.targets.size(); ++target) {
-        const Entry entry = entryOf(report, n, target);
+        Entry entry = entryOf(report, n, target);
+        if (const unsigned number = ++seen[entry.of]; number > 1)
+            entry.of += "|" + std::to_string(number);
         if (entry.window.begin != entry.window.end) text += eventOf(report.settings, entry);
     }
     return text;
