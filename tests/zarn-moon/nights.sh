@@ -221,6 +221,10 @@ LINES
     for night in "42.5N 12.3E" "75N 25E"; do
         run 0 -p "$night" -d 2026-06-21 -t "83.8 -5.4" --plot n.svg.svg; silent
         check "an SVG" grep -q "</svg>" n.svg.svg
+        for more in '' '-t "10 10"'; do
+            eval "run 0 -p '$night' -d 2026-11-21 --nights 3 $more -t '83.8 -5.4' --plot n.svg"; silent
+            check "an image in an SVG" grep -q "<image" n.svg
+        done
     done
 }
 
