@@ -48,7 +48,7 @@ zarn-moon -T |OLAN VEK1 VEK2 VEK3 VEK4|OLAN VEK1 VEK2 VEK3 VEK4
 zarn-moon --site |hill island|hill island
 zarn-moon --site=h|hill|--site=hill
 zarn-moon --format=c|csv|--format=csv
-zarn-moon --m|--min-altitude --mjd|--min-altitude --mjd
+zarn-moon --mi|--min-altitude --min-moon-distance|--min-altitude --min-moon-distance
 zarn-moon --targets |dir file|dir/ file
 zarn-moon --local -s ||
 zarn-ingest --moon O|OLAN|OLAN

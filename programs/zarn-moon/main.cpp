@@ -35,6 +35,8 @@ std::string formatted(const Report& report) {
             return csvOf(report);
         case Format::JSON:
             return jsonOf(report);
+        case Format::ICS:
+            return icsOf(report);
         case Format::TABLE:
             break;
     }
@@ -66,7 +68,7 @@ void run(CommandLine& commandLine) {
     if (settings.listSites) return listSites(settings);
     const Report report = makeReport(settings);
     const std::string result = formatted(report);
-    const std::string picture = settings.plot.empty() ? "" : drawNight(report);
+    const std::string picture = settings.plot.empty() ? "" : draw(report);
     if (settings.output.empty()) {
         std::cout << result << std::flush;
     } else {

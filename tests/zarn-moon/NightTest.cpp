@@ -44,6 +44,13 @@ Night nightWith(int dark, int moonlit) {
                         [](int) { return 0.0; });
 }
 
+/// The best window of the pole, which stands at the latitude, 30 degrees, all night.
+Window windowOf(const Night& night, double minAltitude) {
+    Settings settings;
+    settings.minAltitude = minAltitude;
+    return bestWindow(night, Limits(settings, night).minutesFor({}, directionOf({0.0, 90.0})));
+}
+
 /// Minutes since noon.
 double sinceNoon(double mjd) { return (mjd - NOON) / MINUTE; }
 
@@ -97,8 +104,6 @@ TEST(NightTest, WordsHaveTheirLimits) {
 }
 
 TEST(NightTest, TheBestWindowIsWithoutMoonIfThatLastsAnHour) {
-    const Direction pole =
-        directionOf({0.0, 90.0});  // stands at the latitude, 30 degrees, all night
     const struct {
         int dark, moonlit;  // [minutes]
         double begin, end;
@@ -108,12 +113,12 @@ TEST(NightTest, TheBestWindowIsWithoutMoonIfThatLastsAnHour) {
         {50, 0, 1, 50, true},       {2, 0, 1, 2, true},
     };
     for (const auto& [dark, moonlit, begin, end, moonDown] : cases) {
-        const Window window = bestWindow(nightWith(dark, moonlit), pole, 29.999);
+        const Window window = windowOf(nightWith(dark, moonlit), 29.999);
         EXPECT_EQ(window.moonDown, moonDown) << dark << " " << moonlit;
         EXPECT_NEAR(sinceNoon(window.end), end, 1e-6);
         EXPECT_NEAR(sinceNoon(window.begin), begin, 1e-6);
     }
-    const Window none = bestWindow(nightWith(600, 0), pole, 30.001);
+    const Window none = windowOf(nightWith(600, 0), 30.001);
     EXPECT_EQ(none.begin, none.end);
     // Of two stretches the longer.
     for (const int second : {99, 101}) {
@@ -121,7 +126,7 @@ TEST(NightTest, TheBestWindowIsWithoutMoonIfThatLastsAnHour) {
             return minute < 100 || (minute > 200 && minute <= 200 + second) ? -19.0 : 0.0;
         };
         const auto moon = [](int) { return -10.0; };
-        const Window window = bestWindow(nightOfPaths(sun, moon, moon), pole, 0.0);
+        const Window window = windowOf(nightOfPaths(sun, moon, moon), 0.0);
         EXPECT_NEAR(sinceNoon(window.begin), second > 100 ? 201 : 0, 1e-6) << second;
     }
 }

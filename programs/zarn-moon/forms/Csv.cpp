@@ -189,10 +189,60 @@ std::string nights(const Report& report) {
     return text;
 }
 
+/// A cell of a window's beginning or end.
+template <typename Form>
+std::string timeOr(const Window& window, double time, Form form) {
+    return window.begin == window.end ? "" : form(time);
+}
+
+Cells seasonTitles(bool local) {
+    Cells titles = {"night",        "target",       "ra_deg",
+                    "dec_deg",      "usable_hours", "dark_equivalent_hours",
+                    "window_begin", "window_end",   "window_moon_up",
+                    "illumination", "rank"};
+    if (local) titles.insert(titles.begin() + 8, {"window_begin_local", "window_end_local"});
+    return titles;
+}
+
+Cells seasonCells(const NightLine& line, const Target& target, const TargetNight& night,
+                  bool local) {
+    const Window& window = night.best;
+    Cells cells = {dateOf(line.date),
+                   target.name,
+                   fixedOnCircle(target.position.ra, POSITION_DECIMALS, FULL_CIRCLE),
+                   fixed(target.position.dec, POSITION_DECIMALS),
+                   fixed(night.usableHours, HOURS_DECIMALS),
+                   fixed(night.darkEquivalentHours, WORTH_DECIMALS),
+                   timeOr(window, window.begin, utcMinute),
+                   timeOr(window, window.end, utcMinute)};
+    if (local) {
+        cells.push_back(timeOr(window, window.begin, localMinute));
+        cells.push_back(timeOr(window, window.end, localMinute));
+    }
+    cells.push_back(window.begin == window.end ? "" : word(!window.moonDown));
+    cells.push_back(fixed(line.summary.illumination, FRACTION_DECIMALS));
+    cells.push_back(night.rank == 0 ? "" : std::to_string(night.rank));
+    return cells;
+}
+
+/// One row per night and target.
+std::string seasons(const Report& report) {
+    const bool local = report.settings.local;
+    std::string text = lineOf(seasonTitles(local));
+    for (std::size_t n = 0; n < report.nights.size(); ++n) {
+        for (std::size_t i = 0; i < report.seasons.size(); ++i) {
+            text += lineOf(seasonCells(report.nights[n], report.settings.targets[i],
+                                       report.seasons[i][n], local));
+        }
+    }
+    return text;
+}
+
 }  // namespace
 
 std::string csvOf(const Report& report) {
-    return report.settings.nights > 0 ? nights(report) : instants(report);
+    if (report.settings.nights == 0) return instants(report);
+    return report.seasons.empty() ? nights(report) : seasons(report);
 }
 
 }  // namespace zarn::moon

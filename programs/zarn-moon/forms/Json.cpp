@@ -67,7 +67,22 @@ Json nightOf(const NightLine& line, bool local) {
             {"eclipse", eclipseOf(line.eclipse, local)}};
 }
 
-/// A target with its best window, if that was asked for.
+/// A window, or null for none.
+Json windowOf(const Window& window, bool local) {
+    if (window.begin == window.end) return {};
+    return {{"begin", timeOf(window.begin, local)},
+            {"end", timeOf(window.end, local)},
+            {"moon_up", !window.moonDown}};
+}
+
+/// The dates of a season's best nights, the best first.
+Json bestOf(const Report& report, const Season& season) {
+    Json dates = Json::array();
+    for (const std::size_t i : bestNights(season)) dates.push_back(dateOf(report.nights[i].date));
+    return dates;
+}
+
+/// A target with its best window or best nights, if those were asked for.
 Json targetOf(const Report& report, std::size_t i) {
     const Target& asked = report.settings.targets[i];
     Json target = {{"name", asked.name},
@@ -77,13 +92,9 @@ Json targetOf(const Report& report, std::size_t i) {
     if (asked.minAltitude) target["min_altitude_deg"] = *asked.minAltitude;
     if (asked.weight) target["weight"] = *asked.weight;
     for (const auto& [title, text] : asked.columns) target["columns"][title] = text;
-    if (report.windows.empty()) return target;
-    const Window& window = report.windows[i];
-    const bool none = window.begin == window.end;
-    target["best_window"] = none ? Json()
-                                 : Json{{"begin", timeOf(window.begin, report.settings.local)},
-                                        {"end", timeOf(window.end, report.settings.local)},
-                                        {"moon_up", !window.moonDown}};
+    if (!report.seasons.empty()) target["best_nights"] = bestOf(report, report.seasons[i]);
+    if (!report.windows.empty())
+        target["best_window"] = windowOf(report.windows[i], report.settings.local);
     return target;
 }
 
@@ -121,6 +132,54 @@ Json siteOf(const Settings& settings) {
     return site;
 }
 
+Json seasonNightOf(const NightLine& line, const Target& target, const TargetNight& night,
+                   bool local) {
+    return {{"night", dateOf(line.date)},
+            {"target", target.name},
+            {"usable_hours", rounded(night.usableHours, HOURS_DECIMALS)},
+            {"dark_equivalent_hours", rounded(night.darkEquivalentHours, WORTH_DECIMALS)},
+            {"rank", night.rank > 0 ? Json(night.rank) : Json()},
+            {"best_window", windowOf(night.best, local)}};
+}
+
+/// A value on one line. Replacement characters take the place of what is not UTF-8.
+std::string dumped(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+/// An array. It may be very long: each element becomes text by itself, on a line of its own.
+template <typename Element>
+std::string linesOf(std::size_t size, Element element) {
+    std::string text = "[";
+    for (std::size_t i = 0; i < size; ++i) text += (i > 0 ? ",\n  " : "\n  ") + dumped(element(i));
+    return text + (size == 0 ? "]" : "\n ]");
+}
+
+/// The targets' nights, all targets of a night together.
+std::string seasonsOf(const Report& report) {
+    const std::size_t targets = report.seasons.size();
+    return linesOf(targets * report.nights.size(), [&report, targets](std::size_t i) {
+        const std::size_t night = i / targets;
+        const std::size_t target = i % targets;
+        return seasonNightOf(report.nights[night], report.settings.targets[target],
+                             report.seasons[target][night], report.settings.local);
+    });
+}
+
+Json limitsOf(const Settings& settings) {
+    const auto orAbsent = [](const std::optional<double>& limit) {
+        return limit ? Json(*limit) : Json();
+    };
+    const std::optional<MoonAvoidance>& avoidance = settings.moonAvoidance;
+    return {{"min_altitude_deg", orAbsent(settings.minAltitude)},
+            {"max_airmass", orAbsent(settings.maxAirmass)},
+            {"min_moon_distance_deg", orAbsent(settings.minMoonDistance)},
+            {"moon_avoidance_deg", avoidance ? Json(avoidance->degrees) : Json()},
+            {"moon_avoidance_days", avoidance ? Json(avoidance->days) : Json()},
+            {"max_sky_mag", orAbsent(settings.maxSky)},
+            {"sun_altitude_deg", settings.sunAltitude.value_or(ASTRONOMICAL_TWILIGHT)}};
+}
+
 }  // namespace
 
 std::string jsonOf(const Report& report) {
@@ -131,6 +190,7 @@ std::string jsonOf(const Report& report) {
                  {"ephemeris", settings.ephemeris == Theory::ERFA ? "erfa" : "library"},
                  {"extinction", settings.extinction},
                  {"dark_sky_mag", settings.darkSky}};
+    if (!report.seasons.empty()) json["limits"] = limitsOf(settings);
     json["nights"] = Json::array();
     json["phases"] = Json::array();
     json["targets"] = Json::array();
@@ -145,11 +205,11 @@ std::string jsonOf(const Report& report) {
     // Replacement characters take the place of what is not UTF-8: an exception would end the
     // program.
     std::string text = json.dump(INDENT, ' ', false, Json::error_handler_t::replace);
-    // There may be very many rows: each becomes text by itself, on a line of its own.
-    text.replace(text.rfind('\n'), std::string::npos, ",\n \"instants\": [");
-    for (std::size_t i = 0; i < report.rows.size(); ++i)
-        text += (i > 0 ? ",\n  " : "\n  ") + rowOf(report.rows[i], local).dump();
-    return text + (report.rows.empty() ? "]\n}\n" : "\n ]\n}\n");
+    const auto row = [&report, local](std::size_t i) { return rowOf(report.rows[i], local); };
+    text.replace(text.rfind('\n'), std::string::npos,
+                 ",\n \"instants\": " + linesOf(report.rows.size(), row));
+    if (!report.seasons.empty()) text += ",\n \"semester\": " + seasonsOf(report);
+    return text + "\n}\n";
 }
 
 }  // namespace zarn::moon

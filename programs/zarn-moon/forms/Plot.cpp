@@ -4,7 +4,10 @@
 #include <stdexcept>
 
 #include "zarn-moon/forms/Gnuplot.h"
+#include "zarn-moon/forms/HeatMap.h"
+#include "zarn-moon/forms/PlotParts.h"
 #include "zarn-moon/forms/PlotScript.h"
+#include "zarn-moon/forms/SeasonMap.h"
 
 namespace zarn::moon {
 
@@ -29,18 +32,36 @@ std::vector<MJD_DATE> instantsToDraw(const Night& night) {
     return instants;
 }
 
-}  // namespace
+/// The targets' best windows in the only night, if they are asked for.
+std::vector<Window> windowsOf(const Report& report) {
+    if (!hasLimits(report.settings)) return {};
+    std::vector<Window> windows = report.windows;
+    for (const Season& season : report.seasons) windows.push_back(season[0].best);
+    return windows;
+}
 
-std::string drawNight(const Report& report) {
+std::string nightScript(const Report& report) {
     const Settings& settings = report.settings;
     const Night& night = *report.night;
     const Ephemeris& ephemeris = ephemerisOf(settings.ephemeris);
     const std::vector<Row> rows =
         makeRows(settings, ephemeris.pathOver(settings.site, instantsToDraw(night)),
-                 directionsOfDate(settings, ephemeris, middleOf(night)), {});
-    std::string picture = runGnuplot(scriptOf(settings, rows, report.nights.front().summary));
-    const bool whole = picture.find(isSvg(settings) ? "</svg>" : "IEND") != std::string::npos;
-    if (!whole) throw std::runtime_error("gnuplot did not draw the whole picture");
+                 directionsOfDate(settings, ephemeris, middleOf(night)), windowsOf(report));
+    return scriptOf(report, rows);
+}
+
+std::string script(const Report& report) {
+    if (report.night) return nightScript(report);
+    return report.settings.targets.size() > 1 ? heatMapScript(report) : seasonScript(report);
+}
+
+}  // namespace
+
+std::string draw(const Report& report) {
+    std::string picture = runGnuplot(script(report));
+    const char* const end = isSvg(report.settings) ? "</svg>" : "IEND";
+    if (picture.find(end) == std::string::npos)
+        throw std::runtime_error("gnuplot did not draw the whole picture");
     return picture;
 }
 

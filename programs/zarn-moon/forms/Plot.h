@@ -1,4 +1,4 @@
-/// The picture of a night, drawn by gnuplot.
+/// Pictures, drawn by gnuplot.
 #ifndef ZARN_MOON_PLOT_H
 #define ZARN_MOON_PLOT_H
 
@@ -8,13 +8,12 @@
 
 namespace zarn::moon {
 
-/// The picture of the report's night, in the format that the name in `settings.plot` ends in: the
-/// altitudes of moon and targets over UT, and below them the sky brightness at the targets.
-///
-/// @param report  on a single night
+/// The picture of the report, in the format that the name in `settings.plot` ends in: of a night,
+/// the altitudes of moon and targets over UT, and below them the sky brightness at the targets; of
+/// several nights, what they are worth for the targets, or for one target hour by hour.
 ///
 /// @throw std::runtime_error  when gnuplot is not installed or fails
-std::string drawNight(const Report& report);
+std::string draw(const Report& report);
 
 }  // namespace zarn::moon
 

@@ -3,69 +3,63 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <optional>
 
 #include "shared/cli/Printable.h"
 #include "shared/cli/TextStreams.h"
 #include "shared/sky/Calendar.h"
+#include "zarn-moon/forms/CurveNames.h"
+#include "zarn-moon/forms/PlotParts.h"
+#include "zarn-moon/forms/TableParts.h"
 #include "zarn-moon/forms/Texts.h"
+#include "zarn-moon/night/Limits.h"
 
 namespace zarn::moon {
 
 namespace {
 
-const char MOON_STYLE[] = "linewidth 3 linecolor rgb '#444444' dashtype 2";
+const char MOON_STYLE[] = "linewidth 3 linecolor rgb '#444444' dashtype (4,4)";
+constexpr double TOP_ALTITUDE = 90.0;  // of the upper panel [deg]
 
-// The background, from day to night.
+// Colours that colour-blind people tell apart, too: Okabe & Ito 2008. Each has its own dashes, so
+// that the lines differ in grey; the names at the curves tell which is which.
 constexpr struct {
-    double sunAltitude;  // below this one
     const char* color;
-} SHADES[] = {
-    {90.0, "#fdf6e3"},
-    {HORIZON, "#eceff6"},
-    {CIVIL_TWILIGHT, "#dde2ee"},
-    {NAUTICAL_TWILIGHT, "#ced5e5"},
-    {ASTRONOMICAL_TWILIGHT, "#c0c9dd"},
+    const char* dashes;
+} STYLES[] = {
+    {"0072b2", "1"},          {"d55e00", "(14,4)"}, {"009e73", "(2,3)"},
+    {"cc79a7", "(14,4,2,4)"}, {"56b4e9", "(6,3)"},  {"e69f00", "(14,4,2,4,2,4)"},
 };
 
-// Colours that colour-blind people tell apart, too: Okabe & Ito 2008.
-constexpr const char* COLORS[] = {"#0072b2", "#d55e00", "#009e73", "#cc79a7", "#56b4e9", "#e69f00"};
-
-/// The style of a target's line. There are six colours; from the seventh target on, lines are
-/// dotted.
+/// The style of a target's line. From the seventh target on, lines are thin.
 std::string styleOf(std::size_t target) {
-    static_assert(MOST_DRAWN_TARGETS <= 2 * std::size(COLORS));
-    const bool dotted = target >= std::size(COLORS);
-    return std::string("linewidth 2 linecolor rgb '") + COLORS[target % std::size(COLORS)] + "'" +
-           (dotted ? " dashtype 3" : "");
+    static_assert(MOST_DRAWN_TARGETS <= 2 * std::size(STYLES));
+    const auto& [color, dashes] = STYLES[target % std::size(STYLES)];
+    return std::string("linewidth ") + (target >= std::size(STYLES) ? "1" : "2.5") +
+           " linecolor rgb '#" + color + "' dashtype " + dashes;
 }
 
-/// A text as a quoted string for gnuplot.
-std::string quoted(const std::string& text) {
-    std::string result = "'";
-    for (const char c : printable(text)) result.append(c == '\'' ? 2 : 1, c);
-    return result + "'";
+/// The style of a target's best window, behind its line: broad and pale.
+std::string windowStyle(std::size_t target) {
+    return std::string("linewidth 11 linecolor rgb '#90") +
+           STYLES[target % std::size(STYLES)].color + "'";
 }
-
-/// A time for gnuplot: seconds since 1970.
-std::string timeOf(double mjd) { return fixed((mjd - MJD_OF_EPOCH) * SECONDS_PER_DAY, 0); }
 
 /// The background: a rectangle for each point, in the color of its twilight.
 std::string shades(const std::vector<Row>& rows) {
     TextWriter script;
     const double half = MINUTES_PER_POINT / 2.0 / MINUTES_PER_DAY;
-    std::string color;
+    std::optional<unsigned> color;
     std::string begin;
     const auto close = [&](double mjd) {
-        if (color.empty()) return;
+        if (!color) return;
         script << "set object rectangle from " << begin << ", graph 0 to " << timeOf(mjd)
-               << ", graph 1 behind fillstyle solid noborder fillcolor rgb '" << color << "'\n";
+               << ", graph 1 behind fillstyle solid noborder fillcolor rgb '#" << std::hex << *color
+               << std::dec << "'\n";
     };
     for (const Row& row : rows) {
-        std::string wanted;
-        for (const auto& [altitude, shade] : SHADES) {
-            if (row.sunAltitude < altitude) wanted = shade;
-        }
-        if (wanted == color) continue;
+        const unsigned wanted = shadeOf(row.sunAltitude);
+        if (color == wanted) continue;
         close(row.mjd - half);
         color = wanted;
         begin = timeOf(row.mjd - half);
@@ -97,74 +91,174 @@ std::string timeAxis(const Settings& settings, const std::vector<Row>& rows) {
 }
 
 /// What the axis of times is called, with the zones of its beginning and its end.
-std::string timeLabel(const Settings& settings, const std::vector<Row>& rows) {
-    if (!settings.local) return "set xlabel 'UT'\n";
+///
+/// @param note  a line below it, or none
+std::string timeLabel(const Settings& settings, const std::vector<Row>& rows,
+                      const std::string& note) {
+    const std::string below = note.empty() ? "" : ".\"\\n\"." + quoted(note);
+    if (!settings.local) return "set xlabel 'UT'" + below + "\n";
     const std::string begin = localTime(rows.front().mjd, "%Z");
     const std::string end = localTime(rows.back().mjd, "%Z");
     return "set xlabel " +
            quoted("UT, and local time (" + begin + (end == begin ? "" : ", then " + end) +
                   ") from " + localTime(rows.front().mjd, "%Y-%m-%d")) +
-           " noenhanced offset 0,-1\nset bmargin 5\n";
+           below + " noenhanced offset 0,-1\nset bmargin " + (note.empty() ? "5" : "6") + "\n";
 }
 
-/// The data block: times, the moon's altitude, and each target's altitude and sky brightness. NaN
-/// leaves a gap in a curve.
+/// The data block: times, the moon's altitude, and each target's altitude, sky brightness and
+/// altitude within its best window. NaN leaves a gap in a curve.
 std::string data(const std::vector<Row>& rows) {
     TextWriter script;
     script << "$night << END\n";
     for (const Row& row : rows) {
         script << timeOf(row.mjd) << ' ' << fixed(row.moonAltitude, 3);
-        for (const TargetValues& values : row.targets)
-            script << ' ' << fixed(values.altitude, 3) << ' ' << fixedOr(values.sky, 3, "NaN");
+        for (const TargetValues& values : row.targets) {
+            const std::string altitude = fixed(values.altitude, 3);
+            script << ' ' << altitude << ' ' << fixedOr(values.sky, 3, "NaN") << ' '
+                   << (values.best ? altitude : "NaN");
+        }
         script << '\n';
     }
     script << "END\n";
     return script.str();
 }
 
+/// The columns of a target's data.
+std::size_t altitudeColumn(std::size_t target) { return 3 + 3 * target; }
+std::size_t skyColumn(std::size_t target) { return altitudeColumn(target) + 1; }
+std::size_t windowColumn(std::size_t target) { return altitudeColumn(target) + 2; }
+
 /// A curve of a plot command: a column of the data against time.
-std::string line(std::size_t column, const std::string& style, const std::string& title) {
-    return "$night using 1:" + std::to_string(column) + " with lines " + style + " " + title;
+std::string line(std::size_t column, const std::string& style) {
+    return "$night using 1:" + std::to_string(column) + " with lines " + style + " notitle";
 }
 
-/// The upper plot.
-std::string altitudes(const Settings& settings) {
-    std::string script = "set ylabel 'altitude [degrees]'\nset yrange [0:90]\nset ytics 15\nplot " +
-                         line(2, MOON_STYLE, "title 'moon'");
+bool isOfMoon(const Event& event) { return event.name.rfind("moon", 0) == 0; }
+
+/// An altitude as a point of the upper panel.
+PanelPoint pointOf(const std::vector<Row>& rows, double mjd, double altitude) {
+    return {(mjd - rows.front().mjd) / (rows.back().mjd - rows.front().mjd),
+            altitude / TOP_ALTITUDE};
+}
+
+/// The names of the sun's events, upright at the top of the upper panel.
+std::vector<PanelText> sunNames(const NightLine& night, const std::vector<Row>& rows) {
+    constexpr double LOWEST = 65.0;  // [deg], as the next
+    constexpr double STEP = 4.0;
+    constexpr int POINTS = 7;
+    constexpr double WIDTH = 0.02;
+    std::vector<PanelText> texts;
+    for (const Event& event : night.events) {
+        if (isOfMoon(event) || event.times.empty()) continue;
+        for (int i = 0; i < POINTS; ++i)
+            texts.push_back({WIDTH, pointOf(rows, event.times.front(), LOWEST + i * STEP)});
+    }
+    return texts;
+}
+
+/// The names of moon and targets, at their curves.
+std::string names(const Report& report, const std::vector<Row>& rows) {
+    constexpr double CHARACTER = 0.0105;  // of the panel's width
+    std::vector<std::string> names = {"moon"};
+    for (const Target& target : report.settings.targets) names.push_back(target.name);
+    std::vector<NamedCurve> curves;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        curves.push_back({CHARACTER * static_cast<double>(names[i].size()), {}});
+        for (const Row& row : rows) {
+            const double altitude = i == 0 ? row.moonAltitude : row.targets[i - 1].altitude;
+            curves[i].points.push_back(pointOf(rows, row.mjd, altitude));
+        }
+    }
+    const auto places = namePlaces(curves, sunNames(report.nights.front(), rows));
+    std::string script;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (!places[i]) continue;
+        script += "set label " + quoted(names[i]) + " at graph " + fixed(places[i]->x, 3) +
+                  ", graph " + fixed(places[i]->y, 3) + " center offset 0,0.6 noenhanced front\n";
+    }
+    return script;
+}
+
+/// Lines at what the sun does, and its names at the top of the upper panel.
+std::string sunLines(const NightLine& night, const std::vector<Row>& rows) {
+    std::string script;
+    for (const Event& event : night.events) {
+        if (isOfMoon(event)) continue;
+        for (const double time : event.times) {
+            if (time < rows.front().mjd || time > rows.back().mjd) continue;
+            script += "set arrow from " + timeOf(time) + ", graph 0 to " + timeOf(time) +
+                      ", graph 1 nohead linewidth 0.7 linecolor rgb '#707070'\nset label " +
+                      quoted(event.name) + " at " + timeOf(time) +
+                      ", graph 0.98 right rotate by 90 offset 0.6,0 font ',8'\n";
+        }
+    }
+    return script;
+}
+
+/// The least altitude, where it is the same for all targets.
+std::string minimumAltitude(const Settings& settings) {
+    if (settings.targets.empty()) return "";
+    const double least = leastAltitudeOf(settings, settings.targets.front());
+    const bool isCommon = std::all_of(
+        settings.targets.begin(), settings.targets.end(),
+        [&](const Target& target) { return leastAltitudeOf(settings, target) == least; });
+    if (!isCommon || least == 0.0) return "";
+    const std::string altitude = fixed(least, 1);
+    return "set arrow from graph 0, first " + altitude + " to graph 1, first " + altitude +
+           " nohead linewidth 1.5 linecolor rgb 'black' dashtype (2,4)\n"
+           "set label 'minimum altitude' at graph 0.99, first " +
+           altitude + " right offset 0,0.5 font ',8'\n";
+}
+
+/// The upper panel.
+std::string altitudes(const Report& report) {
+    const Settings& settings = report.settings;
+    std::string script = "set ylabel 'altitude [degrees]'\nset yrange [0:90]\nset ytics 15\nplot ";
+    if (hasLimits(settings)) {
+        for (std::size_t i = 0; i < settings.targets.size(); ++i)
+            script += line(windowColumn(i), windowStyle(i)) + ", ";
+        script += "NaN with lines linewidth 11 linecolor rgb '#90606060' title 'best window', ";
+    }
+    script += line(2, MOON_STYLE);
     for (std::size_t i = 0; i < settings.targets.size(); ++i)
-        script += ", " + line(3 + 2 * i, styleOf(i),
-                              "title " + quoted(settings.targets[i].name) + " noenhanced");
+        script += ", " + line(altitudeColumn(i), styleOf(i));
     return script + "\n";
 }
 
-/// The lower plot. Its scale is upside down, as magnitudes are: darker is lower.
-std::string brightness(const Settings& settings, const std::vector<Row>& rows) {
-    constexpr double MARGIN = 0.3;  // [mag]
-    double brightest = settings.darkSky - 1.0;
+/// The brightest sky at the targets [mag per square arc second], if there is any in the dark.
+std::optional<double> brightestSky(const std::vector<Row>& rows) {
+    std::optional<double> brightest;
     for (const Row& row : rows) {
-        for (const TargetValues& values : row.targets)
-            brightest = std::min(brightest, values.sky.value_or(brightest));
+        for (const TargetValues& values : row.targets) {
+            if (values.sky) brightest = std::min(*values.sky, brightest.value_or(*values.sky));
+        }
     }
+    return brightest;
+}
+
+/// The lower panel. Its scale is upside down, as magnitudes are: darker is lower.
+std::string brightness(const Settings& settings, double brightest) {
+    constexpr double MARGIN = 0.3;  // [mag]
     std::string script =
-        "set ylabel 'sky [mag/arcsec^2], darker below' noenhanced\nset ytics auto\n"
+        "unset label\nset ylabel 'sky [mag arcsec^{-2}], darker below'\nset ytics auto\n"
         "unset key\nset yrange [" +
-        fixed(settings.darkSky + MARGIN, 2) + ":" + fixed(brightest - MARGIN, 2) + "]\nplot ";
+        fixed(settings.darkSky + MARGIN, 2) + ":" +
+        fixed(std::min(brightest, settings.darkSky - 1.0) - MARGIN, 2) + "]\nplot ";
     for (std::size_t i = 0; i < settings.targets.size(); ++i)
-        script += (i > 0 ? ", " : "") + line(4 + 2 * i, styleOf(i), "notitle");
+        script += (i > 0 ? ", " : "") + line(skyColumn(i), styleOf(i));
     return script + "\n";
 }
 
 }  // namespace
 
-bool isSvg(const Settings& settings) {
-    return settings.plot.rfind(".svg") == settings.plot.size() - std::string(".svg").size();
-}
-
-std::string scriptOf(const Settings& settings, const std::vector<Row>& rows,
-                     const Summary& summary) {
-    const bool sky = !settings.targets.empty();
-    std::string script = std::string("set terminal ") + (isSvg(settings) ? "svg" : "pngcairo") +
-                         " size 900," + (sky ? "800" : "450") + " background 'white'\n";
+std::string scriptOf(const Report& report, const std::vector<Row>& rows) {
+    constexpr int WIDTH = 900;  // [pixels]
+    constexpr int PANEL = 450;  // [pixels]
+    constexpr int BOTH = 800;   // [pixels]
+    const Settings& settings = report.settings;
+    const Summary& summary = report.nights.front().summary;
+    const std::optional<double> brightest = brightestSky(rows);
+    std::string script = terminalOf(settings, WIDTH, brightest ? BOTH : PANEL);
     script += data(rows) + shades(rows);
     script += "set xdata time\nset timefmt '%s'\n" + timeAxis(settings, rows) +
               "set grid\nset xrange [" + timeOf(rows.front().mjd) + ":" + timeOf(rows.back().mjd) +
@@ -172,12 +266,19 @@ std::string scriptOf(const Settings& settings, const std::vector<Row>& rows,
     const std::string title = "Night of " + dateOf(settings.date) + " at " + settings.site.name +
                               " (" + coordinates(settings.site) + "): moon " +
                               fixed(100.0 * summary.illumination, 0) + " % lit, " + summary.word;
-    if (!sky)
-        return script + timeLabel(settings, rows) + "set title " + quoted(title) + " noenhanced\n" +
-               altitudes(settings);
-    return script + "set multiplot layout 2,1 title " + quoted(title) + " noenhanced\n" +
-           altitudes(settings) + timeLabel(settings, rows) + brightness(settings, rows) +
-           "unset multiplot\n";
+    script +=
+        sunLines(report.nights.front(), rows) + minimumAltitude(settings) + names(report, rows);
+    if (brightest) {
+        return script + "set multiplot layout 2,1 title " + quoted(title) + " noenhanced\n" +
+               altitudes(report) + timeLabel(settings, rows, "") +
+               brightness(settings, *brightest) + "unset multiplot\n";
+    }
+    const char* const note = settings.targets.empty()
+                                 ? ""
+                                 : "The sky at the targets is not drawn: none is up while the "
+                                   "sun is below -18 degrees.";
+    return script + timeLabel(settings, rows, note) + "set title " + quoted(title) +
+           " noenhanced\n" + altitudes(report);
 }
 
 }  // namespace zarn::moon

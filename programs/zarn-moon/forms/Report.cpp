@@ -11,11 +11,10 @@ namespace {
 constexpr std::size_t MOST_VALUES = 1000000;  // instants times targets: about 500 MB at most
 
 /// Refuses a table that would take too much memory.
-void checkSize(std::size_t instants, std::size_t targets) {
-    if (targets > 0 && instants > MOST_VALUES / targets) {
-        throw UsageError("more than " + std::to_string(MOST_VALUES) +
-                         " rows of instants and targets: choose a larger --step");
-    }
+void checkSize(std::size_t instants, std::size_t targets,
+               const std::string& what = "instants and targets: choose a larger --step") {
+    if (targets > 0 && instants > MOST_VALUES / targets)
+        throw UsageError("more than " + std::to_string(MOST_VALUES) + " rows of " + what);
 }
 
 NightLine lineOf(const Ephemeris& ephemeris, const Night& night) {
@@ -23,11 +22,38 @@ NightLine lineOf(const Ephemeris& ephemeris, const Night& night) {
             eclipseIn(ephemeris, night)};
 }
 
-/// Whether anything says how high targets must be.
-bool asksForWindows(const Settings& settings) {
-    return settings.minAltitude || settings.horizon ||
-           std::any_of(settings.targets.begin(), settings.targets.end(),
-                       [](const Target& target) { return target.minAltitude.has_value(); });
+/// Fills in what a calendar takes of a night.
+void addDarkWindows(Report& report, const Night& night) {
+    if (report.settings.format == Format::ICS) report.darkWindows.push_back(darkWindows(night));
+}
+
+/// Adds a night to the targets' seasons.
+void addToSeasons(Report& report, const Ephemeris& ephemeris, const Night& night) {
+    const Settings& settings = report.settings;
+    const Limits limits(settings, night);
+    const std::vector<Direction> targets = directionsOfDate(settings, ephemeris, middleOf(night));
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        const std::vector<bool> allowed = limits.minutesFor(settings.targets[i], targets[i]);
+        report.seasons[i].push_back(targetNightOf(settings, night, targets[i], allowed));
+    }
+}
+
+/// Fills in the report on several nights.
+void addNights(Report& report) {
+    const Settings& settings = report.settings;
+    const Ephemeris& ephemeris = ephemerisOf(settings.ephemeris);
+    checkSize(settings.nights, settings.targets.size(), "nights and targets");
+    report.seasons.resize(settings.targets.size());
+    const double begin = noonOf(settings.site, settings.date);
+    report.phases = nextPhases(ephemeris, begin, begin + settings.nights);
+    for (unsigned i = 0; i < settings.nights; ++i) {
+        const Night night = makeNight(ephemeris, settings.site, settings.date + i);
+        report.nights.push_back(lineOf(ephemeris, night));
+        addDarkWindows(report, night);
+        addToSeasons(report, ephemeris, night);
+        if (settings.nights == 1) report.night = night;
+    }
+    for (Season& season : report.seasons) rankNights(season);
 }
 
 /// Fills in the report on a single night.
@@ -40,9 +66,13 @@ void addNight(Report& report) {
     const std::vector<MJD_DATE> instants = instantsOf(ephemeris, night, settings.step);
     checkSize(instants.size(), settings.targets.size());
     const std::vector<Direction> targets = directionsOfDate(settings, ephemeris, middleOf(night));
-    for (std::size_t i = 0; asksForWindows(settings) && i < targets.size(); ++i) {
-        const double least = leastAltitudeOf(settings, settings.targets[i]);
-        report.windows.push_back(bestWindow(night, targets[i], least));
+    addDarkWindows(report, night);
+    if (hasLimits(settings) || settings.format == Format::ICS) {
+        const Limits limits(settings, night);
+        for (std::size_t i = 0; i < targets.size(); ++i) {
+            report.windows.push_back(
+                bestWindow(night, limits.minutesFor(settings.targets[i], targets[i])));
+        }
     }
     report.rows =
         makeRows(settings, ephemeris.pathOver(settings.site, instants), targets, report.windows);
@@ -51,14 +81,9 @@ void addNight(Report& report) {
 
 }  // namespace
 
-double leastAltitudeOf(const Settings& settings, const Target& target) {
-    const double asked = target.minAltitude.value_or(settings.minAltitude.value_or(0.0));
-    return std::max(asked, settings.horizon.value_or(0.0));
-}
-
 Report makeReport(const Settings& settings) {
     const Ephemeris& ephemeris = ephemerisOf(settings.ephemeris);
-    Report report = {settings, {}, {}, {}, {}, {}};
+    Report report = {settings, {}, {}, {}, {}, {}, {}, {}};
     if (settings.mjd) {
         checkSize(1, settings.targets.size());
         report.phases = nextPhases(ephemeris, *settings.mjd, *settings.mjd);
@@ -67,12 +92,7 @@ Report makeReport(const Settings& settings) {
     } else if (settings.nights == 0) {
         addNight(report);
     } else {
-        const double begin = noonOf(settings.site, settings.date);
-        report.phases = nextPhases(ephemeris, begin, begin + settings.nights);
-        for (unsigned i = 0; i < settings.nights; ++i) {
-            const Night night = makeNight(ephemeris, settings.site, settings.date + i);
-            report.nights.push_back(lineOf(ephemeris, night));
-        }
+        addNights(report);
     }
     return report;
 }

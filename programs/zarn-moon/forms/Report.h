@@ -9,6 +9,7 @@
 #include "zarn-moon/night/Eclipses.h"
 #include "zarn-moon/night/Night.h"
 #include "zarn-moon/night/Rows.h"
+#include "zarn-moon/semester/Semester.h"
 #include "zarn-moon/settings/Settings.h"
 
 namespace zarn::moon {
@@ -30,16 +31,14 @@ struct Report {
     std::vector<Row> rows;          ///< of the night or instant; empty for several nights
     std::vector<Window> windows;    ///< of each target; empty: not asked for
     std::optional<Night> night;     ///< minute by minute, if it is the only one
+    std::vector<Season> seasons;    ///< of each target, one element per night; empty for one night
+    std::vector<std::vector<Window>> darkWindows;  ///< of each night, for a calendar
 };
 
 /// Computes all that the settings ask for.
 ///
 /// @throw UsageError  when the table would be too large
 Report makeReport(const Settings& settings);
-
-/// How high a target must be in its best window [deg]: as its file says, or else the option; in
-/// any case above the site's horizon.
-double leastAltitudeOf(const Settings& settings, const Target& target);
 
 /// For people: text and aligned columns.
 std::string tableOf(const Report& report);
@@ -49,6 +48,11 @@ std::string csvOf(const Report& report);
 
 /// Everything. Absent values are null.
 std::string jsonOf(const Report& report);
+
+/// A calendar by RFC 5545: an event for each dark window and for each target's best windows.
+///
+/// @throw std::runtime_error  when there is no window: a calendar without an event is none
+std::string icsOf(const Report& report);
 
 }  // namespace zarn::moon
 

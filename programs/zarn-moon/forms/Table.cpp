@@ -6,6 +6,7 @@
 #include "shared/sky/Calendar.h"
 #include "zarn-moon/forms/Columns.h"
 #include "zarn-moon/forms/Report.h"
+#include "zarn-moon/forms/TableParts.h"
 #include "zarn-moon/forms/Texts.h"
 
 namespace zarn::moon {
@@ -13,13 +14,6 @@ namespace zarn::moon {
 namespace {
 
 const std::size_t DATE_LENGTH = std::string("YYYY-MM-DDT").size();
-
-/// "2026-11-25 17:06", followed by the local time if that is asked for.
-std::string timeText(double mjd, bool local) {
-    std::string text = minuteOf(mjd);
-    text.replace(text.find('T'), 1, " ");
-    return local ? text + " (" + localClock(nearestMinute(mjd), "%H:%M %Z") + ")" : text;
-}
 
 std::string timesText(const std::vector<double>& times, bool local, const std::string& absent) {
     std::string text;
@@ -30,9 +24,6 @@ std::string timesText(const std::vector<double>& times, bool local, const std::s
 bool isWholeMinutes(const Settings& settings) {
     return !settings.mjd && settings.step == std::floor(settings.step);
 }
-
-/// The time of day alone.
-std::string clockText(double mjd) { return minuteOf(mjd).substr(DATE_LENGTH); }
 
 /// A sidereal time as hh:mm, cut to the minute.
 std::string hoursAndMinutes(double hours) {
@@ -100,11 +91,11 @@ std::string localSpan(const Window& window) {
            localClock(nearestMinute(window.end), "%H:%M %Z");
 }
 
-std::string windowText(const Window& window, double least, bool local) {
-    const std::string what = "best window, at least " + fixed(least, 1) + " degrees high: ";
+std::string windowText(const Settings& settings, const Target& target, const Window& window) {
+    const std::string what = "best window" + limitsText(settings, target) + ": ";
     if (window.begin == window.end) return what + "none";
     return what + clockText(window.begin) + " to " + clockText(window.end) + " UT" +
-           (local ? " (" + localSpan(window) + ")" : "") + ", moon " +
+           (settings.local ? " (" + localSpan(window) + ")" : "") + ", moon " +
            (window.moonDown ? "down" : "up") + " (marked *)";
 }
 
@@ -126,24 +117,6 @@ std::string targetTable(const Report& report, std::size_t target) {
         columns.add(cells);
     }
     return columns.text();
-}
-
-std::string targetTitle(const Settings& settings, const Target& target) {
-    const std::string position =
-        fixedOnCircle(target.position.ra, 4, FULL_CIRCLE) + " " + fixed(target.position.dec, 4);
-    return "Target " + printable(target.name) + ": " + position + " degrees, equinox " +
-           (settings.equinox == Equinox::OF_DATE ? "of date" : "J2000");
-}
-
-std::string phasesText(const Report& report) {
-    std::string text = "Next phases:\n";
-    for (const Phase& phase : report.phases) {
-        TextWriter line;
-        line << "  " << std::left << std::setw(19) << phase.name
-             << timeText(phase.mjd, report.settings.local) << '\n';
-        text += line.str();
-    }
-    return text;
 }
 
 /// "total eclipse of the moon, magnitude 1.36:" and a line for each contact.
@@ -235,11 +208,57 @@ std::string emptyTableText(SunCourse course) {
 
 }  // namespace
 
+std::string timeText(double mjd, bool local) {
+    std::string text = minuteOf(mjd);
+    text.replace(text.find('T'), 1, " ");
+    return local ? text + " (" + localClock(nearestMinute(mjd), "%H:%M %Z") + ")" : text;
+}
+
+std::string clockText(double mjd) { return minuteOf(mjd).substr(DATE_LENGTH); }
+
+std::string targetTitle(const Settings& settings, const Target& target) {
+    const std::string position =
+        fixedOnCircle(target.position.ra, 4, FULL_CIRCLE) + " " + fixed(target.position.dec, 4);
+    return "Target " + printable(target.name) + ": " + position + " degrees, equinox " +
+           (settings.equinox == Equinox::OF_DATE ? "of date" : "J2000");
+}
+
+std::string phasesText(const Report& report) {
+    std::string text = "Next phases:\n";
+    for (const Phase& phase : report.phases) {
+        TextWriter line;
+        line << "  " << std::left << std::setw(19) << phase.name
+             << timeText(phase.mjd, report.settings.local) << '\n';
+        text += line.str();
+    }
+    return text;
+}
+
+std::string limitsText(const Settings& settings, const Target& target) {
+    std::string text;
+    const auto add = [&text](const std::string& before, const std::optional<double>& limit,
+                             int decimals, const std::string& after) {
+        if (limit) text += ", " + before + fixed(*limit, decimals) + after;
+    };
+    if (limitsAltitudes(settings))
+        add("at least ", leastAltitudeOf(settings, target), 1, " degrees high");
+    add("airmass at most ", settings.maxAirmass, 2, "");
+    add("at least ", settings.minMoonDistance, 1, " degrees from the moon");
+    if (settings.moonAvoidance) {
+        add("at least ", settings.moonAvoidance->degrees, 1, " degrees from the full moon");
+        add("half of that ", settings.moonAvoidance->days, 1, " days from full moon");
+    }
+    add("sky no brighter than ", settings.maxSky, 2, "");
+    add("sun below ", settings.sunAltitude, 1, " degrees");
+    return text;
+}
+
 std::string tableOf(const Report& report) {
     const Settings& settings = report.settings;
     if (settings.nights > 0) {
         return settings.site.name + " (" + coordinates(settings.site) +
-               "), times in UT, to the nearest minute\n\n" + nightsTable(report) +
+               "), times in UT, to the nearest minute\n\n" +
+               (settings.targets.empty() ? nightsTable(report) : semesterTable(report)) +
                eclipsesText(report) + "\n" + phasesText(report);
     }
     std::string text = settings.mjd ? instantText(report) : nightText(report);
@@ -249,9 +268,7 @@ std::string tableOf(const Report& report) {
     for (std::size_t i = 0; i < settings.targets.size(); ++i) {
         text += "\n" + targetTitle(settings, settings.targets[i]) + "\n";
         if (!report.windows.empty())
-            text += windowText(report.windows[i], leastAltitudeOf(settings, settings.targets[i]),
-                               settings.local) +
-                    "\n";
+            text += windowText(settings, settings.targets[i], report.windows[i]) + "\n";
         text += targetTable(report, i);
     }
     return text;

@@ -16,6 +16,7 @@ inline constexpr int SEPARATION_DECIMALS = 2;  ///< of distances from the moon [
 inline constexpr int POSITION_DECIMALS = 5;    ///< of right ascensions and declinations [deg]
 inline constexpr int SIDEREAL_DECIMALS = 5;    ///< of sidereal times [h]
 inline constexpr int HOURS_DECIMALS = 2;       ///< of parts of a night [h]
+inline constexpr int WORTH_DECIMALS = 3;       ///< of dark-equivalent hours [h]
 inline constexpr int BRIGHTNESS_DECIMALS = 3;  ///< [mag]
 inline constexpr int FRACTION_DECIMALS = 5;    ///< of illumination, phase and airmass
 inline constexpr int MJD_DECIMALS = 6;         ///< [d], a tenth of a second

@@ -20,14 +20,22 @@ std::string wordFor(const Summary& summary) {
     return summary.illumination > BRIGHT && up > MOSTLY_UP ? "bright" : "grey";
 }
 
-/// The longest stretch of consecutive minutes for which `counts` is true; of equal ones the first.
+/// The stretches of consecutive minutes for which `counts` is true, of two minutes at least.
+std::vector<Window> stretches(const Night& night, const std::vector<bool>& counts, bool moonDown) {
+    std::vector<Window> windows;
+    for (std::size_t i = 1; i < counts.size(); ++i) {
+        if (!counts[i] || !counts[i - 1]) continue;
+        if (i == 1 || !counts[i - 2])
+            windows.push_back({night.instants[i - 1], night.instants[i], moonDown});
+        windows.back().end = night.instants[i];
+    }
+    return windows;
+}
+
+/// The longest of these stretches; of equal ones the first.
 Window longest(const Night& night, const std::vector<bool>& counts, bool moonDown) {
     Window best = {0.0, 0.0, moonDown};
-    Window window = best;
-    for (std::size_t i = 0; i < counts.size(); ++i) {
-        if (!counts[i]) continue;
-        if (i == 0 || !counts[i - 1]) window.begin = night.instants[i];
-        window.end = night.instants[i];
+    for (const Window& window : stretches(night, counts, moonDown)) {
         if (window.end - window.begin > best.end - best.begin) best = window;
     }
     return best;
@@ -60,20 +68,24 @@ Summary summaryOf(const Night& night) {
     return summary;
 }
 
-Window bestWindow(const Night& night, const Direction& target, double leastAltitude) {
-    const double least = std::sin(leastAltitude / DEG_PER_RAD);
-    std::vector<bool> high;
-    std::vector<bool> highWithoutMoon;
-    for (std::size_t i = 0; i < night.instants.size(); ++i) {
-        high.push_back(night.sunAltitudes[i] < ASTRONOMICAL_TWILIGHT &&
-                       night.horizons[i].turned(target).x >= least);
-        highWithoutMoon.push_back(high.back() && night.moon.altitude[i] < HORIZON);
-    }
+Window bestWindow(const Night& night, const std::vector<bool>& allowed) {
+    std::vector<bool> withoutMoon(allowed);
+    for (std::size_t i = 0; i < allowed.size(); ++i)
+        withoutMoon[i] = allowed[i] && night.moon.altitude[i] < HORIZON;
     constexpr double LEAST_WITHOUT_MOON = 1.0 / HOURS_PER_DAY;  // [d]
-    const Window without = longest(night, highWithoutMoon, true);
-    const Window any = longest(night, high, false);
+    const Window without = longest(night, withoutMoon, true);
+    const Window any = longest(night, allowed, false);
     const bool same = without.begin == any.begin && without.end == any.end;
     return same || without.end - without.begin >= LEAST_WITHOUT_MOON ? without : any;
+}
+
+std::vector<Window> darkWindows(const Night& night) {
+    std::vector<bool> dark;
+    for (std::size_t i = 0; i < night.instants.size(); ++i) {
+        dark.push_back(night.sunAltitudes[i] < ASTRONOMICAL_TWILIGHT &&
+                       night.moon.altitude[i] < HORIZON);
+    }
+    return stretches(night, dark, true);
 }
 
 }  // namespace zarn::moon

@@ -85,9 +85,14 @@ struct Window {
     bool moonDown;  ///< from begin to end
 };
 
-/// A target's best window: of the stretches with the sun below -18 degrees and the target at least
-/// at an altitude [deg], the longest without moon if it lasts an hour, else the longest.
-Window bestWindow(const Night& night, const Direction& target, double leastAltitude);
+/// A target's best window: of the stretches that are allowed, the longest without moon if it lasts
+/// an hour, else the longest.
+///
+/// @param allowed  one element per minute, see `Limits`
+Window bestWindow(const Night& night, const std::vector<bool>& allowed);
+
+/// The stretches with the sun below -18 degrees and the moon below the horizon, in order.
+std::vector<Window> darkWindows(const Night& night);
 
 }  // namespace zarn::moon
 

@@ -12,12 +12,6 @@ namespace zarn::moon {
 
 namespace {
 
-/// The airmass at an altitude [deg], 0 at least, see `SkyGrid`.
-double airmassAt(double altitude) {
-    const double power = std::pow(altitude, formulas::AIRMASS_POWER);
-    return 1.0 / std::sin(formulas::airmassAngle(altitude, power));
-}
-
 /// What the moon adds at a target above the horizon [mag per square arc second].
 std::optional<double> moonlightAt(const MoonGrid& moon, std::size_t i, double distance,
                                   double extinction, double altitude) {
@@ -50,6 +44,12 @@ Row rowOf(const SkyPath& sky, std::size_t i) {
 }
 
 }  // namespace
+
+std::optional<double> airmassAt(double altitude) {
+    if (altitude < 0.0) return std::nullopt;
+    const double power = std::pow(altitude, formulas::AIRMASS_POWER);
+    return 1.0 / std::sin(formulas::airmassAngle(altitude, power));
+}
 
 std::vector<Direction> directionsOfDate(const Settings& settings, const Ephemeris& ephemeris,
                                         double mjd) {

@@ -35,6 +35,9 @@ struct Row {
     std::vector<TargetValues> targets;  ///< in the order of the settings
 };
 
+/// The airmass at an altitude [deg] above the horizon, by Pickering 2002, DIO 12, 3.
+std::optional<double> airmassAt(double altitude);
+
 /// The directions of the settings' targets at a date [MJD].
 std::vector<Direction> directionsOfDate(const Settings& settings, const Ephemeris& ephemeris,
                                         double mjd);

@@ -29,11 +29,17 @@ void checkNights(const Settings& settings) {
     }
 }
 
+void checkMaxSky(const Settings& settings) {
+    if (settings.maxSky && *settings.maxSky > settings.darkSky)
+        throw UsageError("--max-sky is darker than the sky without moon, " +
+                         shortest(settings.darkSky));
+}
+
 void checkPlot(const Settings& settings) {
     if (settings.plot.empty()) return;
     if (settings.plot == settings.output)
         throw UsageError("--plot and --output name the same file");
-    if (settings.targets.size() > MOST_DRAWN_TARGETS) {
+    if (settings.nights <= 1 && settings.targets.size() > MOST_DRAWN_TARGETS) {
         throw UsageError("--plot: more than " + std::to_string(MOST_DRAWN_TARGETS) +
                          " targets cannot be told apart in a picture");
     }
@@ -65,6 +71,14 @@ void CommandLine::checkTogether() const {
     }
     if (!given("telescope") && !given("place") && !given("site"))
         throw UsageError("none of --telescope, --place and --site is given");
+    if (!given("target") && !given("targets")) checkWithoutTarget();
+}
+
+void CommandLine::checkWithoutTarget() const {
+    for (const char* const limit : LIMITS) {
+        if (given(limit)) throw UsageError(std::string("--") + limit + " needs a target");
+    }
+    if (given("nights") && given("step")) throw UsageError("--nights with --step needs a target");
 }
 
 Settings CommandLine::parse(double now) {
@@ -77,9 +91,12 @@ Settings CommandLine::parse(double now) {
     checkTogether();
     readOptions(settings);
     if (!given("date")) settings.date = nightOf(settings.site, now);
-    if (settings.minAltitude && settings.targets.empty())
-        throw UsageError("--min-altitude needs a target");
     if (settings.local) useTimeZone(settings.timeZone);
+    if (settings.nights > 0 && !given("step")) settings.step = SEMESTER_STEP;
+    settings.now = now;
+    if (settings.mjd && settings.format == Format::ICS)
+        throw UsageError("--format ics needs a night, not --mjd");
+    checkMaxSky(settings);
     checkNights(settings);
     checkPlot(settings);
     return settings;

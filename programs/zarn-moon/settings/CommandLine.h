@@ -33,6 +33,7 @@ private:
 
     void parseWords();
     void checkTogether() const;
+    void checkWithoutTarget() const;
 
     std::string problem_;  ///< of a value that begins with a dash; empty: none
 };

@@ -52,6 +52,19 @@ void readOutput(Settings& settings, const std::string& fileName) {
     settings.output = fileName == STANDARD_STREAM ? "" : fileName;
 }
 
+void readMoonAvoidance(Settings& settings, const std::string& value) {
+    constexpr double LEAST_DAYS = 0.1;
+    constexpr double MOST_DAYS = 30.0;
+    const std::string::size_type comma = value.find(',');
+    if (comma == std::string::npos) throw WrongValue("an angle and days such as 120,7");
+    settings.moonAvoidance = {parseNumber(value.substr(0, comma), 0.0, HALF_CIRCLE),
+                              parseNumber(value.substr(comma + 1), LEAST_DAYS, MOST_DAYS)};
+}
+
+void readSunAltitude(Settings& settings, const std::string& degrees) {
+    settings.sunAltitude = parseNumber(degrees, -ZENITH, 0.0);
+}
+
 void readPlot(Settings& settings, const std::string& fileName) {
     if (!endsIn(fileName, ".png") && !endsIn(fileName, ".svg"))
         throw WrongValue("a name that ends in .png or .svg");

@@ -23,6 +23,9 @@ inline constexpr double MOST_EXTINCTION = 10.0;     ///< [mag per airmass]
 inline constexpr double BRIGHTEST_DARK_SKY = 10.0;  ///< [V mag per square arc second]
 inline constexpr double DARKEST_SKY = 30.0;         ///< [V mag per square arc second]
 inline constexpr double ZENITH = 90.0;              ///< [deg]
+inline constexpr double HALF_CIRCLE = 180.0;        ///< [deg]
+inline constexpr double MOST_AIRMASS = 38.0;        ///< less than at the horizon
+inline constexpr double SEMESTER_STEP = 5.0;        ///< unless another is given [minutes]
 
 /// Readers of values that have a form of their own.
 void readTelescope(Settings& settings, const std::string& name);
@@ -32,6 +35,8 @@ void readDate(Settings& settings, const std::string& date);
 void readTarget(Settings& settings, const std::string& position);
 void readTargetFile(Settings& settings, const std::string& fileName);
 void readOutput(Settings& settings, const std::string& fileName);
+void readMoonAvoidance(Settings& settings, const std::string& value);
+void readSunAltitude(Settings& settings, const std::string& degrees);
 void readPlot(Settings& settings, const std::string& fileName);
 
 using MoonKinds = Kinds<Settings>;
@@ -54,7 +59,7 @@ inline constexpr SettingRow<Settings> SETTINGS[] = {
      MoonKinds::Own{readDate}, NO_SECTION, "tonight"},
     {"mjd", NO_LETTER, "X", "One instant, a Modified Julian Date, instead of a night",
      MoonKinds::OptionalNumber{&Settings::mjd, FIRST_MJD, LAST_MJD}},
-    {"nights", NO_LETTER, "N", "One line per night for N nights",
+    {"nights", NO_LETTER, "N", "One line per night for N nights, and for each target",
      MoonKinds::Whole{&Settings::nights, 1, MOST_NIGHTS}},
     {"step", 's', "MINUTES", "Time between two rows of the night's table",
      MoonKinds::Number{&Settings::step, LEAST_STEP, MOST_STEP}},
@@ -68,8 +73,22 @@ inline constexpr SettingRow<Settings> SETTINGS[] = {
      MoonKinds::Each{readTargetFile}},
     {"equinox", NO_LETTER, "J2000|date", "Equinox of the targets' positions",
      choice<&Settings::equinox, Settings>()},
+
+    // Limits. They bound a target's best window, and what counts in a semester.
     {"min-altitude", NO_LETTER, "DEG", "Mark each target's best window above this altitude",
      MoonKinds::OptionalNumber{&Settings::minAltitude, 0.0, ZENITH}},
+    {"max-airmass", NO_LETTER, "X", "Observe targets within this airmass only",
+     MoonKinds::OptionalNumber{&Settings::maxAirmass, 1.0, MOST_AIRMASS}},
+    {"min-moon-distance", NO_LETTER, "DEG",
+     "Observe targets this far from the moon only, while it is up",
+     MoonKinds::OptionalNumber{&Settings::minMoonDistance, 0.0, HALF_CIRCLE}},
+    {"moon-avoidance", NO_LETTER, "DEG,DAYS",
+     "Least distance from the moon: DEG at full moon, half of that DAYS from it",
+     MoonKinds::Own{readMoonAvoidance}},
+    {"max-sky", NO_LETTER, "V", "Observe targets only where the sky is no brighter than this",
+     MoonKinds::OptionalNumber{&Settings::maxSky, BRIGHTEST_DARK_SKY, DARKEST_SKY}},
+    {"sun-altitude", NO_LETTER, "DEG", "Observe targets only while the sun is below this altitude",
+     MoonKinds::Own{readSunAltitude}, NO_SECTION, "-18"},
 
     // The sky: behind the site, whose values these override.
     {"ephemeris", NO_LETTER, "erfa|library", "Theory of sun and moon",
@@ -80,13 +99,13 @@ inline constexpr SettingRow<Settings> SETTINGS[] = {
      MoonKinds::Number{&Settings::extinction, 0.0, MOST_EXTINCTION}},
 
     // The result.
-    {"format", NO_LETTER, "table|csv|json", "Format of the result",
+    {"format", NO_LETTER, "table|csv|json|ics", "Format of the result",
      choice<&Settings::format, Settings>()},
     {"local", NO_LETTER, "", "Also show local times, in the site's time zone or TZ",
      &Settings::local},
     {"output", 'o', "FILE", "Write the result to FILE, complete or not at all",
      MoonKinds::Own{readOutput}, NO_SECTION, "standard output"},
-    {"plot", NO_LETTER, "FILE", "Draw the night into FILE.png or FILE.svg, with gnuplot",
+    {"plot", NO_LETTER, "FILE", "Draw the night or nights into FILE.png or FILE.svg, with gnuplot",
      MoonKinds::Own{readPlot}},
 
     {"help", 'h', "", "Show this help", &Settings::help},
@@ -98,20 +117,18 @@ inline constexpr SettingRow<Settings> SETTINGS[] = {
 
 /// Options that exclude each other.
 inline constexpr const char* EXCLUSIONS[][2] = {
-    {"telescope", "place"},
-    {"telescope", "site"},
-    {"place", "site"},
-    {"date", "mjd"},
-    {"mjd", "nights"},
-    {"mjd", "plot"},
-    {"mjd", "step"},
-    {"mjd", "min-altitude"},
-    {"nights", "plot"},
-    {"nights", "target"},
-    {"nights", "targets"},
-    {"nights", "step"},
-    {"nights", "min-altitude"},
+    {"telescope", "place"},    {"telescope", "site"},
+    {"place", "site"},         {"date", "mjd"},
+    {"mjd", "nights"},         {"mjd", "plot"},
+    {"mjd", "step"},           {"mjd", "min-altitude"},
+    {"mjd", "max-airmass"},    {"mjd", "min-moon-distance"},
+    {"mjd", "moon-avoidance"}, {"mjd", "max-sky"},
+    {"mjd", "sun-altitude"},
 };
+
+/// Options that say nothing without a target.
+inline constexpr const char* LIMITS[] = {"min-altitude",   "max-airmass", "min-moon-distance",
+                                         "moon-avoidance", "max-sky",     "sun-altitude"};
 
 }  // namespace zarn::moon
 

@@ -16,13 +16,19 @@ namespace zarn::moon {
 inline constexpr std::size_t MOST_DRAWN_TARGETS = 12;
 
 /// Forms of the result, in the order of the option's words.
-enum class Format { TABLE, CSV, JSON };
+enum class Format { TABLE, CSV, JSON, ICS };
 
 /// To which equinox the targets' positions refer, in the order of the option's words.
 enum class Equinox { J2000, OF_DATE };
 
 /// Theories of sun and moon, in the order of the option's words.
 enum class Theory { ERFA, LIBRARY };
+
+/// How far from the moon a target must be.
+struct MoonAvoidance {
+    double degrees;  ///< at full moon
+    double days;     ///< from full moon, at which half of the angle is enough
+};
 
 /// Everything that options set. A member holds its default until then.
 struct Settings {
@@ -39,10 +45,18 @@ struct Settings {
     unsigned nights = 0;        ///< number of nights, one line each; 0: the table of one night
     double step = 30.0;         ///< time between rows of the table [minutes]
 
-    double extinction = 0.172;          ///< at the zenith [mag per airmass]
-    double darkSky = 21.8;              ///< without moon [V mag per square arc second]
-    std::optional<double> minAltitude;  ///< of a target's best window [deg]
+    double extinction = 0.172;  ///< at the zenith [mag per airmass]
+    double darkSky = 21.8;      ///< without moon [V mag per square arc second]
 
+    // Limits within which a target can be observed.
+    std::optional<double> minAltitude;           ///< [deg]
+    std::optional<double> maxAirmass;            ///< at least 1
+    std::optional<double> minMoonDistance;       ///< while the moon is up [deg]
+    std::optional<MoonAvoidance> moonAvoidance;  ///< likewise
+    std::optional<double> maxSky;                ///< brightest sky [V mag per square arc second]
+    std::optional<double> sunAltitude;           ///< the sun must be below it [deg]; absent: -18
+
+    double now = 0.0;    ///< when the program was asked [MJD]
     bool local = false;  ///< also show local times
     Format format = Format::TABLE;
     std::string output;       ///< file; empty: standard output

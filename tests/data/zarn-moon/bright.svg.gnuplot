@@ -107,9 +107,18 @@ set xrange [1782069480:1782091560]
 set key outside top center horizontal
 set lmargin 9
 set rmargin 3
+set arrow from 1782071270, graph 0 to 1782071270, graph 1 nohead linewidth 0.7 linecolor rgb '#707070'
+set label 'sunset' at 1782071270, graph 0.98 right rotate by 90 offset 0.6,0 font ',8'
+set arrow from 1782077665, graph 0 to 1782077665, graph 1 nohead linewidth 0.7 linecolor rgb '#707070'
+set label 'civil dusk' at 1782077665, graph 0.98 right rotate by 90 offset 0.6,0 font ',8'
+set arrow from 1782083365, graph 0 to 1782083365, graph 1 nohead linewidth 0.7 linecolor rgb '#707070'
+set label 'civil dawn' at 1782083365, graph 0.98 right rotate by 90 offset 0.6,0 font ',8'
+set arrow from 1782089760, graph 0 to 1782089760, graph 1 nohead linewidth 0.7 linecolor rgb '#707070'
+set label 'sunrise' at 1782089760, graph 0.98 right rotate by 90 offset 0.6,0 font ',8'
+set label 'moon' at graph 0.033, graph 0.183 center offset 0,0.6 noenhanced front
 set xlabel 'UT'
 set title 'Night of 2026-06-21 at the place (60.0000N 25.0000E): moon 50 % lit, bright' noenhanced
 set ylabel 'altitude [degrees]'
 set yrange [0:90]
 set ytics 15
-plot $night using 1:2 with lines linewidth 3 linecolor rgb '#444444' dashtype 2 title 'moon'
+plot $night using 1:2 with lines linewidth 3 linecolor rgb '#444444' dashtype (4,4) notitle
