@@ -28,6 +28,8 @@ NIGHTS = {
     "csv": [*NIGHT, "--format", "csv"],
     "json": [*NIGHT, "--format", "json"],
     "nights": ["-T", "OLAN", "-d", "2026-12-20", "--nights", "3", "-o", "night"],
+    "semester": [*NIGHT, "--nights", "3", "--max-airmass", "2"],
+    "calendar": [*NIGHT, "--format", "ics"],
 }
 
 
