@@ -73,7 +73,8 @@ testProperties() {
     sed -i /^failed/d p.ini; run 2 --retry-failed -p p.ini; says '--retry-failed needs the properties'
     properties log file log/l.log; arrive a.hdr; run 0 -n -p p.ini -o else; hasNot log
     check "dry run" grep -qx 'would convert in/a.hdr to else/a.fits' out.txt
-    hasNot else; has in/a.hdr
+    hasNot else; rm in/a.hdr; run 0 -n -p p.ini; told <<<'zarn-ingest: 0 would be converted, 0 failed'
+    rmdir in; run 1 -n -p p.ini; says 'in: the directory cannot be listed: No such file'
     sed "s|/var/[a-z]*/zarn-ingest/|$PWD/|" "$samples/../../programs/zarn-ingest/deploy/zarn-ingest.ini" >p.ini
     run 1 -q -p p.ini; says 'incoming'
 }

@@ -13,13 +13,6 @@ namespace zarn::ingest {
 
 namespace {
 
-/// The settings, with the service's pattern as the argument of a dry run without names.
-Settings withPattern(Settings settings) {
-    if (settings.arguments.empty() && settings.dryRun && !settings.pattern.empty())
-        settings.arguments = {settings.pattern};
-    return settings;
-}
-
 std::vector<std::string> namesOf(const std::vector<Input>& inputs) {
     std::vector<std::string> names;
     names.reserve(inputs.size());
@@ -41,7 +34,7 @@ Batch::Batch(const Settings& settings, const StopSignals& signals, Reporter& rep
 }
 
 bool Batch::run() {
-    const std::vector<Input> inputs = collectInputs(withPattern(settings_), signals_);
+    const std::vector<Input> inputs = collectInputs(settings_, signals_);
     begin(inputs);
     Group group(*converter_, groupSizeOf(settings_));
     for (std::size_t i = 0; i < inputs.size() && signals_.received() == 0; ++i) {

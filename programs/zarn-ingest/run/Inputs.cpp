@@ -25,6 +25,16 @@ std::string reasonForNothing(const std::string& argument) {
     return "no such file, and no file matches it as a pattern";
 }
 
+/// Adds the matches of a pattern, and the directories that cannot be listed.
+void addMatches(const std::string& pattern, bool mayBeMissing, std::vector<Input>& inputs) {
+    const auto [names, unlisted] = matchesOf(pattern);
+    for (const std::string& name : names) inputs.push_back({name, ""});
+    for (const auto& [directory, error] : unlisted) {
+        if (mayBeMissing && error == std::errc::no_such_file_or_directory) continue;
+        inputs.push_back({directory, "the directory cannot be listed: " + error.message(), true});
+    }
+}
+
 /// Adds the file of this name, or the matches of the pattern.
 void addArgument(const std::string& argument, std::vector<Input>& inputs) {
     if (FileIO(argument, true, false).exists()) {
@@ -32,12 +42,7 @@ void addArgument(const std::string& argument, std::vector<Input>& inputs) {
         return;
     }
     const std::size_t before = inputs.size();
-    const auto [names, unlisted] = matchesOf(argument);
-    for (const std::string& name : names) inputs.push_back({name, ""});
-    for (const auto& [directory, error] : unlisted) {
-        if (error == std::errc::no_such_file_or_directory) continue;  // so nothing can match there
-        inputs.push_back({directory, "the directory cannot be listed: " + error.message(), true});
-    }
+    addMatches(argument, true, inputs);
     if (inputs.size() == before) inputs.push_back({argument, reasonForNothing(argument)});
 }
 
@@ -74,6 +79,8 @@ void addList(const std::string& listName, char separator, Read read, std::vector
 std::vector<Input> collectInputs(const Settings& settings, const StopSignals& signals) {
     const char separator = settings.nulSeparated ? '\0' : '\n';
     std::vector<Input> inputs;
+    // Files need not have arrived yet, but their directory must be there.
+    if (!settings.isNamed()) addMatches(settings.pattern, false, inputs);
     for (const std::string& argument : settings.arguments) addArgument(argument, inputs);
     for (const std::string& list : settings.lists) {
         const auto read = [&] { return readList(openForReading(list).get(), signals); };

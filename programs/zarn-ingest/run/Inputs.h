@@ -10,9 +10,10 @@
 
 namespace zarn::ingest {
 
-/// The inputs: first those of the command line, then those of its lists, then those of standard
-/// input, each in their order. Matches of a pattern are in alphabetical order. A signal that comes
-/// while a list is being read ends the list there.
+/// The inputs. Without any names they are what the properties' pattern matches; otherwise first
+/// those of the command line, then those of its lists, then those of standard input, each in their
+/// order. Matches of a pattern are in alphabetical order. A signal that comes while a list is being
+/// read ends the list there.
 std::vector<Input> collectInputs(const Settings& settings, const StopSignals& signals);
 
 }  // namespace zarn::ingest
