@@ -189,7 +189,9 @@ void displayOption(const OptionMap::value_type& entry) {
 
 }  // namespace
 
-const std::string GenConfig::NON_OPTIONAL_ARG = "NonOptionalArgument";
+// In a program that holds the library itself, this comes before the program's own tables, which may
+// have the constant as a key.
+[[gnu::init_priority(101)]] const std::string GenConfig::NON_OPTIONAL_ARG = "NonOptionalArgument";
 
 GenConfig::OptionStruct::OptionStruct()
     : OptionStruct(NO_SHORT_NAME, std::string(), false, false, std::string(), std::string()) {}
