@@ -113,6 +113,19 @@ TEST_F(JournalTest, ATornLastLineIsCutOff) {
     EXPECT_EQ(text().find("torn"), std::string::npos) << text();
 }
 
+/// Whatever a disk or a person made of other lines, they are passed over.
+TEST_F(JournalTest, EntriesAreLinesWithATime) {
+    const std::string rest = "\tin/\\x0Aa\tr\tconverted\t3\t2880\t-\n";
+    std::string text = "\n\t\t\t\t\t\t\t\t\n" + TIMES + "a\tr\n" + TIMES.substr(0, 44) + rest;
+    for (const std::string time : {"", "x", "nan", "-inf", "1e30", "1e400", "12x", "1 2"})
+        text += "2001-09-09\t" + time + rest;
+    dir_.put(OLD, text + TIMES + "torn\tr\tconverted\t3\t2880\t-");
+    const std::vector<JournalEntry> entries = entriesIn(dir_ / OLD);
+    ASSERT_EQ(entries.size(), 1U);
+    EXPECT_EQ(entries[0].source, "in/\na");
+    EXPECT_EQ(entries[0].seconds, 1e9);
+}
+
 /// The very file told of, in its latest state, is not told of again; whatever differs is.
 TEST_F(JournalTest, AFileIsToldOfOnce) {
     dir_.put("a", "");

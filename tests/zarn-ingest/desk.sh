@@ -142,6 +142,15 @@ TEXT
     check "all but the one without source" [ "$(grep -c 'compared with done/' out.txt)" = 3 ]
 }
 
+# A source may have come with a number like those that a service gives.
+testVerifyNumbered() {
+    properties ingest pattern 'in/*'
+    arrive 'm.~1~'; run 0 -q -p p.ini
+    shows 0 --verify -p p.ini <<'TEXT'
+results like their sources: 1, of the size told, without source: 0, wrong: 0, not told of: 0
+TEXT
+}
+
 # The journals of many runs lie below one directory; one journal may tell of several directories.
 testVerifyBatch() {
     for name in a b c; do cp "$samples/imager.hdr" $name.hdr; done

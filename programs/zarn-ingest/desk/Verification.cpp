@@ -71,8 +71,11 @@ Verification::Verification(const Settings& settings, const StopSignals& signals)
       present_(resultsIn(settings.outputDir)) {
     readJournals();
     if (settings.doneDir.empty()) return;
-    for (const std::string& name : namesIn(settings.doneDir))
-        done_[withoutNumber(name)].push_back(name);
+    for (const std::string& name : namesIn(settings.doneDir)) {
+        const std::string former = withoutNumber(name);
+        done_[former].push_back(name);
+        if (former != name) done_[name].push_back(name);  // it may have come with its number
+    }
     for (auto& [former, names] : done_) std::sort(names.begin(), names.end(), isEarlier);
 }
 

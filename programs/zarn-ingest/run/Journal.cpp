@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cmath>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -87,15 +88,26 @@ std::string earliestDate(const std::vector<std::string>& sources) {
         .substr(0, DATE_LENGTH);
 }
 
+/// The time in a field [s since the epoch]; nothing if there is none.
+std::optional<double> secondsIn(const std::string& field) {
+    constexpr double MOST = 1e11;  // in the year 5138; NaN is beyond it, too
+    char* rest = nullptr;
+    const double seconds = std::strtod(field.c_str(), &rest);
+    const bool isNumber = !field.empty() && *rest == '\0' && std::fabs(seconds) <= MOST;
+    return isNumber ? std::optional(seconds) : std::nullopt;
+}
+
 /// Reads a line without its end. Nothing if it is not one of a journal.
 std::optional<JournalEntry> entryOf(const std::string& line) {
     std::vector<std::string> fields;
     TextReader rest(line);
     for (std::string field; std::getline(rest, field, '\t');) fields.push_back(field);
     if (fields.size() < FIELDS_WITHOUT_IDENTITY) return std::nullopt;
+    const std::optional<double> seconds = secondsIn(fields[1]);
+    if (!seconds) return std::nullopt;
     JournalEntry entry;
     entry.time = fields[0];
-    entry.seconds = std::strtod(fields[1].c_str(), nullptr);
+    entry.seconds = *seconds;
     entry.source = unprintable(fields[2]);
     entry.result = unprintable(fields[3]);
     entry.converted = fields[4] == CONVERTED;
