@@ -217,8 +217,11 @@ FileIO& FileIO::checkCreateDir(const std::string& path) {
     const std::string checkPath = path.empty() ? getPath() : path;
     if (checkPath == CURRENT_DIRECTORY || checkPath == ROOT_DIRECTORY) return *this;
     if (nameExists(checkPath)) return *this;
-    if (::mkdir(checkPath.c_str(), NEW_DIRECTORY_MODE) != 0)
-        fail("Error creating path: ", checkPath, errno);
+    if (::mkdir(checkPath.c_str(), NEW_DIRECTORY_MODE) != 0) {
+        const int error = errno;
+        if (error == EEXIST && nameExists(checkPath)) return *this;  // another process was faster
+        fail("Error creating path: ", checkPath, error);
+    }
     setDirectoryMode(checkPath);
     return *this;
 }

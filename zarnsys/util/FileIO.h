@@ -99,10 +99,10 @@ public:
 
     /// Makes sure that a directory exists, creating its last component with permission bits 755.
     ///
-    /// Anything that exists under the name is accepted. The bits of a new directory are set by
-    /// /bin/chmod through the shell if its name has only letters, digits and /._-+,:@%= and does
-    /// not begin with a dash; else by the system call of that name, so that nothing of it is ever
-    /// run.
+    /// Anything that exists under the name is accepted, also if it came to exist meanwhile. The
+    /// bits of a new directory are set by /bin/chmod through the shell if its name has only
+    /// letters, digits and /._-+,:@%= and does not begin with a dash; else by the system call of
+    /// that name, so that nothing of it is ever run.
     ///
     /// @param path  the directory; empty: the one of the complete name (`getPath`)
     /// @throw ZarnSysEx  when it cannot be created, for example since its parent is missing
