@@ -20,6 +20,11 @@ const std::string CHANGED = "changed while it was converted; it is looked at aga
 
 using std::chrono::seconds;
 
+std::string endedText(const std::string& source, const std::string& directory) {
+    return source + ": an earlier run moved it to " + directory +
+           ", and a crash left its old name, too; that one is removed";
+}
+
 }  // namespace
 
 Service::Service(const Settings& settings, const StopSignals& signals, Reporter& reporter)
@@ -139,8 +144,7 @@ std::vector<Input> Service::nextBatch() {
 bool Service::endEarlierMove(const std::string& source) const {
     for (const std::string& directory : {settings_.doneDir, settings_.failedDir}) {
         if (directory.empty() || !endMove(source, directory)) continue;
-        reporter_.info(source + ": an earlier run moved it to " + directory +
-                       ", and a crash left its old name, too; that one is removed");
+        reporter_.info(endedText(source, directory));
         return true;
     }
     return false;
