@@ -43,6 +43,7 @@ altitude='import zarnsys; print(round(float(zarnsys.moon(51544.5, zarnsys.Site(0
 echo "Python module: works"
 
 install "$packages"/libzarnsysutil-dev_*.deb "$packages"/zarnsysutil-doc_*.deb cmake g++ make liberfa-dev
+"$project/tests/hardening.sh" /usr/bin/zarn-{ingest,moon} /usr/lib/*/libZarnSysUtil.so.0 || die "not hardened"
 cp -r "$project/tests/install" consumer
 { cmake -S consumer -B cmake && cmake --build cmake; } >log 2>&1 || die "CMake: $(cat log)"
 cmake/consumer 2>/dev/null || die "the consumer built by CMake does not work"

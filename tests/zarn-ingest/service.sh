@@ -110,13 +110,16 @@ testRecovery() {
     sed -i '/b.hdr/d' journal/*.journal                  # killed between result and journal
     mkdir "fits/.zarn-ingest-$(uname -n | tr -c 'A-Za-z0-9.\n-' _)-AAAAAA"
     sed -i 's/\t1/\t2/' journal/*.journal               # a clock that was set back since
-    arrive a0.hdr a.hdr
+    arrive a0.hdr a.hdr d.hdr e.hdr
+    touch done/d.hdr; ln in/d.hdr done/d.hdr.~1~        # the power went while the move became safe
+    ln in/e.hdr elsewhere                                # which means nothing
     run 0 -v -p p.ini
+    says 'in/d.hdr: an earlier run moved it to done, and a crash left its old name, too'
     check "places" [ "$(ls -A fits done | tr '\n' ' ')" = \
-        'done: a.hdr a.hdr.~1~ a0.hdr b.hdr c.hdr  fits: a.fits a0.fits b.fits c.fits ' ]
+        'done: a.hdr a.hdr.~1~ a0.hdr b.hdr c.hdr d.hdr d.hdr.~1~ e.hdr  fits: a.fits a0.fits b.fits c.fits e.fits ' ]
     check "a torn line" [ -z "$(grep torn journal/*.journal)" ]
     check "lines" [ "$(journalFields 3 | sort | uniq -c | tr -s ' \n' ' ')" = \
-        ' 2 in/a.hdr 1 in/a0.hdr 1 in/b.hdr 1 in/c.hdr ' ]
+        ' 2 in/a.hdr 1 in/a0.hdr 1 in/b.hdr 1 in/c.hdr 1 in/e.hdr ' ]
 }
 
 # The steps of one file are on disk in the order that makes a crash harmless.

@@ -34,6 +34,9 @@ ZARNSYS_EXPORT int openFitsFile(FitsFile*& rpfitsFile, std::string fileName, int
 
 /// Closes a FITS file; CFITSIO completes the header on disk. Logs nothing.
 ///
+/// CFITSIO reports no write that the system refuses at this moment, as on a full disk. Who must
+/// know opens the file again and compares.
+///
 /// @return  CFITSIO status; a valid handle is gone either way
 ZARNSYS_EXPORT int closeFitsFile(FitsFile* pfitsFile);
 

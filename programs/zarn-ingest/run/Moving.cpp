@@ -85,6 +85,19 @@ std::string moveWithReason(const std::string& file, const std::string& directory
     }
 }
 
+bool endMove(const std::string& file, const std::string& directory) {
+    struct stat source = {};
+    if (::lstat(file.c_str(), &source) != 0 || source.st_nlink == 1) return false;
+    for (unsigned number = 0;; ++number) {
+        const std::string name = directory + "/" + numbered(baseName(file), number);
+        struct stat moved = {};
+        if (::lstat(name.c_str(), &moved) != 0) return false;
+        if (moved.st_ino != source.st_ino || moved.st_dev != source.st_dev) continue;
+        if (::unlink(file.c_str()) != 0) throwCannotMove(file, directory);
+        return true;
+    }
+}
+
 void syncMoves(const std::string& from, const std::set<std::string>& to) {
     for (const std::string& directory : to) syncToDisk(directory);
     syncToDisk(from);

@@ -22,6 +22,12 @@ std::string withoutNumber(const std::string& name);
 std::string moveWithReason(const std::string& file, const std::string& directory,
                            const std::string& reason);
 
+/// Takes a file's old name away if it has its new one, too: a crash cut its move short.
+///
+/// @return                   whether that was so
+/// @throw std::system_error  when the old name cannot be taken away
+bool endMove(const std::string& file, const std::string& directory);
+
 /// Makes moves safe on disk. The new directories come first: a crash may leave two names of a file,
 /// never none.
 ///

@@ -20,6 +20,11 @@ const std::string CHANGED = "changed while it was converted; it is looked at aga
 
 using std::chrono::seconds;
 
+std::string endedText(const std::string& source, const std::string& directory) {
+    return source + ": an earlier run moved it to " + directory +
+           ", and a crash left its old name, too; that one is removed";
+}
+
 }  // namespace
 
 Service::Service(const Settings& settings, const StopSignals& signals, Reporter& reporter)
@@ -114,8 +119,11 @@ void Service::keepDirectories() {
 /// are moved now, if possible.
 std::vector<Input> Service::nextBatch() {
     std::vector<Input> batch;
-    const std::vector<std::string> settled = arrivals_.settled();
+    std::vector<std::string> settled = arrivals_.settled();
     for (const std::string& problem : arrivals_.unseen()) troubles_.meet(problem);
+    const auto isEnded = [this](const std::string& name) { return endEarlierMove(name); };
+    if (!recalled_)
+        settled.erase(std::remove_if(settled.begin(), settled.end(), isEnded), settled.end());
     if (journal_ && !recalled_) journal_->recall(arrivals_.present());
     recalled_ = true;
     const std::map<std::string, Told> before = std::exchange(stuck_, {});
@@ -130,6 +138,16 @@ std::vector<Input> Service::nextBatch() {
     }
     moveAway(again);
     return batch;
+}
+
+/// Whether an earlier run was done with a source, and a crash cut its move short; it is moved then.
+bool Service::endEarlierMove(const std::string& source) const {
+    for (const std::string& directory : {settings_.doneDir, settings_.failedDir}) {
+        if (directory.empty() || !endMove(source, directory)) continue;
+        reporter_.info(endedText(source, directory));
+        return true;
+    }
+    return false;
 }
 
 /// Whether the output directory has the free space that the settings ask for.

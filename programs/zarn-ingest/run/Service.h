@@ -60,6 +60,7 @@ private:
     [[nodiscard]] bool doSettled();
     void keepDirectories();
     std::vector<Input> nextBatch();
+    [[nodiscard]] bool endEarlierMove(const std::string& source) const;
     [[nodiscard]] bool hasRoom();
     [[nodiscard]] bool finish(Group& group);
     void leaveChanged(Conversion& conversion) const;
