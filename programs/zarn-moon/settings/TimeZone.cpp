@@ -1,11 +1,14 @@
 #include "zarn-moon/settings/TimeZone.h"
 
+#include <regex.h>
+
 #include <array>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <regex>
+#include <new>
+#include <string>
 
 #include "shared/cli/Printable.h"
 #include "shared/cli/UsageError.h"
@@ -27,17 +30,35 @@ bool isInDatabase(const std::string& name) {
     return file.good() && std::string(magic.data(), magic.size()) == "TZif";
 }
 
+/// An extended regular expression for whole texts.
+class Form {
+public:
+    explicit Form(const std::string& expression) {
+        const std::string whole = "^" + expression + "$";
+        if (::regcomp(&form_, whole.c_str(), REG_EXTENDED | REG_NOSUB) != 0) throw std::bad_alloc();
+    }
+    Form(const Form&) = delete;
+    Form& operator=(const Form&) = delete;
+    ~Form() { ::regfree(&form_); }
+
+    bool fits(const std::string& text) const {
+        return ::regexec(&form_, text.c_str(), 0, nullptr, 0) == 0;
+    }
+
+private:
+    regex_t form_ = {};
+};
+
 /// Whether a text has the form of POSIX's TZ: a name and its difference from UT, perhaps another
 /// name for the summer and when that begins and ends.
 bool isPosix(const std::string& text) {
-    constexpr std::size_t MOST = 100;  // characters; the search takes stack for each
-    const std::string name = "(?:[A-Za-z]{3,}|<[A-Za-z0-9+-]{3,}>)";
-    const std::string time = R"([+-]?\d{1,3}(?::\d{1,2}(?::\d{1,2})?)?)";
-    const std::string date = R"((?:M\d{1,2}\.\d\.\d|J?\d{1,3}))";
-    const std::string change = "," + date + "(?:/" + time + ")?";
-    const std::string summer = name + "(?:" + time + ")?(?:" + change + change + ")?";
-    const std::regex form(name + time + "(?:" + summer + ")?");
-    return text.size() <= MOST && std::regex_match(text, form);
+    constexpr std::size_t MOST = 100;  // characters; the search takes memory for each
+    const std::string name = "([A-Za-z]{3,}|<[A-Za-z0-9+-]{3,}>)";
+    const std::string time = "[+-]?[0-9]{1,3}(:[0-9]{1,2}(:[0-9]{1,2})?)?";
+    const std::string date = R"((M[0-9]{1,2}\.[0-9]\.[0-9]|J?[0-9]{1,3}))";
+    const std::string change = "," + date + "(/" + time + ")?";
+    const std::string summer = name + "(" + time + ")?(" + change + change + ")?";
+    return text.size() <= MOST && Form(name + time + "(" + summer + ")?").fits(text);
 }
 
 /// Checks the environment variable TZ.
