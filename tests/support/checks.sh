@@ -49,6 +49,8 @@ waitFor() {
 }
 # begun DIRECTORY: something is there, if only a working directory.
 begun() { [ -n "$(ls -A "$1" 2>/dev/null)" ]; }
+# isSanitized: whether the program makes system calls of the sanitizers, which count like its own.
+isSanitized() { grep -qa __asan_init "$program"; }
 needsTracing() {
     # The leak sanitizer does not work in a process that is traced.
     export ASAN_OPTIONS=${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0

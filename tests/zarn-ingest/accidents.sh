@@ -173,7 +173,7 @@ testStepsFail() {
     says 'cannot be made safe on disk: Input/output error'; has in/c.hdr; has fits/c.fits
     run 0 -q -p p.ini; nothingLost a b c
     arrive d.hdr
-    failing 1 write:error=EINTR:when=2+3 -q -p p.ini; has in/d.hdr
+    isSanitized || { failing 1 write:error=EINTR:when=2+3 -q -p p.ini; has in/d.hdr; }
     run 0 -q -p p.ini; nothingLost a b c d
     arrive e{1..40}.hdr; failing 1 fsync:error=EIO -P journal/*.journal -p p.ini
     says 'the journal in journal: not safe on disk: Input/output error'; hasFiles in 40 || check "taken" false
@@ -192,6 +192,7 @@ testStepsFail() {
     cp "$samples/broken.hdr" in/h.hdr
     failing 1 openat:error=ENOSPC -P failed/h.hdr.reason -p p.ini
     says 'cannot write failed/h.hdr.reason: No space left on device'
+    isSanitized && return
     # A block that is lost without an error: what was read back differs, and is made once more.
     seq -f 'K%06.0f = 1' 500 | cat <(grep -v ^END "$samples/imager.hdr") - >long.hdr
     run 0 -o whole long.hdr; failing 0 write:retval=4096:when=3 -o lost long.hdr
