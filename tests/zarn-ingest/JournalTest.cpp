@@ -117,8 +117,8 @@ TEST_F(JournalTest, ATornLastLineIsCutOff) {
 TEST_F(JournalTest, EntriesAreLinesWithATime) {
     const std::string rest = "\tin/\\x0Aa\tr\tconverted\t3\t2880\t-\n";
     std::string text = "\n\t\t\t\t\t\t\t\t\n" + TIMES + "a\tr\n" + TIMES.substr(0, 44) + rest;
-    for (const std::string time : {"", "x", "nan", "-inf", "1e30", "1e400", "12x", "1 2"})
-        text += "2001-09-09\t" + time + rest;
+    for (const char* const time : {"", "x", "nan", "-inf", "1e30", "1e400", "12x", "1 2"})
+        text.append("2001-09-09\t").append(time).append(rest);
     dir_.put(OLD, text + TIMES + "torn\tr\tconverted\t3\t2880\t-");
     const std::vector<JournalEntry> entries = entriesIn(dir_ / OLD);
     ASSERT_EQ(entries.size(), 1U);
