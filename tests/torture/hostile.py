@@ -128,8 +128,8 @@ class Hostile:
 
     def path(self, name):
         """A path that leads elsewhere, or nowhere; the list takes it literally."""
-        os.makedirs("work/in")
-        os.chdir("work")
+        os.makedirs("here/in")
+        os.chdir("here")
         pathlib.Path("in/x.hdr").write_bytes(SOUND)
         os.symlink("loop", "in/loop")
         os.symlink("../../outside", "in/dangling")
@@ -142,7 +142,7 @@ class Hostile:
         if (ran.status == 0) != name.endswith(b"x.hdr"):
             yield f"status {ran.status}"
         os.chdir("..")
-        yield from (f"made {path}" for path in set(os.listdir()) - {"work"})
+        yield from (f"made {path}" for path in set(os.listdir()) - {"here"})
 
     def service(self, names):
         """All names arrive at once."""

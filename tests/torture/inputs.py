@@ -26,7 +26,7 @@ LENGTHS = [b"n" * 250, b"p" * 251, b"q" * 255, b"m" * 246 + b".hdr", b"m" * 247 
 DOTS = [b"...", b"..x", b".x", b"x..", b"z.", b".. ", b" ..", b"..-", b".~1~", b"w.~1~", b"w.~2~", b"v.reason"]
 
 
-PATHS = [b".", b"..", b"/", b"//", b"in", b"in/", b"in/.", b"in/..", b"../work/in/x.hdr", b"in/../in/x.hdr", b"./in//x.hdr",
+PATHS = [b".", b"..", b"/", b"//", b"in", b"in/", b"in/.", b"in/..", b"../here/in/x.hdr", b"in/../in/x.hdr", b"./in//x.hdr",
          b"in/x.hdr/", b"in/x.hdr/..", b"in/x.hdr/x.hdr/", b"in/loop", b"in/dangling", b"in/pipe", b"/dev/null", b"/dev/zero",
          b"/dev/stdin", b"/proc/self/mem", b"/proc/self/environ", b"in/" + b"n" * 256, b"in/" + b"./" * 2500 + b"y.hdr",
          b"../" * 1500 + b"etc/passwd", b"/etc/passwd", b"~/x", b"file:in/y", b"in/*.hdr", b"in/x.hdr[1]", b"in/x.hdr+1"]
