@@ -9,7 +9,6 @@ library must end as its documentation says, and leave no file open.
 --sample N takes N of the failures at random.
 """
 
-import argparse
 import collections
 import errno
 import os
@@ -21,7 +20,7 @@ import sys
 import tempfile
 
 from faults import ERRORS
-from scenarios import SECONDS, within
+from scenarios import SECONDS, parse_arguments, within
 from tracing import SKIPPED, can_trace
 
 NIGHT = ["-T", "OLAN", "-d", "2026-12-20"]
@@ -145,17 +144,8 @@ def library_faults(operation, call, error, done, found, undisturbed):
         yield outcome
 
 
-def parse_arguments():
-    parser = argparse.ArgumentParser()
-    for name in "moon", "operations":
-        parser.add_argument(name, type=os.path.realpath)
-    parser.add_argument("samples", type=lambda name: pathlib.Path(name).resolve())
-    parser.add_argument("--sample", type=int, metavar="N")
-    return parser.parse_args()
-
-
 def main():
-    options = parse_arguments()
+    options = parse_arguments("moon", "operations")
     if not can_trace():
         return SKIPPED
     moon, library = Program(options.moon), Program(options.operations)

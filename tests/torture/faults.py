@@ -9,9 +9,7 @@ of the errors that it can plausibly have. After each run, what is on disk must b
 more, undisturbed run, everything must be done. --sample N takes N of the failures at random.
 """
 
-import argparse
 import collections
-import os
 import pathlib
 import random
 import re
@@ -19,7 +17,7 @@ import subprocess
 import sys
 import tempfile
 
-from scenarios import FILES, SCENARIOS, SECONDS, judged, results, within
+from scenarios import FILES, SCENARIOS, SECONDS, judged, parse_arguments, results, within
 from tracing import SKIPPED, can_trace
 
 # The errors that a call can plausibly have. Calls that are not here do nothing to a file, or end
@@ -97,16 +95,8 @@ class Sweep:
         return [f"{scenario}, {call} {number} {error}: {fault}" for fault in faults]
 
 
-def parse_arguments():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("program", type=os.path.realpath)
-    parser.add_argument("samples", type=lambda name: pathlib.Path(name).resolve())
-    parser.add_argument("--sample", type=int, metavar="N")
-    return parser.parse_args()
-
-
 def main():
-    options = parse_arguments()
+    options = parse_arguments("program")
     if not can_trace():
         return SKIPPED
     sweep = Sweep(options.program)

@@ -10,7 +10,6 @@ judged, as no caller can see them.
 --sample N takes N of the allocations at random.
 """
 
-import argparse
 import collections
 import os
 import pathlib
@@ -19,7 +18,7 @@ import subprocess
 import sys
 import tempfile
 
-from scenarios import FILES, SCENARIOS, SECONDS, judged, results, within
+from scenarios import FILES, SCENARIOS, SECONDS, judged, parse_arguments, results, within
 
 # What zarn-moon is asked for; the result goes to a file, which must be whole or absent.
 NIGHT = ["-T", "OLAN", "-d", "2026-12-20", "-t", "83.82 -5.39", "-o", "night"]
@@ -88,17 +87,8 @@ class Sweep:
         return [f"zarn-moon, {form}, allocation {number} of {asker}: {fault}" for fault in faults]
 
 
-def parse_arguments():
-    parser = argparse.ArgumentParser()
-    for name in "shim", "ingest", "moon":
-        parser.add_argument(name, type=os.path.realpath)
-    parser.add_argument("samples", type=lambda name: pathlib.Path(name).resolve())
-    parser.add_argument("--sample", type=int, metavar="N")
-    return parser.parse_args()
-
-
 def main():
-    options = parse_arguments()
+    options = parse_arguments("shim", "ingest", "moon")
     ingest = Sweep(options.shim, options.ingest)
     moon = Sweep(options.shim, options.moon)
     cases = []

@@ -1,5 +1,6 @@
 """What zarn-ingest does while something fails, and what must then be true on disk."""
 
+import argparse
 import collections
 import os
 import pathlib
@@ -123,6 +124,16 @@ def judged(scenario, status, run_again, expected):
         yield f"status {again} of the next run"
     for truth in (undone(scenario, expected), untruths(expected), left()):
         yield from (f"after the next run, {what}" for what in truth)
+
+
+def parse_arguments(*programs):
+    """The command line of a sweep: programs or libraries, samples, and how many failures to take."""
+    parser = argparse.ArgumentParser()
+    for name in programs:
+        parser.add_argument(name, type=os.path.realpath)
+    parser.add_argument("samples", type=lambda name: pathlib.Path(name).resolve())
+    parser.add_argument("--sample", type=int, metavar="N")
+    return parser.parse_args()
 
 
 def within(directory, samples, action):
