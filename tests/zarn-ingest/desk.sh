@@ -37,7 +37,7 @@ TEXT
     shows 1 --status -p p.ini <<'TEXT'
 service           does not run
 waiting files     0
-last result       fits/b.fits at TIME
+last result       fits/b.fits at TIME, local time
 failures today    1
 failed files      1
 free space [MiB]  ROOM, at least 10 are needed
@@ -83,22 +83,28 @@ METRICS
     stop
 }
 
-# Files that wait need a person only if no service will take them.
+isRunning() { "$program" --status p.ini | grep -q '^service *runs$'; }
+# Files that have waited for long need a person, be it that no service runs or that one hangs.
 testWaiting() {
     properties; mkdir fits failed journal
+    start; waitFor isRunning; kill -STOP "$service"
     arrive a.hdr
-    shows 0 --status -p p.ini <<'TEXT'
-service           does not run
+    shows 0 --status p.ini <<'TEXT'
+service           runs
 waiting files     1, the oldest for AGE
 last result       none
 failures today    0
 failed files      0
 free space [MiB]  ROOM, at least 0 are needed
-all well
+needs a person    nothing
 TEXT
     sleep 12
     run 1 --status -p p.ini
-    check "how long" grep -qE '^needs a person    no service runs, and files have waited for 1[0-9] s$' out.txt
+    check "how long" grep -qE '^needs a person    files have waited for 1[0-9] s$' out.txt
+    kill -KILL "$service"; ended 137 "$service"
+    run 1 --status -p p.ini
+    check "how long without a service" \
+        grep -qE '^needs a person    no service runs, and files have waited for 1[0-9] s$' out.txt
     properties service least-free 1000000000
     rm in/*
     run 1 --status -p p.ini
@@ -112,7 +118,7 @@ testVerify() {
     arrive again.hdr; sed -i 's/Field 17/Field 18/' in/again.hdr; run 0 -q -p p.ini
     arrive again.hdr; run 0 -q -p p.ini
     shows 0 --verify -p p.ini <<'TEXT'
-results like their sources: 8, of the size told, without source: 0, wrong: 0, not told of: 0
+results like their sources: 8, without source, of the journal's size: 0, wrong: 0, not in the journal: 0
 TEXT
     cp fits/good.fits fits/untold.fits; mkdir fits/dir.fits; touch fits/note.txt
     rm fits/missing.fits done/gone.hdr done/cut.hdr; : >fits/empty.fits; printf x >>fits/cut.fits
@@ -125,7 +131,7 @@ fits/empty.fits: empty
 fits/missing.fits: missing
 fits/other.fits: compared with done/other.hdr: the result differs from this card: "OBJECT  = 'Field 17'           / target"
 fits/untold.fits: no journal tells of it
-results like their sources: 3, of the size told, without source: 1, wrong: 4, not told of: 1
+results like their sources: 3, without source, of the journal's size: 1, wrong: 4, not in the journal: 1
 TEXT
     everything | diff before - >err.txt; check "something changed" [ ! -s err.txt ]
     # Another host has other inodes and other paths.
@@ -135,7 +141,7 @@ TEXT
     properties ingest moon VEK1 ingest checksum T; rm fits/{untold,other,cut,empty}.fits
     sed -i -E '/(other|cut|empty|missing).hdr/d' journal/*.journal
     shows 0 --verify -p p.ini <<'TEXT'
-results like their sources: 3, of the size told, without source: 1, wrong: 0, not told of: 0
+results like their sources: 3, without source, of the journal's size: 1, wrong: 0, not in the journal: 0
 TEXT
     properties
     run 1 --verify -p p.ini  # made with other settings
@@ -147,7 +153,7 @@ testVerifyNumbered() {
     properties ingest pattern 'in/*'
     arrive 'm.~1~'; run 0 -q -p p.ini
     shows 0 --verify -p p.ini <<'TEXT'
-results like their sources: 1, of the size told, without source: 0, wrong: 0, not told of: 0
+results like their sources: 1, without source, of the journal's size: 0, wrong: 0, not in the journal: 0
 TEXT
 }
 
@@ -158,11 +164,11 @@ testVerifyBatch() {
     run 0 -q -o fits -j journals/1 a.hdr; run 0 -q -o fits -j journals/2 b.hdr
     run 0 -q -o else -j journals/2 c.hdr
     shows 0 --verify -o fits -j journals <<'TEXT'
-results like their sources: 2, of the size told, without source: 0, wrong: 0, not told of: 0
+results like their sources: 2, without source, of the journal's size: 0, wrong: 0, not in the journal: 0
 TEXT
     shows 1 --verify -o else -j journals/1 <<'TEXT'
 else/c.fits: no journal tells of it
-results like their sources: 0, of the size told, without source: 0, wrong: 0, not told of: 1
+results like their sources: 0, without source, of the journal's size: 0, wrong: 0, not in the journal: 1
 TEXT
 }
 

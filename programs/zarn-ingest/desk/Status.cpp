@@ -53,9 +53,9 @@ void lookAtArrivals(const Settings& settings, Status& status) {
         status.oldestAge = std::max(status.oldestAge, ageOf(file));
     const std::int64_t patience =
         PATIENCE * (std::int64_t{settings.pollInterval} + settings.settleTime);
-    if (!status.isRunning && status.oldestAge > patience)
-        status.problems.push_back("no service runs, and files have waited for " +
-                                  std::to_string(status.oldestAge) + " s");
+    if (status.oldestAge > patience)
+        status.problems.push_back((status.isRunning ? "files" : "no service runs, and files") +
+                                  (" have waited for " + std::to_string(status.oldestAge) + " s"));
 }
 
 std::optional<JournalEntry> lastResultIn(const std::vector<std::string>& journals) {

@@ -44,6 +44,11 @@ constexpr std::size_t SECOND_LENGTH = 19;  // 2026-11-24T23:14:05, without fract
 
 std::string shown(const Value& value) { return value ? std::to_string(*value) : "unknown"; }
 
+std::string shown(const std::optional<JournalEntry>& entry) {
+    if (!entry) return "none";
+    return entry->result + " at " + entry->time.substr(0, SECOND_LENGTH) + ", local time";
+}
+
 std::string textOf(const Status& status, const Settings& settings) {
     TextWriter text;
     const auto line = [&text](const char* name, const std::string& value) {
@@ -54,15 +59,13 @@ std::string textOf(const Status& status, const Settings& settings) {
     const std::string age =
         status.waiting == 0 ? "" : ", the oldest for " + std::to_string(status.oldestAge) + " s";
     line("waiting files", std::to_string(status.waiting) + age);
-    line("last result", status.lastResult ? status.lastResult->result + " at " +
-                                                status.lastResult->time.substr(0, SECOND_LENGTH)
-                                          : "none");
+    line("last result", shown(status.lastResult));
     line("failures today", shown(whole(status.failuresToday)));
     line("failed files", shown(whole(status.failedFiles)));
     line("free space [MiB]", shown(mebibytes(status.freeSpace)) + ", at least " +
                                  std::to_string(settings.leastFree) + " are needed");
     for (const std::string& problem : status.problems) line("needs a person", problem);
-    if (status.problems.empty()) text << "all well\n";
+    if (status.problems.empty()) line("needs a person", "nothing");
     return text.str();
 }
 

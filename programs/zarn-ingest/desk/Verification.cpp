@@ -93,8 +93,8 @@ bool Verification::run() {
         report(name, "no journal tells of it");
     }
     std::cout << "results like their sources: " << compared_
-              << ", of the size told, without source: " << withoutSource_ << ", wrong: " << wrong_
-              << ", not told of: " << untold_ << '\n';
+              << ", without source, of the journal's size: " << withoutSource_
+              << ", wrong: " << wrong_ << ", not in the journal: " << untold_ << '\n';
     return wrong_ + untold_ == 0;
 }
 

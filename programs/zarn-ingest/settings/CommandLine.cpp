@@ -81,6 +81,9 @@ Settings CommandLine::parse() {
     Settings settings;
     applyOptions(settings);
     if (settings.help || settings.version || settings.completion) return settings;
+    // A look converts nothing: a file beside it can only be that of the properties.
+    if (settings.looks() && settings.properties.empty() && argumentVect_.size() == 1)
+        settings.properties = std::exchange(argumentVect_, {}).front();
     if (!settings.properties.empty()) {
         settings = readProperties(settings.properties);
         applyOptions(settings);

@@ -56,8 +56,9 @@ x.hdr.reason says why it failed.
 waits, what failed, the last result, the room that is left, whether a service
 runs. --format prometheus is for node_exporter's textfile collector. --verify
 compares results with the journal and with their sources, and names each that is
-missing, is empty, differs or is not told of. Both change nothing; status 1 says
-that something needs a person.
+missing, is empty, differs or is not in the journal. Both change nothing, and
+take the properties file as an argument, too; status 1 says that something needs
+a person.
 
 Messages have the form "zarn-ingest: FILE:LINE: text"; the first line is line 1.
 
