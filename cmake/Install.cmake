@@ -14,9 +14,13 @@ install(FILES ${PUBLIC_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zarnsys/
 set(PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/ZarnSysUtil)
 configure_package_config_file(cmake/ZarnSysUtilConfig.cmake.in ZarnSysUtilConfig.cmake
                               INSTALL_DESTINATION ${PACKAGE_DIR})
-write_basic_package_version_file(ZarnSysUtilConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+configure_file(cmake/ZarnSysUtilConfigVersion.cmake.in ZarnSysUtilConfigVersion.cmake @ONLY)
+write_basic_package_version_file(ZarnSysUtilVersionAlone.cmake COMPATIBILITY SameMinorVersion)
+write_basic_package_version_file(ZarnSysUtilVersionOfRange.cmake COMPATIBILITY AnyNewerVersion)
 install(FILES ${PROJECT_BINARY_DIR}/ZarnSysUtilConfig.cmake
               ${PROJECT_BINARY_DIR}/ZarnSysUtilConfigVersion.cmake
+              ${PROJECT_BINARY_DIR}/ZarnSysUtilVersionAlone.cmake
+              ${PROJECT_BINARY_DIR}/ZarnSysUtilVersionOfRange.cmake
         DESTINATION ${PACKAGE_DIR} COMPONENT Development)
 install(EXPORT ZarnSysUtilTargets NAMESPACE ZarnSysUtil:: DESTINATION ${PACKAGE_DIR}
         COMPONENT Development)
