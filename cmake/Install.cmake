@@ -33,8 +33,13 @@ configure_file(cmake/zarnsysutil.pc.in zarnsysutil.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/zarnsysutil.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT Development)
 
-install(FILES README.md CHANGELOG.md SECURITY.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR}
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR}
         COMPONENT Documentation)
+# The pages link to these as in the project.
+foreach(program zarn-ingest zarn-moon)
+    install(DIRECTORY programs/${program}/deploy DESTINATION ${CMAKE_INSTALL_DOCDIR}/programs/${program}
+            COMPONENT Documentation)
+endforeach()
 install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT Documentation
         PATTERN man EXCLUDE PATTERN Doxyfile EXCLUDE PATTERN include.sed EXCLUDE
         # Works within the project only.
