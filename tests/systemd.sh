@@ -23,20 +23,21 @@ for package in "$root"/packages/*.deb; do
 done
 
 cat >"$root/root/steps" <<'STEPS'
-set -euxo pipefail
+set -Eeuxo pipefail
 export DEBIAN_FRONTEND=noninteractive
-within() { local end=$((SECONDS + $1)); shift; until "$@"; do [ "$SECONDS" -lt "$end" ] || return 1; sleep 0.1; done; }
+trap 'systemctl --no-pager status zarn-ingest; ls -l /var/lib/zarn-ingest/*; zarn-ingest --status /etc/zarn-ingest.ini' ERR
+within() { timeout "$1" bash -c "$(declare -f is); until $2; do sleep 0.1; done"; }
 is() { [ "$(systemctl show -p "$1" --value zarn-ingest)" = "$2" ]; }
 arrives() {
     # shellcheck disable=SC2016 # for the inner shell
     runuser -u writer -- sh -c 'umask 007; cd /var/lib/zarn-ingest/incoming; cat >.new; mv .new "$0.hdr"' "$1" \
         </root/imager.hdr
-    within 30 [ -e "/var/lib/zarn-ingest/fits/$1.fits" ]
+    within 30 "[ -e /var/lib/zarn-ingest/fits/$1.fits ]"
 }
 apt-get update
 apt-get install -y --no-install-recommends /packages/*.deb
 is UnitFileState disabled; is ActiveState inactive
-sed -e 's/^poll = .*/poll = 1/; s/^settle = .*/settle = 0/' \
+sed -e 's/^#poll = .*/poll = 1/; s/^#settle = .*/settle = 0/' \
     /usr/share/doc/zarn-tools/examples/zarn-ingest.ini >/etc/zarn-ingest.ini
 systemctl enable --now zarn-ingest
 adduser --disabled-password --gecos '' writer; adduser writer zarn-delivery
@@ -46,8 +47,9 @@ mkdir /run/systemd/system/zarn-ingest.service.d
 printf '[Service]\nRestartSec=0\n' >/run/systemd/system/zarn-ingest.service.d/soon.conf
 systemctl daemon-reload
 for pause in 0 0.01 0.02 0.05 0.1 1; do
+    systemctl reset-failed zarn-ingest  # a limit of starts counts them
     systemctl restart zarn-ingest; sleep "$pause"; systemctl kill -s HUP zarn-ingest
-    within 10 is ActiveState active
+    within 10 'is NRestarts 1 && is ActiveState active'
 done
 arrives b
 kill -KILL "$(systemctl show -p MainPID --value zarn-ingest)"
@@ -55,7 +57,7 @@ arrives c
 # Wrong settings are not tried again and again.
 sed -i.right 's/^poll = .*/poll = x/' /etc/zarn-ingest.ini
 systemctl restart zarn-ingest
-within 10 is ActiveState failed; is ExecMainStatus 2; is NRestarts 0
+within 10 'is ActiveState failed'; is ExecMainStatus 2; is NRestarts 0
 mv /etc/zarn-ingest.ini.right /etc/zarn-ingest.ini
 systemctl start zarn-ingest
 # An upgrade restarts it, without a person; removal ends it, and leaves data alone.
@@ -88,8 +90,8 @@ ln -s ../steps.service "$root/etc/systemd/system/multi-user.target.wants/steps.s
 
 # shellcheck disable=SC2016 # for the inner shell
 timeout 600 unshare --pid --fork --mount --uts --ipc --cgroup --kill-child bash -c '
-    mount -t proc proc "$0/proc" && mount -t sysfs sysfs "$0/sys" && mount -t cgroup2 cgroup2 "$0/sys/fs/cgroup" &&
-    mount -t tmpfs tmpfs "$0/run" && exec env -i container=other chroot "$0" /lib/systemd/systemd' "$root" \
+    mount --bind "$0" "$0" && mount -t proc proc "$0/proc" && mount -t sysfs sysfs "$0/sys" && mount -t cgroup2 cgroup2 "$0/sys/fs/cgroup" &&
+    mount -t tmpfs tmpfs "$0/run" && exec env -i container=other "PATH=$PATH" chroot "$0" /lib/systemd/systemd' "$root" \
     >"$work/boot" 2>&1 || true
 [ "$(tail -n 1 "$root/root/log" 2>/dev/null)" = passed ] ||
     { tail -n 40 "$root/root/log" "$work/boot" >&2; exit 1; }
