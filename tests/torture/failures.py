@@ -22,39 +22,20 @@ import sys
 from common import SECONDS, SKIPPED, can_trace, command_line, ended, sampled, workplace
 from scenarios import FILES, PROPERTIES, SCENARIOS, judged, prepare, results
 
-# The errors that a call can plausibly have. Calls that are not here do nothing to a file, or end
-# the process.
-ERRORS = {
-    "close": ["EIO"],
-    "dup": ["EMFILE"],
-    "eventfd2": ["EMFILE"],
-    "fchmod": ["EPERM", "EIO"],
-    "flock": ["EINTR", "ENOLCK"],
-    "fstat": ["EIO"],
-    "fsync": ["EIO", "ENOSPC"],
-    "ftruncate": ["EIO"],
-    "getdents64": ["EIO"],
-    "lseek": ["EIO"],
-    "lstat": ["EIO", "EACCES"],
-    "memfd_create": ["EMFILE", "ENOMEM"],
-    "mkdir": ["ENOSPC", "EACCES"],
-    "newfstatat": ["EIO", "EACCES", "ESTALE"],
-    "open": ["EMFILE", "EACCES"],
-    "openat": ["EMFILE", "EIO", "ENOSPC", "EACCES"],
-    "poll": ["EINTR", "ENOMEM"],
-    "pread64": ["EIO"],
-    "read": ["EIO", "EINTR"],
-    "rename": ["EIO", "ENOSPC"],
-    "renameat": ["EIO", "ENOSPC"],
-    "renameat2": ["EIO", "ENOSPC", "EINVAL"],
-    "rmdir": ["EBUSY"],
-    "stat": ["EIO", "EACCES"],
-    "statfs": ["EIO"],
-    "statx": ["EIO"],
-    "syncfs": ["EIO", "ENOSPC"],
-    "unlink": ["EBUSY"],
-    "unlinkat": ["EBUSY"],
-    "write": ["ENOSPC", "EIO", "EINTR"],
+# The calls that can plausibly fail with each error. Others do nothing to a file, or end the process.
+FAILING = {
+    "EACCES": "lstat mkdir newfstatat open openat stat",
+    "EBUSY": "rmdir unlink unlinkat",
+    "EINTR": "flock poll read write",
+    "EINVAL": "renameat2",
+    "EIO": """close fchmod fstat fsync ftruncate getdents64 lseek lstat newfstatat openat pread64 read rename
+              renameat renameat2 stat statfs statx syncfs write""",
+    "EMFILE": "dup eventfd2 memfd_create open openat",
+    "ENOLCK": "flock",
+    "ENOMEM": "memfd_create poll",
+    "ENOSPC": "fsync mkdir openat rename renameat renameat2 syncfs write",
+    "EPERM": "fchmod",
+    "ESTALE": "newfstatat",
 }
 LOADER = 127  # the exit status when it fails
 
@@ -217,8 +198,8 @@ class SystemCalls:
             call = line[1]
             counts[call] += 1
             if own.start() <= line.start() < own.end() and call not in program.untried:
-                for error in ERRORS.get(call, ()):
-                    yield f"{call}:error={error}:when={counts[call]}"
+                yield from (f"{call}:error={error}:when={counts[call]}"
+                            for error, calls in FAILING.items() if call in calls.split())
 
     def launcher(self, program, failure):
         return *program.tracer, "-o", "trace", "-e", f"inject={failure}"

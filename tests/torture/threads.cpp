@@ -2,7 +2,7 @@
 ///   threads calls ROUNDS        8 threads call what may be called by several, while the log rolls
 ///   threads directories ROUNDS  two processes create one directory, ROUNDS times
 ///   threads reactor CYCLES      starts and ends the reactor's loop, also during a handler
-/// Everything happens in the present directory. Ends with a line of the result; status 1: a fault.
+/// Everything happens in a new directory. Ends with a line of the result; status 1: a fault.
 #include <ace/Event_Handler.h>
 #include <ace/Reactor.h>
 #include <ace/Thread_Manager.h>
@@ -32,6 +32,8 @@
 #include <thread>
 #include <utility>
 #include <vector>
+
+#include "tests/support/TempDir.h"
 
 namespace {
 
@@ -198,6 +200,8 @@ const std::map<std::string, std::function<std::string()>> TESTS = {
 }  // namespace
 
 int main(int /*argc*/, char* argv[]) {
+    const TempDir dir;
+    std::filesystem::current_path(dir / "");
     rounds = std::stoi(argv[2]);
     const std::string tried = TESTS.at(argv[1])();
     std::cout << tried << ": " << faults << " faults\n";
