@@ -222,14 +222,21 @@ def test_threads_compute_what_one_does():
 
 def longest_pause(function):
     """How long at most this thread stands still while another calls a function, over the call."""
+
+    def timed():
+        start = time.perf_counter()
+        function()
+        return time.perf_counter() - start
+
+    longest, last = 0.0, time.perf_counter()
     with ThreadPoolExecutor(1) as other:
-        longest, start = 0.0, time.perf_counter()
-        last = start
-        call = other.submit(function)
-        while not call.done():
-            longest, last = max(longest, time.perf_counter() - last), time.perf_counter()
-        end = time.perf_counter()
-    return max(longest, end - last) / (end - start)
+        call = other.submit(timed)
+        is_over = False
+        while not is_over:
+            is_over = call.done()
+            now = time.perf_counter()
+            longest, last = max(longest, now - last), now
+    return longest / call.result()
 
 
 @pytest.mark.parametrize("function", PER_TARGET.values(), ids=PER_TARGET)
