@@ -24,7 +24,7 @@ template <typename Refusal = UsageError, typename Action>
 void tryOrRefuse(Action action) {
     try {
         action();
-    } catch (const Refusal& refusal) {
+    } catch (Refusal& refusal) {  // what() of ZarnSysEx is not const
         const std::string message = refusal.what();
         require(message.find('\n') == std::string::npos, "messages have one line");
     }

@@ -149,17 +149,13 @@ class Operations(Program):
 
     # What the library documents. The failure of a call means a thrown action, or nothing (a question
     # is answered by no, or the call is one of those whose failures are ignored on purpose).
-    thrown = {
-        "checkCreateDir mkdir": "Error creating path: ",
-        "isFile stat": "Error executing stats() on path: ",
-        "load openat": "Error opening file: ",
-        "load read": "Error reading from file: ",
-        "open mkdir": "Error creating path: ",
-        "open openat": "Error opening file: ",
-        "rename openat": "Error opening file: ",
-        "rename rename": "Error renaming file from: ",
-        "write openat": "Error opening file: ",
-        "write write": "Error writing to file: ",
+    actions = {
+        "Error creating path: ": ["checkCreateDir mkdir", "open mkdir"],
+        "Error executing stats() on path: ": ["isFile stat"],
+        "Error opening file: ": ["load openat", "open openat", "rename openat", "write openat"],
+        "Error reading from file: ": ["load read"],
+        "Error renaming file from: ": ["rename rename"],
+        "Error writing to file: ": ["write write"],
     }
     unreported = "hdr2fits write", "remove unlink"  # and documented to be
     denials = ["gave false", "gave 0 names", "gave status of opening", "gave status of making",
@@ -177,12 +173,10 @@ class Operations(Program):
         same = ran.stdout == undisturbed.stdout
         if same and ran.files != undisturbed.files and failed not in self.unreported:
             yield "another result, and no error"
-        if failed in self.thrown:
-            reason = ". Error: " + os.strerror(getattr(errno, error))
-            kept = outcome.startswith("threw " + self.thrown[failed]) and outcome.endswith(reason)
-        else:
-            kept = same or outcome in self.denials
-        if not kept:
+        action = next((action for action, calls in self.actions.items() if failed in calls), None)
+        reason = ". Error: " + os.strerror(getattr(errno, error))
+        thrown = action and outcome.startswith("threw " + action) and outcome.endswith(reason)
+        if action and not thrown or not action and not (same or outcome in self.denials):
             yield outcome
 
 
