@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "fuzz/Harness.h"
-#include "shared/cli/UsageError.h"
 #include "tests/support/TempDir.h"
 #include "zarn-ingest/settings/CommandLine.h"
 #include "zarn-moon/settings/CommandLine.h"
@@ -52,17 +51,6 @@ void parseByTable(const std::vector<const char*>& line) {
     config.displayHelp();
 }
 
-/// What a program refuses, it refuses as wrong usage.
-template <typename Parse>
-void parseByProgram(Parse parse) {
-    try {
-        parse();
-    } catch (const UsageError& error) {
-        require(std::string(error.what()).find('\n') == std::string::npos,
-                "messages have one line");
-    }
-}
-
 }  // namespace
 
 void tryInput(const std::string& input) {
@@ -76,8 +64,8 @@ void tryInput(const std::string& input) {
         line.push_back(word.c_str());
     }
     parseByTable(line);
-    parseByProgram([&] { ingest::CommandLine(line).parse(); });
-    parseByProgram([&] { moon::CommandLine(line).parse(NOW); });
+    tryOrRefuse([&] { ingest::CommandLine(line).parse(); });
+    tryOrRefuse([&] { moon::CommandLine(line).parse(NOW); });
 }
 
 }  // namespace zarn

@@ -8,6 +8,9 @@
 #include <cstdlib>
 #include <iostream>
 #include <sstream>
+#include <utility>
+
+#include "zarnsys/util/WexoProperties.h"
 
 namespace zarn {
 
@@ -15,6 +18,17 @@ void require(bool isKept, const char* promise) {
     if (isKept) return;
     std::fprintf(stderr, "not kept: %s\n", promise);
     std::abort();
+}
+
+void requireWithin(double number, double least, double most) {
+    require(number >= least && number <= most, "a value lies in its range");
+}
+
+void renewProperties() {
+    struct Properties : WexoProperties {
+        static void renew() { delete std::exchange(instance_, nullptr); }
+    };
+    Properties::renew();
 }
 
 std::vector<std::string> linesOf(const std::string& text) {

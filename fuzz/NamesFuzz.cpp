@@ -39,30 +39,22 @@ bool mayMatchUp(const std::string& pattern) {
     return pattern.find("/.") != std::string::npos || pattern.find("\\.") != std::string::npos;
 }
 
-/// A file of this name holds what is written to it, or there is an exception.
+/// A file of this name holds what is written to it, unless an exception says why not.
 void writeAndRead(const std::string& name, const std::string& text) {
-    try {
-        FileIO file(name, true, true);
-        file.write(text).close();
-        std::stringstream content;
-        file.load(content);
-        require(std::filesystem::is_regular_file(name) && file.isFile(), "the file has the name");
-        require(content.str() == text, "the file holds the text");
-        file.close().rename(name + ".moved");
-        require(!std::filesystem::exists(name), "a file moves");
-        file.remove(true);
-        require(!std::filesystem::exists(name + ".moved"), "the file is removed");
-    } catch (const ZarnSysEx&) {
-        return;
-    }
+    FileIO file(name, true, true);
+    file.write(text).close();
+    std::stringstream content;
+    file.load(content);
+    require(std::filesystem::is_regular_file(name) && file.isFile(), "the file has the name");
+    require(content.str() == text, "the file holds the text");
+    file.close().rename(name + ".moved");
+    require(!std::filesystem::exists(name), "a file moves");
+    file.remove(true);
+    require(!std::filesystem::exists(name + ".moved"), "the file is removed");
 }
 
 void makeDirectory(const std::string& name) {
-    try {
-        FileIO("", false, true).checkCreateDir(name);
-    } catch (const ZarnSysEx&) {
-        return;
-    }
+    FileIO("", false, true).checkCreateDir(name);
     require(std::filesystem::exists(name), "the directory has the name");
 }
 
@@ -109,8 +101,9 @@ void tryInput(const std::string& input) {
     std::filesystem::create_directory(dir / "in");
     takeApart(dir / "in/" + name, other);
     if (!leadsUp(name) && !leadsUp(other)) {
-        makeDirectory(dir / "in/" + other);
-        writeAndRead(dir / "in/" + name, input.substr(0, input.find('\0')));
+        tryOrRefuse<ZarnSysEx>([&] { makeDirectory(dir / "in/" + other); });
+        tryOrRefuse<ZarnSysEx>(
+            [&] { writeAndRead(dir / "in/" + name, input.substr(0, input.find('\0'))); });
     }
     std::filesystem::remove_all(dir / "in");
     require(dir.get("canary") == "alive", "no other file is touched");

@@ -16,41 +16,32 @@ namespace zarn {
 
 namespace {
 
-void within(double number, double least, double most) {
-    require(number >= least && number <= most, "a value lies in its range");  // no NaN does
-}
-
 template <typename Read>
 void read(Read action) {
-    try {
-        action();
-    } catch (const std::invalid_argument& error) {
-        require(std::string(error.what()).find('\n') == std::string::npos,
-                "messages have one line");
-    }
+    tryOrRefuse<std::invalid_argument>(action);
 }
 
 void check(const Position& position) {
-    within(position.ra, 0.0, std::nextafter(FULL_CIRCLE, 0.0));
-    within(position.dec, -90.0, 90.0);
+    requireWithin(position.ra, 0.0, std::nextafter(FULL_CIRCLE, 0.0));
+    requireWithin(position.dec, -90.0, 90.0);
 }
 
 void readLine(const std::string& text, const std::string& next) {
     constexpr double YEAR_0 = -678941.0;  // MJD
     constexpr double YEAR_10000 = 2973484.0;
-    read([&] { within(parseNumber(text, -5.0, 1e9), -5.0, 1e9); });
-    read([&] { within(parseWhole(text, 3, 1000), 3, 1000); });
-    read([&] { within(parseAngle(text, 180.0, text), 0.0, 180.0); });
-    read([&] { within(parseRightAscension(text), 0.0, std::nextafter(FULL_CIRCLE, 0.0)); });
-    read([&] { within(parseDeclination(text), -90.0, 90.0); });
+    read([&] { requireWithin(parseNumber(text, -5.0, 1e9), -5.0, 1e9); });
+    read([&] { requireWithin(parseWhole(text, 3, 1000), 3, 1000); });
+    read([&] { requireWithin(parseAngle(text, 180.0, text), 0.0, 180.0); });
+    read([&] { requireWithin(parseRightAscension(text), 0.0, std::nextafter(FULL_CIRCLE, 0.0)); });
+    read([&] { requireWithin(parseDeclination(text), -90.0, 90.0); });
     read([&] { check(parsePosition(text)); });
     read([&] { check(parsePosition(text, next)); });
-    read([&] { within(mjdOfInstant(text), YEAR_0, YEAR_10000); });
+    read([&] { requireWithin(mjdOfInstant(text), YEAR_0, YEAR_10000); });
     read([&] { require(dateOf(mjdOfDate(text)) == text, "a date is the date of its MJD"); });
     read([&] {
         const moon::Site site = moon::siteAt(text);
-        within(site.latitude, -90.0, 90.0);
-        within(site.longitude, -180.0, 180.0);
+        requireWithin(site.latitude, -90.0, 90.0);
+        requireWithin(site.longitude, -180.0, 180.0);
         moon::coordinates(site);
     });
 }

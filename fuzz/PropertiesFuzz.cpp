@@ -4,9 +4,7 @@
 #include <vector>
 
 #include "fuzz/Harness.h"
-#include "fuzz/Properties.h"
 #include "shared/cli/PropertiesFile.h"
-#include "shared/cli/UsageError.h"
 #include "tests/support/TempDir.h"
 #include "zarn-ingest/settings/Properties.h"
 #include "zarnsys/util/WexoProperties.h"
@@ -42,27 +40,19 @@ void readChecked(const std::string& fileName) {
 
 void tryInput(const std::string& input) {
     static const TempDir dir;
+    const std::string fileName = dir / "p.ini";
     dir.put("p.ini", input);
-    Properties::renew();
-    WexoProperties::instance()->load(dir / "p.ini");
+    renewProperties();
+    WexoProperties::instance()->load(fileName);
     for (const std::string& line : linesOf(input)) {
         const std::string key = line.substr(0, line.find('='));
         get("ingest", key);
         get(line, key);
     }
-    Properties::renew();
-    try {
-        ingest::readProperties(dir / "p.ini");
-    } catch (const UsageError& error) {
-        require(std::string(error.what()).find('\n') == std::string::npos,
-                "messages have one line");
-    }
+    renewProperties();
+    tryOrRefuse([&] { ingest::readProperties(fileName); });
     dir.put("p.ini", input + "\n[the-last]\nkey = value\n");
-    try {
-        readChecked(dir / "p.ini");
-    } catch (const UsageError&) {
-        return;
-    }
+    tryOrRefuse([&] { readChecked(fileName); });
 }
 
 }  // namespace zarn

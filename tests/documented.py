@@ -92,13 +92,12 @@ def pattern_of(printed):
 
 
 def differing(text, root, environment):
-    """Runs a session in a directory that stands for "/" and for the project's. What is wrong, if anything."""
+    """Runs a session in a directory that stands for "/" and for the project's. Yields what is wrong."""
     command, printed = text.removeprefix("$ ").split("\n", 1)
     ran = subprocess.run(command.replace(" /", f" {root}/"), shell=True, cwd=root, env=environment, timeout=60,
                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
-    if re.fullmatch(pattern_of(printed), ran.stdout.replace(f"{root}/", "/")):
-        return None
-    return f"$ {command}\nprinted:\n{printed}told:\n{ran.stdout}"
+    if not re.fullmatch(pattern_of(printed), ran.stdout.replace(f"{root}/", "/")):
+        yield f"$ {command}\nprinted:\n{printed}told:\n{ran.stdout}"
 
 
 @contextlib.contextmanager
@@ -125,8 +124,7 @@ def operated(root, environment):
     subprocess.run(call, env=environment, stderr=subprocess.DEVNULL, check=False)
     with subprocess.Popen([*call, "--watch"], env=environment, stderr=subprocess.DEVNULL) as service:
         try:
-            end = time.monotonic() + 30
-            while not runs() and time.monotonic() < end:
+            while not runs() and service.poll() is None:
                 time.sleep(0.05)
             service.send_signal(signal.SIGSTOP)  # it still runs, and what arrives waits
             arrive("imager.hdr", "a.hdr")
@@ -150,9 +148,7 @@ def main():
         (root / "headers").symlink_to(PROJECT / "examples/headers")
         with operated(root, environment):
             for page, text in sessions:
-                fault = differing(text, root, environment)
-                if fault:
-                    faults.append(f"{page}: {fault}")
+                faults += [f"{page}: {fault}" for fault in differing(text, root, environment)]
     print("\n".join(faults) or f"{len(sessions)} sessions as printed")
     return 1 if faults or not sessions else 0
 

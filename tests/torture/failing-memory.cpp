@@ -9,9 +9,9 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <string>
+#include <string_view>
 
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the C library's names
 extern "C" {
@@ -37,22 +37,30 @@ std::string variable(const char* name) {
 
 void* addressOf(bool (*function)()) { return reinterpret_cast<void*>(function); }
 
+bool contains(std::string_view text, const char* part) {
+    return text.find(part) != std::string_view::npos;
+}
+
 bool fails();
 
 /// The file of the code that asked for memory: the first caller outside this file and the C++
-/// library, whose `new` it is.
+/// library, whose `new` it is. What ACE has the C library do is ACE's.
 const char* asker() {
     std::array<void*, 16> callers = {};
     const int depth = backtrace(callers.data(), callers.size());
     Dl_info here = {};
     dladdr(addressOf(fails), &here);
+    const char* first = nullptr;
     for (int i = 0; i < depth; ++i) {
         Dl_info caller = {};
         if (dladdr(callers.at(static_cast<std::size_t>(i)), &caller) == 0) continue;
-        if (caller.dli_fbase == here.dli_fbase) continue;
-        if (std::strstr(caller.dli_fname, "libstdc++") == nullptr) return caller.dli_fname;
+        const std::string_view file = caller.dli_fname;
+        if (caller.dli_fbase == here.dli_fbase || contains(file, "libstdc++")) continue;
+        if (contains(file, "libACE")) return caller.dli_fname;
+        if (first == nullptr) first = caller.dli_fname;
+        if (!contains(file, "libc.so")) break;
     }
-    return "unknown";
+    return first == nullptr ? "unknown" : first;
 }
 
 bool fails() {

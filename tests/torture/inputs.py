@@ -134,13 +134,9 @@ NO_WORDS = [b"$(touch canary)", b"`touch canary`", b"$HOME", b"a b", b"'x'", b"D
 
 def properties():
     """Pairs of a properties file, and whether it is one that can be used."""
-    for value in NO_NUMBERS:
-        yield SOUND + b"[service]\npoll = " + value + b"\n", False
-        yield SOUND + b"[log]\nfile = log\nsize = " + value + b"\n", False
-    for value in NO_FLAGS:
-        yield SOUND + b"checksum = " + value + b"\n", False
-    for value in NO_WORDS:
-        yield SOUND + b"[log]\nfile = log\npriorities = " + value + b"\n", False
+    for setting, values in ((b"[service]\npoll", NO_NUMBERS), (b"[log]\nfile = log\nsize", NO_NUMBERS),
+                            (b"checksum", NO_FLAGS), (b"[log]\nfile = log\npriorities", NO_WORDS)):
+        yield from ((SOUND + setting + b" = " + value + b"\n", False) for value in values)
     for text in (b"[", b"[ingest", b"[]", b"key", b"= = =\x00", b"x = \0", b"k = " + b"v" * 4096,
                  b"[" + b"s" * 5000 + b"]", b"\xff\xfe[\x00i\x00"):
         yield SOUND + text + b"\n", False

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Checks from traces of zarn-ingest that no power cut could make its journal untrue.
 
-    order.py PROGRAM SAMPLES
+    order.py PROGRAM
 
 A model of a disk follows the system calls: what was written or renamed counts as lost until a sync
 of the file, of its directory or of everything. At each journal line, the result that it tells of
@@ -15,15 +15,15 @@ import pathlib
 import re
 import subprocess
 import sys
-import tempfile
 
-from tracing import SERVICE, SKIPPED, can_trace
+from common import SKIPPED, can_trace, ended, workplace
+from scenarios import SCENARIOS, prepare
 
 CALLS = "write,rename,renameat,renameat2,link,linkat,fsync,syncfs"
-RUNS = {  # arguments, and how many files
-    "a batch with a journal": (["-j", "journal", "-o", "out", "in/*.hdr"], (1, 100)),
-    "a batch that goes on": (["-r", "-j", "journal", "-o", "out", "in/*.hdr"], (1, 100)),
-    "the service": (["-p", "p.ini"], (1, 100)),
+RUNS = {  # arguments
+    "a batch with a journal": ["-j", "journal", "-o", "out", "in/*.hdr"],
+    "a batch that goes on": SCENARIOS["resume"],
+    "the service": SCENARIOS["service"],
 }
 
 
@@ -95,44 +95,32 @@ def follow(trace, disk):
             disk.rename(os.path.abspath(old), os.path.abspath(new))
 
 
-def run(program, samples, arguments, files):
+def run(program, arguments, files):
     """Faults of one run in the present directory."""
-    os.mkdir("in")
-    text = (samples / "imager.hdr").read_text()
-    for number in range(files):
-        pathlib.Path(f"in/{number}.hdr").write_text(text)
-    pathlib.Path("p.ini").write_text(SERVICE)
+    prepare([str(number) for number in range(files)])
     subprocess.run(["strace", "-f", "-y", "-s", "100000", "-o", "trace", "-e", f"trace={CALLS}",
                     program, "-q", *arguments], check=True)
     disk = Disk()
     follow(pathlib.Path("trace").read_text(errors="replace"), disk)
+    yield from disk.faults
     if len(disk.told) != files:
-        disk.faults.append(f"{len(disk.told)} of {files} files are in the journal")
+        yield f"{len(disk.told)} of {files} files are in the journal"
     if arguments[0] == "-p" and disk.moves != files:
-        disk.faults.append(f"{disk.moves} of {files} files were moved")
-    disk.faults += [f"{path} is not safe at the end" for path in sorted(disk.written | disk.named)
-                    if path.startswith(os.getcwd()) and os.path.exists(path)]
-    return disk.faults
+        yield f"{disk.moves} of {files} files were moved"
+    yield from (f"{path} is not safe at the end" for path in sorted(disk.written | disk.named)
+                if path.startswith(os.getcwd()) and os.path.exists(path))
 
 
 def main():
-    program, samples = os.path.realpath(sys.argv[1]), pathlib.Path(sys.argv[2]).resolve()
+    program = os.path.realpath(sys.argv[1])
     if not can_trace():
         return SKIPPED
-    runs = failed = 0
-    here = os.getcwd()
-    for name, (arguments, numbers) in RUNS.items():
-        for files in numbers:
-            with tempfile.TemporaryDirectory() as directory:
-                os.chdir(os.path.realpath(directory))
-                faults = run(program, samples, arguments, files)
-                os.chdir(here)
-            for fault in faults:
-                print(f"FAILED: {name}, {files} files: {fault}")
-            runs += 1
-            failed += len(faults)
-    print(f"{runs} runs, of one file and of 100, {failed} faults")
-    return 1 if failed else 0
+    faults = []
+    for name, arguments in RUNS.items():
+        for files in 1, 100:
+            with workplace():
+                faults += [f"{name}, {files} files: {fault}" for fault in run(program, arguments, files)]
+    return ended(faults, f"{2 * len(RUNS)} runs, of one file and of 100")
 
 
 if __name__ == "__main__":

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Cuts the power of the disk below zarn-ingest: nothing that was told is missing.
 
-    powercut.py PROGRAM SAMPLES [--cuts N] [--files N] [--without-syncs]
+    powercut.py PROGRAM [--cuts N] [--files N] [--without-syncs]
 
 A run works in a file system on a disk that records its writes and flushes. Then, N times for each
 kind of run and of file system, the disk is made anew as a power cut at a random moment can leave it,
@@ -11,21 +11,19 @@ the program's own syncs do nothing, to see that this would be noticed.
 Needs root, a mount name space, loop devices and FUSE.
 """
 
-import argparse
+import contextlib
 import os
-import pathlib
 import random
 import re
 import shutil
 import subprocess
 import sys
-import tempfile
 
+from common import SECONDS, SKIPPED, command_line, ended, workplace
 from recording import recorded
-from scenarios import SECONDS, journalled, left, prepare, results, service, undone, untruths
-from tracing import SKIPPED
+from scenarios import SCENARIOS, judged, prepare, results
 
-RUNS = {"resume": journalled, "service": service}
+RUNS = "resume", "service"
 FILE_SYSTEMS = {  # how to make one, and how to mount it
     "ext4": (["mke2fs", "-q", "-F", "-t", "ext4"], "loop,commit=1"),
     "ext4, data=writeback": (["mke2fs", "-q", "-F", "-t", "ext4"], "loop,commit=1,data=writeback"),
@@ -36,25 +34,20 @@ DISK_BYTES = 320 << 20
 WITHOUT_SYNCS = ["strace", "-f", "-o", "/dev/null", "-e", "inject=fsync,syncfs,fdatasync:retval=0"]
 
 
-class Mounted:
+@contextlib.contextmanager
+def mounted(disk, options):
     """The present directory is that of a mounted disk meanwhile."""
-
-    def __init__(self, disk, options):
-        self.disk, self.options = disk, options
-
-    def __enter__(self):
-        self.here = os.getcwd()
-        subprocess.run(["mount", "-o", self.options, self.disk, "disk"], check=True)
-        os.chdir("disk")
-
-    def __exit__(self, *_):
-        os.chdir(self.here)
+    subprocess.run(["mount", "-o", options, disk, "disk"], check=True)
+    try:
+        with contextlib.chdir("disk"):
+            yield
+    finally:
         subprocess.run(["umount", "disk"], check=True)
 
 
 def run(program, scenario, tracer=(), told=lambda name: None):
     """The exit status of a run; a function is told of each result as soon as the program says it."""
-    with subprocess.Popen([*tracer, program, "-v", *RUNS[scenario]()], stdout=subprocess.PIPE,
+    with subprocess.Popen([*tracer, program, "-v", *SCENARIOS[scenario]], stdout=subprocess.PIPE,
                           stderr=subprocess.STDOUT, text=True) as process:
         for line in process.stdout:
             gave = re.search(r"gave out/(\S+\.fits)", line)
@@ -66,8 +59,8 @@ def run(program, scenario, tracer=(), told=lambda name: None):
 def record(options, scenario, mount):
     """A run's recording, the results, and those told of: the moment of each, and its name."""
     told = []
-    with recorded("image", "device") as recording, Mounted("device", mount):
-        shutil.copytree("../sources", ".", dirs_exist_ok=True)
+    with recorded("image", "device") as recording, mounted("device", mount):
+        prepare([f"f{number}" for number in range(options.files)])
         os.sync()
         start = len(recording.events)
         tracer = WITHOUT_SYNCS if options.without_syncs else []
@@ -84,15 +77,9 @@ def record(options, scenario, mount):
 
 def after_cut(options, scenario, moment, expected, told):
     """The faults in the present directory."""
-    yield from untruths(expected)
-    found = results()
-    yield from (f"{name} was told of, and is missing"
-                for name in {name for at, name in told if at <= moment} - found.keys())
-    status = run(options.program, scenario)
-    if status != 0:
-        yield f"status {status} of the next run"
-    for truth in (undone(scenario, expected), untruths(expected), left()):
-        yield from (f"after the next run, {what}" for what in truth)
+    missing = {name for at, name in told if at <= moment} - results().keys()
+    yield from (f"{name} was told of, and is missing" for name in missing)
+    yield from judged(scenario, "cut", lambda: run(options.program, scenario), expected)
 
 
 def cut(options, scenario, system):
@@ -107,19 +94,9 @@ def cut(options, scenario, system):
         moment = random.choice(moments)
         subprocess.run(["cp", "--sparse=always", "blank", "image"], check=True)
         recording.cut("image", moment)
-        with Mounted("image", mount):
+        with mounted("image", mount):
             for fault in after_cut(options, scenario, moment, expected, told):
                 yield f"{scenario} on {system}, cut at {moment} of {moments}: {fault}"
-
-
-def parse_arguments():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("program", type=os.path.realpath)
-    parser.add_argument("samples", type=lambda name: pathlib.Path(name).resolve())
-    parser.add_argument("--cuts", type=int, default=10)
-    parser.add_argument("--files", type=int, default=300)
-    parser.add_argument("--without-syncs", action="store_true")
-    return parser.parse_args()
 
 
 def can_cut():
@@ -135,27 +112,21 @@ def can_cut():
 
 
 def main():
-    options = parse_arguments()
+    parser = command_line("program", cuts=10, files=300)
+    parser.add_argument("--without-syncs", action="store_true")
+    options = parser.parse_args()
     if not can_cut():
         return SKIPPED
     faults = []
     systems = [name for name, (make, _) in FILE_SYSTEMS.items() if shutil.which(make[0])]
-    with tempfile.TemporaryDirectory() as directory:
-        os.chdir(directory)
+    runs = len(systems) * len(RUNS)
+    with workplace():
         os.mkdir("disk")
-        os.mkdir("sources")
-        os.chdir("sources")
-        prepare(options.samples, [f"f{number}" for number in range(options.files)])
-        os.chdir("..")
         for system in systems:
             for scenario in RUNS:
                 faults += cut(options, scenario, system)
-        os.chdir("/")
-    for fault in faults:
-        print("FAILED:", fault)
-    print(f"{len(systems) * len(RUNS) * options.cuts} cuts of {len(systems) * len(RUNS)} runs with"
-          f" {options.files} files on {'; '.join(systems)}: {len(faults)} faults")
-    return 1 if faults else 0
+    return ended(faults, f"{runs * options.cuts} cuts of {runs} runs with {options.files} files on"
+                 f" {'; '.join(systems)}")
 
 
 if __name__ == "__main__":

@@ -10,6 +10,29 @@
 
 namespace zarn {
 
+namespace {
+
+/// Standard output goes into a buffer until the end of the object. Lack of memory for that throws.
+class Redirection {
+public:
+    explicit Redirection(std::streambuf* buffer)
+        : exceptions_(std::cout.exceptions()), output_(std::cout.rdbuf(buffer)) {
+        std::cout.exceptions(std::ios::badbit);
+    }
+    Redirection(const Redirection&) = delete;
+    Redirection& operator=(const Redirection&) = delete;
+    ~Redirection() {
+        std::cout.rdbuf(output_);
+        std::cout.exceptions(exceptions_);
+    }
+
+private:
+    std::ios::iostate exceptions_;
+    std::streambuf* output_;
+};
+
+}  // namespace
+
 UsageError wrongOption(const std::string& option, const std::invalid_argument& error,
                        const std::string& value) {
     const bool namesForm = dynamic_cast<const WrongValue*>(&error) != nullptr;
@@ -26,9 +49,10 @@ OptionTable::OptionTable(std::vector<const char*> arguments, std::vector<OptionR
 void OptionTable::displayOptions() const {
     const std::string emptyHeading = "Mandatory Options:\n\n";
     TextWriter help;
-    std::streambuf* const output = std::cout.rdbuf(help.rdbuf());
-    displayHelp();  // to standard output, and nowhere else
-    std::cout.rdbuf(output);
+    {
+        const Redirection redirection(help.rdbuf());
+        displayHelp();  // to standard output, and nowhere else
+    }
     std::string text = help.str();
     const std::string::size_type at = text.find(emptyHeading);
     if (at != std::string::npos) text.erase(at, emptyHeading.size());

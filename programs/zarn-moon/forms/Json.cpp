@@ -37,7 +37,7 @@ Json timeOf(double mjd, bool local) {
 /// An eclipse, or null.
 Json eclipseOf(const std::optional<Eclipse>& eclipse, bool local) {
     if (!eclipse) return {};
-    Json contacts;
+    Json contacts = Json::object();
     for (const Contact& contact : eclipse->contacts) {
         Json& entry = contacts[keyOf(contact.name)] = timeOf(contact.mjd, local);
         entry["moon_up"] = contact.moonUp;
@@ -48,7 +48,8 @@ Json eclipseOf(const std::optional<Eclipse>& eclipse, bool local) {
 }
 
 Json nightOf(const NightLine& line, bool local) {
-    Json events;
+    // A null that becomes an object without memory for it crashes when it is destroyed.
+    Json events = line.events.empty() ? Json() : Json::object();
     for (const Event& event : line.events) {
         const std::string key = keyOf(event.name);
         events[key] = Json::array();
