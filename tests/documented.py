@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Runs what README and the pages print.
 
-    documented.py DIRECTORY_OF_PROGRAM...
+    documented.py DIRECTORY_OF_PROGRAMS...
     documented.py --long    the commands that take minutes, in the project itself
 
 A session ("$ command" and its output) must give the output that stands there, in which "..." is any
-number of lines. Other commands need time or a system of their own: for each one the table names the
+number of lines. A line for cron must write its file. Other commands need time or a system of their own: for each one the table names the
 script that runs it, and what stands there.
 """
 
@@ -54,8 +54,9 @@ def blocks(language):
     """Fenced blocks: page and text."""
     for pattern in PAGES:
         for page in sorted(PROJECT.glob(pattern)):
-            for indent, text in re.findall(rf"^( *)```{language}\n(.*?)^ *```$", page.read_text(), re.M | re.S):
-                yield page.relative_to(PROJECT), re.sub(f"^{indent}", "", text, flags=re.M)
+            for indent, own, text in re.findall(r"^( *)```(\w*)\n(.*?)^ *```$", page.read_text(), re.M | re.S):
+                if own == language:
+                    yield page.relative_to(PROJECT), re.sub(f"^{indent}", "", text, flags=re.M)
 
 
 def unrun():
@@ -68,7 +69,7 @@ def unrun():
             script, there = next((row[1:] for row in table if command.startswith(row[0])), ("", ""))
             if not script or there not in (PROJECT / script).read_text():
                 yield f"{page}: run by nobody: {command}"
-
+    yield from (f"{page}: a block without a language: {text}" for page, text in blocks(""))
 
 
 def run_long():
@@ -83,7 +84,8 @@ def run_long():
 
 def pattern_of(printed):
     """What may be told instead of what is printed: another time, age or room, and anything for "..."."""
-    varying = r"(?<=in )\d+\.\d(?= s)|\d{4}-\d\d-\d\dT[\d:]+|(?<=for )\d+(?= s)|\d{5,}(?=,)"
+    varying = "|".join((r"(?<=\[ )\d+(?= \])", r"\d{4}-\d\d-\d\d(?= \d\d:)", r"\d\d:\d\d:\d\d\.\d{6}",
+                        r"\d{4}-\d\d-\d\dT[\d:]+", r"(?<=in )\d+\.\d(?= s)", r"(?<=for )\d+(?= s)", r"\d{5,}(?=,)"))
     lines = []
     for line in printed.splitlines():
         told = r"\S+".join(re.escape(text) for text in re.split(varying, line))
@@ -98,6 +100,16 @@ def differing(text, root, environment):
                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
     if not re.fullmatch(pattern_of(printed), ran.stdout.replace(f"{root}/", "/")):
         yield f"$ {command}\nprinted:\n{printed}told:\n{ran.stdout}"
+
+
+def without_file(text, root, environment):
+    """Runs a line for cron in such a directory. Yields what is wrong with the file that it writes last."""
+    command = text.split(maxsplit=6)[6].replace(" /", f" {root}/")
+    directory, name = re.search(r"^cd (\S+) .* (\S+)$", command).groups()
+    os.makedirs(directory)
+    subprocess.run(["/bin/sh", "-c", command], env=environment, timeout=60, check=False)
+    if not re.search(r"^zarn_ingest_problems\{.*\} 1$", pathlib.Path(directory, name).read_text(), re.M):
+        yield f"$ {command}"
 
 
 @contextlib.contextmanager
@@ -149,6 +161,8 @@ def main():
         with operated(root, environment):
             for page, text in sessions:
                 faults += [f"{page}: {fault}" for fault in differing(text, root, environment)]
+            for page, text in blocks("crontab"):
+                faults += [f"{page}: {fault}" for fault in without_file(text, root, environment)]
     print("\n".join(faults) or f"{len(sessions)} sessions as printed")
     return 1 if faults or not sessions else 0
 

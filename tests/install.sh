@@ -72,7 +72,7 @@ Python          (lib|lib/[^/]*|local/lib)/python3[^/]*/.*
 END
 (cd components && for component in *; do list "$component"; done) | sort | diff - <(list prefix) ||
     die "the components are not what is installed"
-grep -q "^ExecStart=$work/prefix/bin/zarn-ingest " "$(find prefix -name zarn-ingest.service)" ||
+grep -q "^ExecStart=$work/prefix/bin/zarn-ingest " "$(find prefix/lib -name zarn-ingest.service)" ||
     die "the service is not that of the prefix"
 
 library=$(find prefix -name libZarnSysUtil.so.0)

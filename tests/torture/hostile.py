@@ -155,7 +155,7 @@ class Hostile:
             yield from (f"{folder}: {name}" for name in set(os.listdir(folder)) ^ expected)
         verified = Ran(self.ingest, ["--verify", "-p", "p.ini"])
         yield from verified.faults()
-        if not verified.out.endswith(b"without source: 0, wrong: 0, not told of: 0\n"):
+        if not verified.out.endswith(b"size: 0, wrong: 0, not in the journal: 0\n"):
             yield f"verified: {verified.out}"
         status = Ran(self.ingest, ["--status", "--format", "json", "-p", "p.ini"])
         if json.loads(status.out)["failed_files"] != len(failed):
