@@ -77,6 +77,9 @@ testJournal() {
         in/1.hdr out/1.fits converted 18 2880 "$(stat -c %i-%.9Z in/1.hdr)" \
         in/broken.hdr out/broken.fits failed 0 0 "$(stat -c %i-%.9Z in/broken.hdr)" \
         in/none '' failed 0 0 -)" ]
+    check "mode" [ "$(stat -c %a journal/*.journal)" = 664 ]
+    header $'o\t\\'; run 0 -q -j odd -o out $'o\t\\'
+    check "a name with a tab" [ "$(journalFields odd 3-5)" = $'o\\x09\\x5C\tout/o\\x09\\x5C.fits\tconverted' ]
     run 0 -q -n -j dry in/1.hdr; hasNot dry
     run 1 -j no/journal -o out in/2.hdr; says 'Error creating path: no/journal'
     hasNot out/2.fits
