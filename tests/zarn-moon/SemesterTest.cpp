@@ -61,6 +61,12 @@ TEST(SemesterTest, LimitsLeaveTheirMinutes) {
     } cases[] = {
         {"none: 901 to 1440", [](Settings&) {}, 540, 901},
         {"sun", [](Settings& s) { s.sunAltitude = -12.0; }, 840, 601},
+        {"sky, of which twilight knows nothing",
+         [](Settings& s) {
+             s.sunAltitude = -12.0;
+             s.maxSky = 10.0;
+         },
+         540, 901},
         {"altitude", [](Settings& s) { s.minAltitude = 29.999; }, 540, 901},
         {"too high", [](Settings& s) { s.minAltitude = 30.001; }, 0, 1441},
         // Pickering 2002: 1/sin(30 + 244/(165 + 47 30^1.1)) = 1.9932
