@@ -50,6 +50,15 @@ TEST_F(JournalTest, EntriesAreLinesWithATime) {
     EXPECT_EQ(entries[0].seconds, 1e9);
 }
 
+TEST_F(JournalTest, ATornLastLineIsCutOff) {
+    dir_.put("zarn-ingest-2000-01-01.journal", TIMES + "a\tr\n");
+    for (const std::string& whole : {std::string(), TIMES + "a\tr\n"}) {
+        dir_.put(OLD, whole + TIMES + "b\tr");
+        const Journal journal(dir_ / ".");
+        EXPECT_EQ(dir_.get(OLD), whole);
+    }
+}
+
 /// Journals of long before a source was changed cannot tell of it, and are not read; of what is not
 /// there, all may tell. The latest line counts.
 TEST_F(JournalTest, JournalsTellOfTheLatestStateOfAFile) {

@@ -9,6 +9,7 @@ examples=$(dirname "$samples")
 . "$(dirname "$0")/../support/headers.sh"
 
 testUsage() {
+    local row
     run 0 --help; silent
     check "the help lacks an option" grep -q -- '--output-dir or -o <DIR>' out.txt
     run 0 -V; silent
@@ -16,7 +17,8 @@ testUsage() {
     header x; mkfifo pipe
     printf '[ingest]\npattern = in/*\n[service]\ndone = d\nfailed = f\n' >p.ini
     transcript "$data/wrong-usage.txt"
-    while read -r row; do
+    has "$data/wrong-properties.txt"
+    while read -r row; do  # a file's content, and what the message has behind the file's name
         printf '%b\n' "${row%|:*}" >wrong.ini
         run 2 -p wrong.ini; says "wrong.ini:${row##*|:}"
     done <"$data/wrong-properties.txt"
