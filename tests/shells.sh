@@ -42,22 +42,8 @@ zshOffers() { timeout 30 zsh -f "$work/offers.zsh" "$work" "$1"; }
 fishOffers() { fish -N -c "source $work/${1%% *}.fish; complete -C '$1'" | cut -f 1 | sort | xargs; }
 
 # A line and what it can go on with, in zsh and in fish.
-cat >"$work/expected" <<'LINES'
-zarn-moon --telescope V|VEK1 VEK2 VEK3 VEK4|VEK1 VEK2 VEK3 VEK4
-zarn-moon -T |OLAN VEK1 VEK2 VEK3 VEK4|OLAN VEK1 VEK2 VEK3 VEK4
-zarn-moon --site |hill island|hill island
-zarn-moon --site=h|hill|--site=hill
-zarn-moon --format=c|csv|--format=csv
-zarn-moon --mi|--min-altitude --min-moon-distance|--min-altitude --min-moon-distance
-zarn-moon --targets |dir file|dir/ file
-zarn-moon --local -s ||
-zarn-ingest --moon O|OLAN|OLAN
-zarn-ingest --status --format |json prometheus text|json prometheus text
-zarn-ingest -o |dir|dir/
-zarn-ingest -f --re|--report --resume --retry-failed|--report --resume --retry-failed
-zarn-ingest f|file|file
-LINES
+expected=$(realpath "$(dirname "$0")/data/completed.txt")
 cd "$work/here" || exit 1
 while IFS='|' read -r line _; do
     echo "$line|$(zshOffers "$line")|$(fishOffers "$line")"
-done <"$work/expected" | diff "$work/expected" - && echo "completed by zsh and fish: all lines"
+done <"$expected" | diff "$expected" - && echo "completed by zsh and fish: all lines"

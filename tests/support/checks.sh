@@ -1,6 +1,8 @@
 # For test scripts of the programs: runs the one and counts checks. The script sets `program`.
 # shellcheck shell=bash
 export LC_ALL=C  # the order of ls and sort, whatever the user's language
+# shellcheck disable=SC2034 # for the scripts
+data=$(realpath "$(dirname "$0")/../data/$(basename "$(dirname "$(realpath "$0")")")")
 work=$(mktemp -d "${TMPDIR:-/tmp}/zarnsys-test-XXXXXX")
 trap 'cd /; jobs -p | xargs -r kill -KILL 2>/dev/null; rm -rf "$work"' EXIT
 chmod 755 "$work"
@@ -27,9 +29,30 @@ check() {
     fi
 }
 says() { check "no such message: $1" grep -qF -- "$1" err.txt; }
-# told <<EXPECTED: all messages, without the time that the run took and CFITSIO's own words.
-told() {
-    check "other messages" diff - <(sed -E 's/ in [0-9.]+ s//; s/(CFITSIO status [0-9]+): [^)]*/\1/' err.txt)
+# plain FILE...: what a program said, without what differs from run to run, and CFITSIO's own words.
+plain() {
+    sed -E "s/^[-0-9]+ [0-9:.]+ ([A-Z]+) \[ [0-9]+ \]/\1/; s/$(date +%Y)-[0-9T:.-]+/TIME/; s/ in [0-9.]+ s//; s/(CFITSIO status [0-9]+): [^)]*/\1/
+        s/(unix_time\":|^[a-z_]*stamp_seconds.* )[0-9.]+/\1SECONDS/
+        s/(free_mib\":|free space [^ ]* *|^zarn_ingest_free_bytes.* )[0-9]+/\1ROOM/
+        s/(waiting_seconds\":|oldest for |^[a-z_]*waiting_seconds.* )[0-9]+( s)?/\1AGE/" "$@"
+}
+# told <<EXPECTED: all messages.
+told() { check "other messages" diff - <(plain err.txt); }
+# transcript FILE: runs the program with the words of each line that begins with "> ". The lines
+# below are all that it says, and its exit status unless that is 0.
+transcript() {
+    local line words status
+    while IFS= read -r line; do
+        [[ $line = '> '* ]] || continue
+        eval "words=(${line#> })"
+        "$program" "${words[@]}" </dev/null >out.txt 2>err.txt
+        status=$?
+        echo "$line"
+        plain out.txt err.txt
+        [ $status = 0 ] || echo "[$status]"
+    done <"$1" >transcript.txt
+    : >err.txt
+    check "$(diff "$1" transcript.txt)" cmp -s "$1" transcript.txt
 }
 silent() { check "unexpected messages" [ ! -s err.txt ]; }
 has() { check "$1 is missing" [ -e "$1" ]; }

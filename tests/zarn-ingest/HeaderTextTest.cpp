@@ -1,17 +1,12 @@
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
-#include <cstdint>
-#include <filesystem>
 #include <utility>
 
 #include "shared/cli/Printable.h"
 #include "tests/support/Escapes.h"
-#include "tests/support/TempDir.h"
 #include "tests/support/Transcript.h"
 #include "zarn-ingest/header/HeaderText.h"
 #include "zarn-ingest/header/IngestError.h"
-#include "zarn-ingest/header/lines/HeaderFile.h"
 
 namespace zarn::ingest {
 
@@ -61,54 +56,24 @@ std::string shown(const HeaderText& text) {
     return result;
 }
 
-/// What becomes of a header: if it is refused, "LINE: REASON".
-template <typename Examine>
-std::string outcome(Examine examine) {
-    try {
-        return shown(examine());
-    } catch (const IngestError& error) {
-        return std::to_string(error.line()) + ": " + printable(error.what()) + "\n";
-    }
+/// Whether a text begins so; it does no more then.
+bool taken(std::string& text, const std::string& beginning) {
+    const bool begins = text.rfind(beginning, 0) == 0;
+    if (begins) text.erase(0, beginning.size());
+    return begins;
 }
 
 TEST(HeaderTextTest, TextsBecomeTheCardsOfTheirHeaders) {
     expectTranscript(TEST_DATA "/headers.txt", [](const std::string& written) {
         std::string text = unescaped(written);
-        const bool primaryOnly = text.rfind("--primary-only ", 0) == 0;
-        if (primaryOnly) text.erase(0, std::string("--primary-only ").size());
-        if (text.rfind("...", 0) == 0) text.replace(0, 3, START);
-        return outcome([&] { return HeaderText(text, {false, primaryOnly}); });
+        const bool primaryOnly = taken(text, "--primary-only ");
+        if (taken(text, "...")) text.insert(0, START);
+        try {
+            return shown(HeaderText(text, {false, primaryOnly}));
+        } catch (const IngestError& error) {
+            return std::to_string(error.line()) + ": " + printable(error.what()) + "\n";
+        }
     });
-}
-
-TEST(HeaderTextTest, OtherThanFilesAreRefused) {
-    constexpr std::uintmax_t MOST = 16777216;  // 16 MiB
-    const TempDir dir;
-    for (const char* name : {"large", "larger"}) dir.put(name, START);
-    std::filesystem::resize_file(dir / "large", MOST);
-    std::filesystem::resize_file(dir / "larger", MOST + 1);
-    ASSERT_EQ(::mkfifo((dir / "pipe").c_str(), 0600), 0);
-    for (const auto& [name, expected] :
-         {std::pair("large", "0: is a binary file, not a header text file\n"),
-          std::pair("larger", "0: is larger than 16 MiB, not a header text file\n"),
-          std::pair("pipe", "0: is not a regular file\n"), std::pair(".", "0: is a directory\n"),
-          std::pair("none", "0: cannot be read: No such file or directory\n")}) {
-        const auto read = [path = dir / name] {
-            return HeaderText(readHeaderFile(path).bytes, {});
-        };
-        EXPECT_EQ(outcome(read), expected);
-    }
-}
-
-TEST(HeaderTextTest, AppendedCardsStandInThePrimaryHeaderAndOldChecksumsLeaveAll) {
-    HeaderText text(START + "CHECKSUM= 'x'\nEND\nXTENSION= 'IMAGE   '\nDATASUM = '1'\n", {});
-    text.append({"OBJECT  = 'x'"});
-    text.dropChecksums();
-    EXPECT_EQ(shown(text.headers()[0]),
-              "| ...\n| EXTEND  =                    T / extensions follow\n"
-              "| OBJECT  = 'x'\n");
-    EXPECT_EQ(text.headers()[1].size(), 5U);
-    EXPECT_EQ(text.notes().oldChecksums.count, 0U);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 # Tests of zarn-moon.
 #   nights.sh PROGRAM
 set -u
-export LC_ALL=C
 binary=$(realpath "$1") timeout=$(command -v timeout)
 # shellcheck disable=SC2034 # for checks.sh
 program=bounded
@@ -10,7 +9,6 @@ bounded() { "$timeout" 60 "$binary" "$@"; }
 limited() { (ulimit -f 1; bounded "$@"); }  # to files of one block
 # shellcheck source-path=SCRIPTDIR
 . "$(dirname "$0")/../support/checks.sh"
-data=$(realpath "$(dirname "$0")/../data/zarn-moon")
 export XDG_CONFIG_HOME=/nowhere  # no sites of the user's own
 
 # golden NAME FILE: whether a whole output is the one that was checked against almanacs.
@@ -35,7 +33,7 @@ complains() {
 
 testDataIsThere() {
     local name
-    for name in completions limits outputs wrong-sites wrong-targets wrong-usage; do has "$data/$name.txt"; done
+    for name in completions gnuplot limits order outputs sites telescopes wrong-{sites,standard-input,targets,usage}; do has "$data/$name.txt"; done
 }
 
 testWholeOutputs() {
@@ -71,10 +69,7 @@ testWholeOutputs() {
     check "a night without sunset lasts a day" [ "$(wc -l <out.txt)" = 25 ]
     # 15:10 to 7:07 UT: each other hour, with that of a clock 2 h ahead, from 20:00 UT on 2:30 h behind.
     TZ='XYZ-2ABC2:30,J354/22,J300' drawing 0 -p "42.5N 12.3E" -d 2026-12-20 --local --plot night.svg
-    check "the axis has local times" diff <(grep -E 'xtics|xlabel' script) - <<'SCRIPT'
-set xtics ("16:00\n18:00" '1797782400', "18:00\n20:00" '1797789600', "20:00\n17:30" '1797796800', "22:00\n19:30" '1797804000', "00:00\n21:30" '1797811200', "02:00\n23:30" '1797818400', "04:00\n01:30" '1797825600', "06:00\n03:30" '1797832800')
-set xlabel 'UT, and local time (XYZ, then ABC) from 2026-12-20' noenhanced offset 0,-1
-SCRIPT
+    check "the axis has local times" diff <(grep -E 'xtics|xlabel' script) "$data/local-axis.txt"
     run 0 --help; silent; golden help.txt out.txt
     run 0 --version; silent; check "version" grep -qxE 'zarn-moon [0-9]+\.[0-9]+\.[0-9]+' out.txt
     # Without a date, the night of now: at 0 degrees it begins at 12 h UT.
@@ -88,13 +83,7 @@ testTelescopes() {
     while read -r name place; do
         run 0 -T "$name" --mjd 61000
         check "$name" [ "$(head -n 1 out.txt)" = "MJD 61000.00000, 2025-11-21 00:00 UT at ${name^^} $place" ]
-    done <<'LINES'
-olan (38.7421N 5.3168E)
-VEK1 (29.8643S 67.4125W)
-vek2 (29.8641S 67.4129W)
-Vek3 (29.8639S 67.4134W)
-VEK4 (29.8646S 67.4138W)
-LINES
+    done <"$data/telescopes.txt"
 }
 
 testTargetsFromAFile() {
@@ -111,19 +100,8 @@ testTargetsFromAFile() {
     run 0 -T OLAN --targets - --mjd 61000 --format csv <<<$'\n RA ;DEC;name;weight\n2;3;a;\n'
     check "standard input's target" [ "$(tail -n 1 out.txt | cut -d, -f 10-12,19-)" = a,2.00000,3.00000, ]
     while IFS='|' read -r line reason; do
-        complains 2 "standard input:2: $reason; see zarn-moon --help" -T OLAN --targets - <<<"#"$'\n'"$line"
-    done <<'LINES'
-id,ra,dec|no column has the title name
-"name|a quote is not closed
-LINES
-    while IFS='|' read -r line reason; do
-        complains 2 "standard input:2: $reason; see zarn-moon --help" -T OLAN --targets - \
-            <<<$'name\tra\tdec\tmin_altitude\tweight\n'"$line"
-    done <<'LINES'
-a	1	2	91|min_altitude: "91" is not from 0 to 90
-a	1	2		-1|weight: "-1" is not from 0 to 1e+09
-	1	2|the name is empty
-LINES
+        complains 2 "standard input:2: $reason; see zarn-moon --help" -T OLAN --targets - <<<"${line/+/$'\n'}"
+    done <"$data/wrong-standard-input.txt"
     complains 2 'option --targets: standard input cannot be read: Is a directory; see zarn-moon --help' -T OLAN --targets - <.
     printf 'caf\xe9 \xc3\xa9\xff,1,2' >latin.csv
     run 0 -T OLAN --targets latin.csv --mjd 61000 --format csv
@@ -152,12 +130,7 @@ testSites() {
     while IFS='|' read -r words problem; do
         eval "HOME=\$PWD/home XDG_CONFIG_HOME= run 0 --mjd 61000 $words"
         check "$words: $(head -n 1 out.txt)" grep -qF "UT at $problem" out.txt
-    done <<'LINES'
---site hill|hill (1.0000N 2.0000E)
---site VALE|Vale (3.0000N 2.0000E)
---site hill --sites home/.config/zarnsys/sites.ini --sites "$sample"|hill (1.0000N 2.0000E)
---site island --sites home/.config/zarnsys/sites.ini --sites "$sample"|island (17.2500S 31.5000W)
-LINES
+    done <"$data/sites.txt"
     HOME=$PWD/home XDG_CONFIG_HOME=$PWD/xdg run 0 --site mine --mjd 61000
     HOME=$PWD/home XDG_CONFIG_HOME=xdg run 0 --site hill --mjd 61000
     complains 2 "option --site: \"x\" is not a site of /nowhere/zarnsys/sites.ini or /etc/zarnsys/sites.ini; see zarn-moon --help" \
@@ -257,15 +230,7 @@ testOrderOnDisk() {
         check "$failing: $calls" [ "$calls" = "BLOCK open $expected SETMASK " ]
         check "$failing: what is left" cmp night.txt "$left.txt"
         files before.txt err.txt night.txt out.txt rest.txt trace.txt whole.txt
-    done <<'LINES'
-|fchmod write fsync rename|whole
-write:error=EINTR:when=1|fchmod write write fsync rename|whole
-write:retval=7:when=1|fchmod write write fsync rename|rest
-fchmod:error=EPERM|fchmod unlink|before
-write:error=ENOSPC:when=1|fchmod write unlink|before
-fsync:error=EIO|fchmod write fsync unlink|before
-/^rename:error=EACCES|fchmod write fsync rename unlink|before
-LINES
+    done <"$data/order.txt"
 }
 
 testOrdinaryUser() {
@@ -288,12 +253,7 @@ testPlot() {
     while IFS='|' read -r line reason; do
         fakeGnuplot "$line"
         PATH=$PWD/fake:$PATH complains 1 "gnuplot $reason" -T OLAN --plot n.png -o t.txt
-    done <<'LINES'
-printf '\n  line 3: \033 \n4' >&2; exit 1|failed: line 3: \x1B 
-echo IEND; exit 3|failed: no message
-printf '</svg>'|did not draw the whole picture
-kill -9 $$|was killed by signal 9
-LINES
+    done <"$data/gnuplot.txt"
     files empty err.txt fake out.txt
     fakeGnuplot 'cat >/dev/null; echo "$@ $(head -c 100000 /dev/zero | tr "\0" x) IEND"'
     drawing 0 -p "1N 1E" --targets <(seq -f "n,%g,1" 12) --plot "$odd" -o t.txt
