@@ -1,6 +1,5 @@
 /// Runs what threads and processes may do at once.
-///   threads calls ROUNDS        8 threads call what may be called by several, while the log rolls;
-///                               MoonGridTest does so with the moon grid
+///   threads calls ROUNDS        8 threads call what may be called by several, while the log rolls
 ///   threads directories ROUNDS  two processes create one directory, ROUNDS times
 ///   threads reactor CYCLES      starts and ends the reactor's loop, also during a handler
 /// Everything happens in a new directory. Ends with a line of the result; status 1: a fault.
@@ -13,6 +12,7 @@
 #include <zarnsys/util/Astronomy.h>
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/FitsUtils.h>
+#include <zarnsys/util/MoonGrid.h>
 #include <zarnsys/util/StringUtils.h>
 #include <zarnsys/util/Utils.h>
 #include <zarnsys/util/WexoLogConfig.h>
@@ -65,6 +65,9 @@ std::string callAstronomy(int thread) {
 std::string callMoon(int thread) {
     std::ostringstream text;
     ZarnMoonVal(83.82, -5.39, MJD + thread, OLAN).print(text);
+    const Place place = telescopePlace(OLAN);
+    text << computeMoonGrid({{83.82, -5.39}, {10.68, 41.27}}, {MJD + thread}, place)
+                .separation(0, 1);
     return text.str();
 }
 
