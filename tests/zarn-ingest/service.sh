@@ -205,8 +205,9 @@ testLog() {
     mkdir blocked.log
     properties log file blocked.log
     run 1 -p p.ini; says 'the log blocked.log is not being written'
-    properties log file errors.log log priorities '~INFO'; run 0 -p p.ini  # of what may be logged
-    check "other levels" grep -qE '^[^A-Z]+ ERROR [^A-Z]+log of zarn-ingest [^A-Z]+$' errors.log
+    properties log file errors.log log priorities '~INFO' log flags VERBOSE log program archive
+    run 0 -p p.ini  # it logs at a level that may be logged
+    check "other lines" grep -qE '^.*@LM_ERROR@archive\|[^A-Z]+ ERROR [^A-Z]+log of zarn-ingest [^A-Z]+$' errors.log
     properties log file mute.log log priorities '~INFO|~ERROR'; run 0 -p p.ini
     check "not mute" cmp -s mute.log /dev/null
 }
