@@ -123,6 +123,8 @@ testOrder() {
     }
     cp "$data/order.txt" expected
     check "the service" trace -p p.ini
+    cp "$data/order-again.txt" expected
+    check "failed files again" trace -p p.ini --retry-failed
     sed '/rename  /,$d' "$data/order.txt" >group
     sed '/2.fits/d; s|everything with fits/OWN|fits/OWN/1.fits|' group >expected
     rm -r fits journal/*; mkdir fits
