@@ -1,4 +1,3 @@
-import pytest
 from astropy.utils import iers
 
 # What lies beyond astropy's own tables of the Earth's orientation is right to a second there.
@@ -9,10 +8,3 @@ iers.conf.auto_max_age = None
 def pytest_configure(config):
     for words in ("dubious year", "polar motion", "IERS table"):
         config.addinivalue_line("filterwarnings", f"ignore:.*{words}")
-
-
-@pytest.fixture
-def site():
-    from zarnsys import Site
-
-    return Site(-29.0, -71.0)
