@@ -16,13 +16,13 @@ _INSTANTS = "instants must be Modified Julian Dates, datetime64, datetime or ast
 
 def _array(values: Any, rule: str) -> NDArray[Any]:
     """An array, whose masked elements are not-a-number or no time."""
+    if hasattr(values, "to_value"):  # a unit or scale, which NumPy would drop
+        raise TypeError(f"{rule}, not {type(values).__name__}")
     if hasattr(values, "filled"):
         if values.dtype.kind in "iu":
             values = values.astype(np.float64)
         kind = values.dtype.kind
         values = values.filled(values.dtype.type("NaT") if kind in "mM" else np.nan)
-    if hasattr(values, "to_value"):  # a unit or scale, which NumPy would drop
-        raise TypeError(f"{rule}, not {type(values).__name__}")
     try:
         return np.asarray(values)
     except TypeError as error:
