@@ -20,7 +20,8 @@ from ._site import Site, place
 Array = NDArray[np.float64]
 Number = Union[float, np.floating[Any], np.integer[Any]]
 Instant = Union[Number, datetime, np.datetime64]
-Values = TypeVar("Values", float, Array)
+Either = Union[float, Array]
+Values = TypeVar("Values", bound=Either)
 
 DARK_SKY = 21.8
 EXTINCTION = 0.172
@@ -92,7 +93,7 @@ class Phases(NamedTuple):
     """which of `PHASES`: 0 new moon to 3 last quarter"""
 
 
-def _value(array: Array) -> Any:
+def _value(array: Array) -> Either:
     return array if array.ndim > 0 else array[()]
 
 
@@ -100,7 +101,7 @@ def _value(array: Array) -> Any:
 def moon(mjd: Instant, site: Site) -> Moon[float]: ...
 @overload
 def moon(mjd: Any, site: Site) -> Moon[Array]: ...
-def moon(mjd: Any, site: Site) -> Any:
+def moon(mjd: Any, site: Site) -> Moon[Any]:
     """Where the moon is and how much of it is lit.
 
     Parameters
@@ -120,7 +121,7 @@ def moon(mjd: Any, site: Site) -> Any:
 def sun(mjd: Instant, site: Site) -> Sun[float]: ...
 @overload
 def sun(mjd: Any, site: Site) -> Sun[Array]: ...
-def sun(mjd: Any, site: Site) -> Any:
+def sun(mjd: Any, site: Site) -> Sun[Any]:
     """Where the sun is.
 
     Parameters
@@ -140,7 +141,7 @@ def sun(mjd: Any, site: Site) -> Any:
 def separation(ra: Number, dec: Number, mjd: Instant, site: Site) -> float: ...
 @overload
 def separation(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Array: ...
-def separation(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Any:
+def separation(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Either:
     """Angle between moon and target.
 
     Parameters
@@ -182,7 +183,7 @@ def observe(
     *,
     dark_sky: float = DARK_SKY,
     extinction: float = EXTINCTION,
-) -> Any:
+) -> Observation[Any]:
     """All that `altitude`, `airmass`, `separation`, `moonlight` and `sky` give, computed once.
 
     Parameters
@@ -222,7 +223,7 @@ def observe(
 def altitude(ra: Number, dec: Number, mjd: Instant, site: Site) -> float: ...
 @overload
 def altitude(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Array: ...
-def altitude(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Any:
+def altitude(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Either:
     """Altitude of targets, without refraction.
 
     Parameters
@@ -249,7 +250,7 @@ def altitude(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Any:
 def airmass(ra: Number, dec: Number, mjd: Instant, site: Site) -> float: ...
 @overload
 def airmass(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Array: ...
-def airmass(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Any:
+def airmass(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Either:
     """Airmass of targets, by Pickering 2002; not-a-number below the horizon.
 
     Parameters
@@ -282,7 +283,7 @@ def moonlight(
 ) -> Array: ...
 def moonlight(
     ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site, *, extinction: float = EXTINCTION
-) -> Any:
+) -> Either:
     """Brightness that the moon adds to the sky at targets.
 
     By Krisciunas & Schaefer 1991; twilight is left out. Not-a-number while the moon or the target is
@@ -328,7 +329,7 @@ def sky(
     *,
     dark_sky: float = DARK_SKY,
     extinction: float = EXTINCTION,
-) -> Any:
+) -> Either:
     """Brightness of the sky at targets, dark sky and moonlight.
 
     Twilight is left out. Not-a-number for targets below the horizon.
@@ -361,7 +362,7 @@ def sky(
 def precess(ra: Number, dec: Number, mjd: Instant) -> Position[float]: ...
 @overload
 def precess(ra: ArrayLike, dec: ArrayLike, mjd: Any) -> Position[Array]: ...
-def precess(ra: ArrayLike, dec: ArrayLike, mjd: Any) -> Any:
+def precess(ra: ArrayLike, dec: ArrayLike, mjd: Any) -> Position[Any]:
     """Positions of J2000 (or ICRS) in the mean equinox of date, by the IAU 2006 precession.
 
     Parameters
