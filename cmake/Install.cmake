@@ -1,5 +1,6 @@
 # What is installed, by component: Runtime, the shared library; Development, what programs are built
-# with; Programs, zarn-ingest and zarn-moon with what belongs to them; Documentation.
+# with; Programs, zarn-ingest and zarn-moon with what belongs to them; Documentation. The module in
+# python/ is Python.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 

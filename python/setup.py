@@ -1,6 +1,7 @@
 """Builds the wheel by the project's CMake files, from a copy of the whole project."""
 
 import re
+import shutil
 import subprocess
 import sys
 from pathlib import Path
@@ -27,6 +28,7 @@ class CMakeBuild(build_ext):
         build = Path(self.build_temp).resolve()
         modules = Path(self.get_ext_fullpath(ext.name)).resolve().parent.parent
         options = [f"-D{name}={value}" for name, value in OPTIONS.items()]
+        options += ["-G", "Ninja"] if shutil.which("ninja") else []
         for command in (
             ["-S", PROJECT, "-B", build, *options],
             ["--build", build, "--parallel", "2", "--target", "zarnsys-python"],
@@ -45,7 +47,7 @@ setup(
     version=version(),
     description="Moon, sun and sky for schedulers",
     license="BSD-3-Clause",
-    python_requires=">=3.9",
+    python_requires=">=3.11",
     install_requires=["numpy"],
     packages=["zarnsys"],
     package_data={"zarnsys": ["*.pyi", "py.typed"]},

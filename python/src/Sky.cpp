@@ -4,8 +4,11 @@
 
 #include <cmath>
 #include <stdexcept>
+#include <string>
 
+#include "shared/cli/Value.h"
 #include "shared/sky/Precession.h"
+#include "shared/sky/SkyLimits.h"
 #include "shared/sky/Units.h"
 
 namespace zarn::python {
@@ -22,14 +25,30 @@ int lunationAt(MJD_DATE mjd) {
     return static_cast<int>(std::floor((mjd - MEAN_NEW_MOON) / SYNODIC_MONTH));
 }
 
-void requireYears(MJD_DATE mjd) {
+void requireYears(const std::string& name, MJD_DATE mjd) {
     constexpr double MJD_OF_1900 = 15020.0;
     constexpr double MOST_DAYS = 3652500.0;
-    if (!(std::fabs(mjd - MJD_OF_1900) <= MOST_DAYS))
-        throw std::invalid_argument("phases are known within 10000 years of 1900 only");
+    if (std::isnan(mjd)) throw std::invalid_argument(name + " is no time");
+    if (std::fabs(mjd - MJD_OF_1900) > MOST_DAYS)
+        throw std::invalid_argument(name + " is not within 10000 years of 1900");
+}
+
+void requireWithin(double least, double most, const std::string& name, double value) {
+    if (value < least || value > most)
+        throw std::invalid_argument(name + " is not from " + shortest(least) + " to " +
+                                    shortest(most) + ": " + shortest(value));
 }
 
 }  // namespace
+
+SkyConditions conditionsOf(double darkSky, double extinction) {
+    requireWithin(BRIGHTEST_DARK_SKY, DARKEST_SKY, "dark_sky", darkSky);
+    requireWithin(0.0, MOST_EXTINCTION, "extinction", extinction);
+    SkyConditions conditions;
+    conditions.darkSky = darkSky;
+    conditions.extinction = extinction;
+    return conditions;
+}
 
 Sun sunAt(const std::vector<MJD_DATE>& instants, const Place& place) {
     const std::vector<double> zeros(instants.size());
@@ -48,8 +67,8 @@ Sun sunAt(const std::vector<MJD_DATE>& instants, const Place& place) {
 
 Phases phasesBetween(MJD_DATE start, MJD_DATE stop) {
     constexpr int MARGIN = 2;
-    requireYears(start);
-    requireYears(stop);
+    requireYears("start", start);
+    requireYears("stop", stop);
     Phases phases;
     const int last = lunationAt(stop) + MARGIN;
     for (int lunation = lunationAt(start) - MARGIN; lunation <= last; ++lunation) {

@@ -9,6 +9,11 @@
 
 namespace zarn::python {
 
+/// A night's conditions, as `SkyConditions` has them. Not-a-number passes.
+///
+/// @throw std::invalid_argument  naming the argument in Python, for what SkyLimits.h rules out
+SkyConditions conditionsOf(double darkSky, double extinction);
+
 /// The sun's places in the equinox of date [deg], one per instant.
 struct Sun {
     std::vector<double> ra;
@@ -28,7 +33,7 @@ struct Phases {
 /// The phases from one instant on and before another.
 ///
 /// @throw std::invalid_argument  for instants more than 10,000 years from 1900, where the series
-///                               means nothing
+///                               means nothing, and for not-a-number
 Phases phasesBetween(MJD_DATE start, MJD_DATE stop);
 
 /// Positions [deg], one per target at each instant.

@@ -64,9 +64,7 @@ py::tuple observe(const Doubles& ra, const Doubles& dec, const Doubles& mjd, dou
     const std::vector<SkyPosition> targets = positionsOf(ra, dec);
     const std::vector<double> instants = vectorOf(mjd);
     const Place place = placeOf(latitude, westLongitude);
-    SkyConditions conditions;
-    conditions.darkSky = darkSky;
-    conditions.extinction = extinction;
+    const SkyConditions conditions = conditionsOf(darkSky, extinction);
     SkyGrid grid = unlocked([&] { return computeSkyGrid(targets, instants, place, conditions); });
     const Shape shape = tableShape(mjd, ra);
     return py::make_tuple(

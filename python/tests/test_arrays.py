@@ -11,7 +11,7 @@ import astropy.units as u
 import numpy as np
 import pytest
 from astropy.coordinates import Angle
-from astropy.time import Time
+from astropy.time import Time, TimeDelta
 
 import zarnsys
 
@@ -84,18 +84,29 @@ INSTANTS = [
     (Time(INSTANT).tai, MJD),
     (np.datetime64("2200-01-01T06:00", "ns"), Time("2200-01-01T06:00").mjd),
     (np.arange("2026-12-24", "2026-12-28", dtype="datetime64[D]"), DAY + np.arange(4)),
+    ([Time(INSTANT).tai, INSTANT, np.datetime64(INSTANT), MJD], [MJD] * 4),
+    (np.ma.array([INSTANT] * 2, mask=[0, 1]), [MJD, NAN]),
+    (np.ma.array([INSTANT] * 2, "datetime64[ms]", mask=[0, 1]), [MJD, NAN]),
 ]
 
 
 @pytest.mark.parametrize("instant, mjd", INSTANTS)
 def test_instants(instant, mjd):
     expected = zarnsys.moon(mjd, SITE).altitude
-    assert zarnsys.moon(instant, SITE).altitude == pytest.approx(expected, abs=1e-6)
+    assert zarnsys.moon(instant, SITE).altitude == pytest.approx(expected, abs=1e-6, nan_ok=True)
+
+
+def test_instants_of_pandas():
+    pandas = pytest.importorskip("pandas")
+    test_instants(pandas.Series(pandas.to_datetime([INSTANT, None], utc=True)), [MJD, NAN])
+    test_instants(pandas.NaT, NAN)
 
 
 def test_units_and_masks():
     expected = zarnsys.altitude([15.0, 30.0], 20.0, 61000.0, SITE)
     assert zarnsys.altitude(Angle([1, 2], u.hourangle), 20 * u.deg, 61000.0, SITE) == pytest.approx(expected)
+    listed = [1 * u.hourangle, 30.0]
+    assert zarnsys.altitude(listed, 20.0, 61000.0, SITE) == pytest.approx(expected)
     masked = np.ma.array([15.0, 30.0], mask=[False, True])
     found = zarnsys.altitude(masked, 20.0, 61000.0, SITE)
     assert found == pytest.approx([expected[0], NAN], nan_ok=True)
@@ -119,6 +130,10 @@ def test_not_an_instant(function, capfd):
     assert capfd.readouterr() == ("", "")
 
 
+def observe_with(condition, value):
+    zarnsys.observe(0.0, 0.0, 61000.0, SITE, **{condition: value})
+
+
 REFUSED = [
     # function, arguments, what the message names
     *[(zarnsys.Site, (latitude, 0.0), "latitude") for latitude in (90.5, -91.0, NAN, np.inf)],
@@ -134,24 +149,35 @@ REFUSED = [
     ],
     *[
         (zarnsys.phases, years, "10000 years")
-        for years in ((NAN, 61000.0), (61000.0, 1e9), (-np.inf, 0.0))
+        for years in ((61000.0, 1e9), (-np.inf, 0.0))
     ],
+    (zarnsys.phases, (NAN, 61000.0), "start is no time"),
+    (zarnsys.phases, (61000.0, np.datetime64("NaT")), "stop is no time"),
+    *[(observe_with, ("extinction", x), "extinction.* 0 to 10: ") for x in (-0.1, 10.1, np.inf)],
+    *[(observe_with, ("dark_sky", v), "dark_sky.* 10 to 30: ") for v in (-np.inf, 9.9, 30.1)],
     (zarnsys.Site.telescope, ("VEK5",), "OLAN, VEK1"),
+]
+NO_INSTANTS = ["2026-12-24", "61000", None, True, ["61000"], 1j, np.timedelta64(1, "D"), [None]]
+NO_INSTANTS += [61000 * u.day, [61000 * u.day], TimeDelta(1, format="jd")]
+WRONG_KINDS = [
+    *[(zarnsys.moon, (mjd, SITE), "instants must be Modified Julian") for mjd in NO_INSTANTS],
+    *[(zarnsys.sun, (61000, site), r"Site.telescope\(name\), not") for site in ((1, 2), "OLAN")],
+    (zarnsys.phases, ([61000, 61001], 61002), "an instant"),
+    (zarnsys.Site.telescope, (3,), "name, not int"),
+    (zarnsys.Site, ([1.0], 0.0), "latitude must be a number"),
+    (zarnsys.altitude, ([None], 0.0, 61000.0, SITE), "right ascensions must be"),
+    (observe_with, ("extinction", [0.1, 0.2]), "extinction must be a number, not an array"),
+    (observe_with, ("dark_sky", 21.0 * u.mag), "dark_sky must be a number, not Quantity"),
 ]
 
 
-@pytest.mark.parametrize("function, arguments, words", REFUSED)
-def test_refused(function, arguments, words):
-    with pytest.raises(ValueError, match=words):
-        function(*arguments)
-
-
 @pytest.mark.parametrize(
-    "mjd", ["2026-12-24", "61000", None, True, ["61000"], 1j, np.timedelta64(1, "D")]
+    "error, function, arguments, words",
+    [(ValueError, *row) for row in REFUSED] + [(TypeError, *row) for row in WRONG_KINDS],
 )
-def test_wrong_kinds_of_instants(mjd):
-    with pytest.raises(TypeError):
-        zarnsys.moon(mjd, SITE)
+def test_refused(error, function, arguments, words):
+    with pytest.raises(error, match=words):
+        function(*arguments)
 
 
 def test_telescopes():
@@ -163,7 +189,7 @@ def test_telescopes():
 
 def test_site_is_a_value():
     assert pickle.loads(pickle.dumps(SITE)) == copy.copy(SITE) == zarnsys.Site(-29, -71)
-    assert len({SITE, zarnsys.Site(-29.0, -71.0)}) == 1
+    assert len({SITE, zarnsys.Site(-29.0, -71.0), zarnsys.Site(-29 * u.deg, Angle("-71d"))}) == 1
     with pytest.raises(AttributeError):
         SITE.latitude = 0.0
 

@@ -53,6 +53,20 @@ def test_what_is_there_stays(tmp_path):
     assert (tmp_path / "x.fits").read_text() == "old"
 
 
+def test_names_of_files(tmp_path, monkeypatch):
+    monkeypatch.chdir(tmp_path)
+    (tmp_path / "e.fits").write_text("old")
+    for name in ("!e.fits", "-", "\udcff.fits"):
+        zarnsys.header_to_fits(HEADER, name)
+        assert fits.getheader(tmp_path / name)["OBJECT"] == "Field 17"
+    assert (tmp_path / "e.fits").read_text() == "old"
+    with pytest.raises(ValueError, match="null character"):
+        zarnsys.header_to_fits(HEADER, "k\0.fits")
+    with pytest.raises(zarnsys.FitsError, match=r"pathlib.Path\('e.fits'\)"):
+        zarnsys.header_to_fits("e.fits", "x.fits")
+    assert len(list(tmp_path.iterdir())) == 4
+
+
 def test_missing_file_and_directory(tmp_path):
     with pytest.raises(FileNotFoundError):
         zarnsys.header_to_fits(Path(tmp_path / "none.hdr"), tmp_path / "x.fits")

@@ -30,11 +30,13 @@ def header_to_fits(
     text : str or path
         the header's text; from a file if it is a path object
     fits_path : str or path
-        the new file, which must not exist. CFITSIO's rules for names hold: brackets, parentheses,
-        ``!`` at the beginning and ``.gz`` at the end have a meaning.
+        the new file, which must not exist. CFITSIO's rules for names hold: brackets, parentheses
+        and ``.gz`` at the end have a meaning; no beginning has one.
 
     Raises
     ------
+    ValueError
+        for a name that no file can have
     FileExistsError
         when there is a file of this name
     FitsError
@@ -43,11 +45,19 @@ def header_to_fits(
         when the text cannot be read
     """
     content = text.encode() if isinstance(text, str) else Path(text).read_bytes()
-    if os.path.lexists(fits_path):
-        raise FileExistsError(f"exists already: {os.fspath(fits_path)}")
+    name = os.fsdecode(fits_path)
+    if "\0" in name:
+        raise ValueError(f"a file's name cannot have a null character: {name!r}")
+    if os.path.lexists(name):
+        raise FileExistsError(f"exists already: {name}")
+    # Behind a directory "!" is a character as others, and does not have a file overwritten.
+    literal = os.fsencode(os.path.join(os.curdir, name))
     with NamedTemporaryFile(suffix=".hdr") as header:
         header.write(content)
         header.flush()
-        status, reason = _core.header_to_fits(header.name, os.fspath(fits_path))
-    if status != 0:
-        raise FitsError(f"{os.fspath(fits_path)}: {reason}", status)
+        status, reason = _core.header_to_fits(header.name, literal)
+    if status == 0:
+        return
+    if isinstance(text, str) and os.path.isfile(text):
+        reason += f"; the text is a file's name: pathlib.Path({text!r}) has it read"
+    raise FitsError(f"{name}: {reason}", status)

@@ -6,7 +6,7 @@ from dataclasses import dataclass
 from math import isfinite
 from typing import NamedTuple
 
-from . import _core
+from . import _core, _inputs
 
 
 def _mirrored(longitude: float) -> float:
@@ -27,9 +27,9 @@ class Site:
 
     Parameters
     ----------
-    latitude : float
+    latitude : float or quantity
         [deg], north positive, -90 to 90
-    longitude : float
+    longitude : float or quantity
         [deg], EAST positive; whole circles more or less do not matter
     name : str
         for people only
@@ -45,8 +45,8 @@ class Site:
     name: str = ""
 
     def __post_init__(self) -> None:
-        object.__setattr__(self, "latitude", float(self.latitude))
-        object.__setattr__(self, "longitude", float(self.longitude))
+        for name in ("latitude", "longitude"):
+            object.__setattr__(self, name, _inputs.angle(getattr(self, name), f"the {name}"))
         if not -90.0 <= self.latitude <= 90.0:
             raise ValueError(f"the latitude is not from -90 to 90 degrees: {self.latitude}")
         if not isfinite(self.longitude):
@@ -61,8 +61,17 @@ class Site:
         ValueError
             for another name; the message lists those that are known
         """
+        if not isinstance(name, str):
+            raise TypeError(f"the telescope must be a name, not {type(name).__name__}")
         latitude, west_longitude = _core.telescope(name)
         return cls(latitude, _mirrored(west_longitude), name.upper())
 
-    def _place(self) -> _Place:
-        return _Place(self.latitude, _mirrored(self.longitude))
+
+def place(site: Site) -> _Place:
+    """Where a site is, for the library."""
+    if not isinstance(site, Site):
+        raise TypeError(
+            "the site must be a Site(latitude, longitude) or Site.telescope(name), "
+            f"not {type(site).__name__}"
+        )
+    return _Place(site.latitude, _mirrored(site.longitude))

@@ -1,16 +1,27 @@
-"""Moon, sun and sky."""
+"""Moon, sun and sky.
+
+Overloads give scalars for scalars and else arrays.
+"""
+
+# Scalars are array-likes as well: mypy must take the first overload that fits.
+# mypy: disable-error-code=misc
 
 from __future__ import annotations
 
-from typing import Any, NamedTuple, Union
+from datetime import datetime
+from typing import Any, Generic, NamedTuple, TypeVar, Union, overload
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 from . import _core, _inputs
-from ._site import Site
+from ._site import Site, place
 
-Values = Union[np.float64, NDArray[np.float64]]
+Array = NDArray[np.float64]
+Number = Union[float, np.floating[Any], np.integer[Any]]
+Instant = Union[Number, datetime, np.datetime64]
+Either = Union[float, Array]
+Values = TypeVar("Values", bound=Either)
 
 DARK_SKY = 21.8
 EXTINCTION = 0.172
@@ -19,7 +30,7 @@ EXTINCTION = 0.172
 PHASES = ("new moon", "first quarter", "full moon", "last quarter")
 
 
-class Moon(NamedTuple):
+class Moon(NamedTuple, Generic[Values]):
     """The moon's values at each instant, as the observer sees it."""
 
     altitude: Values
@@ -38,7 +49,7 @@ class Moon(NamedTuple):
     """local mean sidereal time [h], 0 to 24"""
 
 
-class Sun(NamedTuple):
+class Sun(NamedTuple, Generic[Values]):
     """The sun's place at each instant, in the equinox of date."""
 
     ra: Values
@@ -49,7 +60,7 @@ class Sun(NamedTuple):
     """[deg], without refraction"""
 
 
-class Observation(NamedTuple):
+class Observation(NamedTuple, Generic[Values]):
     """What an observer has of each target at each instant."""
 
     altitude: Values
@@ -64,7 +75,7 @@ class Observation(NamedTuple):
     """brightness of the sky with moonlight [V mag per square arc second]"""
 
 
-class Position(NamedTuple):
+class Position(NamedTuple, Generic[Values]):
     """Positions in the mean equinox of date."""
 
     ra: Values
@@ -82,11 +93,15 @@ class Phases(NamedTuple):
     """which of `PHASES`: 0 new moon to 3 last quarter"""
 
 
-def _value(array: NDArray[np.float64]) -> Values:
+def _value(array: Array) -> Either:
     return array if array.ndim > 0 else array[()]
 
 
-def moon(mjd: Any, site: Site) -> Moon:
+@overload
+def moon(mjd: Instant, site: Site) -> Moon[float]: ...
+@overload
+def moon(mjd: Any, site: Site) -> Moon[Array]: ...
+def moon(mjd: Any, site: Site) -> Moon[Any]:
     """Where the moon is and how much of it is lit.
 
     Parameters
@@ -99,10 +114,14 @@ def moon(mjd: Any, site: Site) -> Moon:
     Moon
         arrays of the instants' shape
     """
-    return Moon(*map(_value, _core.moon(_inputs.instants(mjd), *site._place())))
+    return Moon(*map(_value, _core.moon(_inputs.instants(mjd), *place(site))))
 
 
-def sun(mjd: Any, site: Site) -> Sun:
+@overload
+def sun(mjd: Instant, site: Site) -> Sun[float]: ...
+@overload
+def sun(mjd: Any, site: Site) -> Sun[Array]: ...
+def sun(mjd: Any, site: Site) -> Sun[Any]:
     """Where the sun is.
 
     Parameters
@@ -115,10 +134,14 @@ def sun(mjd: Any, site: Site) -> Sun:
     Sun
         arrays of the instants' shape
     """
-    return Sun(*map(_value, _core.sun(_inputs.instants(mjd), *site._place())))
+    return Sun(*map(_value, _core.sun(_inputs.instants(mjd), *place(site))))
 
 
-def separation(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Values:
+@overload
+def separation(ra: Number, dec: Number, mjd: Instant, site: Site) -> float: ...
+@overload
+def separation(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Array: ...
+def separation(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Either:
     """Angle between moon and target.
 
     Parameters
@@ -139,9 +162,19 @@ def separation(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Values:
         for a declination beyond a pole
     """
     ra, dec = _inputs.targets(ra, dec)
-    return _value(_core.separation(ra, dec, _inputs.instants(mjd), *site._place()))
+    return _value(_core.separation(ra, dec, _inputs.instants(mjd), *place(site)))
 
 
+@overload
+def observe(
+    ra: Number, dec: Number, mjd: Instant, site: Site, *,
+    dark_sky: float = ..., extinction: float = ...,
+) -> Observation[float]: ...
+@overload
+def observe(
+    ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site, *,
+    dark_sky: float = ..., extinction: float = ...,
+) -> Observation[Array]: ...
 def observe(
     ra: ArrayLike,
     dec: ArrayLike,
@@ -150,7 +183,7 @@ def observe(
     *,
     dark_sky: float = DARK_SKY,
     extinction: float = EXTINCTION,
-) -> Observation:
+) -> Observation[Any]:
     """All that `altitude`, `airmass`, `separation`, `moonlight` and `sky` give, computed once.
 
     Parameters
@@ -160,9 +193,9 @@ def observe(
     mjd : instants
     site : Site
     dark_sky : float
-        brightness of the sky without moon [V mag per square arc second]
+        brightness of the sky without moon [V mag per square arc second], 10 to 30
     extinction : float
-        at the zenith [mag per airmass]
+        at the zenith [mag per airmass], 0 to 10
 
     Returns
     -------
@@ -172,36 +205,122 @@ def observe(
     Raises
     ------
     ValueError
-        for a declination beyond a pole
+        for a declination beyond a pole, and for conditions out of range
     """
     ra, dec = _inputs.targets(ra, dec)
     grids = _core.observe(
-        ra, dec, _inputs.instants(mjd), *site._place(), dark_sky, extinction
+        ra,
+        dec,
+        _inputs.instants(mjd),
+        *place(site),
+        _inputs.number(dark_sky, "dark_sky"),
+        _inputs.number(extinction, "extinction"),
     )
     return Observation(*map(_value, grids))
 
 
-def altitude(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Values:
-    """Altitude of targets [deg], without refraction; see `observe`."""
+@overload
+def altitude(ra: Number, dec: Number, mjd: Instant, site: Site) -> float: ...
+@overload
+def altitude(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Array: ...
+def altitude(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Either:
+    """Altitude of targets, without refraction.
+
+    Parameters
+    ----------
+    ra, dec : array_like
+        targets in the equinox of date [deg]
+    mjd : instants
+    site : Site
+
+    Returns
+    -------
+    float or array
+        [deg], -90 to 90, of the instants' shape and behind it the targets'
+
+    Raises
+    ------
+    ValueError
+        for a declination beyond a pole
+    """
     return observe(ra, dec, mjd, site).altitude
 
 
-def airmass(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Values:
-    """Airmass of targets, by Pickering 2002; not-a-number below the horizon; see `observe`."""
+@overload
+def airmass(ra: Number, dec: Number, mjd: Instant, site: Site) -> float: ...
+@overload
+def airmass(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Array: ...
+def airmass(ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site) -> Either:
+    """Airmass of targets, by Pickering 2002; not-a-number below the horizon.
+
+    Parameters
+    ----------
+    ra, dec : array_like
+        targets in the equinox of date [deg]
+    mjd : instants
+    site : Site
+
+    Returns
+    -------
+    float or array
+        1 to 38.7, of the instants' shape and behind it the targets'
+
+    Raises
+    ------
+    ValueError
+        for a declination beyond a pole
+    """
     return observe(ra, dec, mjd, site).airmass
 
 
+@overload
+def moonlight(
+    ra: Number, dec: Number, mjd: Instant, site: Site, *, extinction: float = ...
+) -> float: ...
+@overload
+def moonlight(
+    ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site, *, extinction: float = ...
+) -> Array: ...
 def moonlight(
     ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site, *, extinction: float = EXTINCTION
-) -> Values:
-    """Brightness that the moon adds to the sky at targets [V mag per square arc second].
+) -> Either:
+    """Brightness that the moon adds to the sky at targets.
 
     By Krisciunas & Schaefer 1991; twilight is left out. Not-a-number while the moon or the target is
-    below the horizon, and where the moonlight is negligible. See `observe`.
+    below the horizon, and where the moonlight is negligible.
+
+    Parameters
+    ----------
+    ra, dec : array_like
+        targets in the equinox of date [deg]
+    mjd : instants
+    site : Site
+    extinction : float
+        at the zenith [mag per airmass], 0 to 10
+
+    Returns
+    -------
+    float or array
+        [V mag per square arc second], of the instants' shape and behind it the targets'
+
+    Raises
+    ------
+    ValueError
+        for a declination beyond a pole, and for an extinction out of range
     """
     return observe(ra, dec, mjd, site, extinction=extinction).moonlight
 
 
+@overload
+def sky(
+    ra: Number, dec: Number, mjd: Instant, site: Site, *,
+    dark_sky: float = ..., extinction: float = ...,
+) -> float: ...
+@overload
+def sky(
+    ra: ArrayLike, dec: ArrayLike, mjd: Any, site: Site, *,
+    dark_sky: float = ..., extinction: float = ...,
+) -> Array: ...
 def sky(
     ra: ArrayLike,
     dec: ArrayLike,
@@ -210,15 +329,40 @@ def sky(
     *,
     dark_sky: float = DARK_SKY,
     extinction: float = EXTINCTION,
-) -> Values:
-    """Brightness of the sky at targets, dark sky and moonlight [V mag per square arc second].
+) -> Either:
+    """Brightness of the sky at targets, dark sky and moonlight.
 
-    Twilight is left out. Not-a-number for targets below the horizon. See `observe`.
+    Twilight is left out. Not-a-number for targets below the horizon.
+
+    Parameters
+    ----------
+    ra, dec : array_like
+        targets in the equinox of date [deg]
+    mjd : instants
+    site : Site
+    dark_sky : float
+        brightness of the sky without moon [V mag per square arc second], 10 to 30
+    extinction : float
+        at the zenith [mag per airmass], 0 to 10
+
+    Returns
+    -------
+    float or array
+        [V mag per square arc second], of the instants' shape and behind it the targets'
+
+    Raises
+    ------
+    ValueError
+        for a declination beyond a pole, and for conditions out of range
     """
     return observe(ra, dec, mjd, site, dark_sky=dark_sky, extinction=extinction).sky
 
 
-def precess(ra: ArrayLike, dec: ArrayLike, mjd: Any) -> Position:
+@overload
+def precess(ra: Number, dec: Number, mjd: Instant) -> Position[float]: ...
+@overload
+def precess(ra: ArrayLike, dec: ArrayLike, mjd: Any) -> Position[Array]: ...
+def precess(ra: ArrayLike, dec: ArrayLike, mjd: Any) -> Position[Any]:
     """Positions of J2000 (or ICRS) in the mean equinox of date, by the IAU 2006 precession.
 
     Parameters
@@ -260,6 +404,4 @@ def phases(start: Any, stop: Any) -> Phases:
     ValueError
         for other instants
     """
-    return Phases(
-        *_core.phases(float(_inputs.instants(start)), float(_inputs.instants(stop)))
-    )
+    return Phases(*_core.phases(_inputs.instant(start), _inputs.instant(stop)))

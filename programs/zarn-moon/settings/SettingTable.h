@@ -7,6 +7,7 @@
 #include <string>
 
 #include "shared/cli/SettingTable.h"
+#include "shared/sky/SkyLimits.h"
 #include "shared/sky/Telescopes.h"
 #include "zarn-moon/settings/Settings.h"
 
@@ -16,16 +17,13 @@ namespace zarn::moon {
 inline constexpr double FIRST_MJD = 15385.0;  ///< 1901-01-01
 inline constexpr double LAST_MJD = 124592.0;  ///< 2199-12-31
 
-inline constexpr unsigned MOST_NIGHTS = 3700;       ///< ten years
-inline constexpr double LEAST_STEP = 0.1;           ///< [minutes]
-inline constexpr double MOST_STEP = 720.0;          ///< [minutes]
-inline constexpr double MOST_EXTINCTION = 10.0;     ///< [mag per airmass]
-inline constexpr double BRIGHTEST_DARK_SKY = 10.0;  ///< [V mag per square arc second]
-inline constexpr double DARKEST_SKY = 30.0;         ///< [V mag per square arc second]
-inline constexpr double ZENITH = 90.0;              ///< [deg]
-inline constexpr double HALF_CIRCLE = 180.0;        ///< [deg]
-inline constexpr double MOST_AIRMASS = 38.0;        ///< less than at the horizon
-inline constexpr double SEMESTER_STEP = 5.0;        ///< unless another is given [minutes]
+inline constexpr unsigned MOST_NIGHTS = 3700;  ///< ten years
+inline constexpr double LEAST_STEP = 0.1;      ///< [minutes]
+inline constexpr double MOST_STEP = 720.0;     ///< [minutes]
+inline constexpr double ZENITH = 90.0;         ///< [deg]
+inline constexpr double HALF_CIRCLE = 180.0;   ///< [deg]
+inline constexpr double MOST_AIRMASS = 38.0;   ///< less than at the horizon
+inline constexpr double SEMESTER_STEP = 5.0;   ///< unless another is given [minutes]
 
 /// Readers of values that have a form of their own.
 void readTelescope(Settings& settings, const std::string& name);

@@ -11,6 +11,7 @@
 #include "shared/cli/PropertiesFile.h"
 #include "shared/cli/PropertyReader.h"
 #include "shared/cli/UsageError.h"
+#include "shared/sky/SkyLimits.h"
 #include "zarn-moon/settings/SettingTable.h"
 #include "zarn-moon/settings/TimeZone.h"
 
