@@ -21,7 +21,7 @@ import zarnsys
 
 SOURCES = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 sys.path.append(f"{SOURCES}/python/tests")
-from published import moonlight  # noqa: E402
+from test_against_astropy import moonlight  # noqa: E402
 
 iers.conf.auto_download = False
 iers.conf.auto_max_age = None
