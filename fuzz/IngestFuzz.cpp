@@ -49,7 +49,8 @@ std::string severalHeaders(const std::string& input) {
 /// and a card for each 20 characters of long texts.
 std::uintmax_t mostBytes(const std::string& text) {
     constexpr std::uintmax_t SHORTEST = 20;
-    const auto lines = static_cast<std::uintmax_t>(std::count(text.begin(), text.end(), '\n'));
+    const auto lines = static_cast<std::uintmax_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; }));
     return (lines + text.size() / CARD + 3) * BLOCK + text.size() / SHORTEST * CARD;
 }
 
