@@ -15,7 +15,7 @@ testUsage() {
     run 0 -V; silent
     check "no version" grep -qE '^zarn-ingest [0-9]+\.[0-9]+\.[0-9]+ ' out.txt
     header x; mkfifo pipe
-    printf '[ingest]\npattern = in/*\n[service]\ndone = d\nfailed = f\n' >p.ini
+    printf '[ingest]\npattern = in/*\nquiet = F\nverbose = F\n[service]\ndone = d\nfailed = f\n' >p.ini
     transcript "$data/wrong-usage.txt"
     has "$data/wrong-properties.txt"
     while read -r row; do  # a file's content, and what the message has behind the file's name
@@ -97,7 +97,7 @@ MESSAGES
 
 # What is no header text is refused before a byte is written.
 testRefusals() {
-    mkdir folder; mkfifo pipe; echo x >notdir
+    mkdir folder; mkfifo pipe; echo x >notdir; ln -s loop loop
     cp "$data/refused/"* .
     header a; header lines; yes '' | head -n 99998 >>lines
     truncate -s 16777216 large; truncate -s 16777217 larger
