@@ -70,9 +70,7 @@ double plausible(double mjd, const std::string& value) {
     return mjd;
 }
 
-double mjdOfDateObs(const std::string& value) {
-    return plausible(instantOf(textOf(value)), value);
-}
+double mjdOfDateObs(const std::string& value) { return plausible(instantOf(textOf(value)), value); }
 
 bool isDay(const std::string& value) {
     return isText(value) && textOf(value).size() <= DATE_LENGTH &&
