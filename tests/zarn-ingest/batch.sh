@@ -144,13 +144,9 @@ testShards() {
 
 testShardNames() {
     headers 4; ls in/*.hdr >list
-    printf '[ingest]\nlist = list\nshard = 2/3\noutput-dir = out\n' >p.ini
-    run 0 -p p.ini; says 'shard 2/3: 1 of 4 files'; only 2.fits
-    run 0 -p p.ini -s 1/3; says '2 converted'; only 1.fits 2.fits 4.fits
-    run 0 -n -s 100000/100000 'in/*'; says '0 would be converted'
-    run 0 -n -s 1/1 'in/*'; says '4 would be converted'
-    printf '[ingest]\npattern = in/*\n[service]\ndone = d\nfailed = f\n' >p.ini
-    run 0 -p p.ini -n -s 2/2; says '2 would be converted'
+    printf '[ingest]\nlist = list\nshard = 2/3\noutput-dir = out\n' >list.ini
+    printf '[ingest]\npattern = in/*\n[service]\ndone = d\nfailed = f\n' >service.ini
+    transcript "$data/shards.txt"; only 2.fits
 }
 
 # What the other shards convert is protected; what cannot be seen is no success in any of them.

@@ -70,7 +70,7 @@ testVerify() {
     mv done/again.hdr.~1~ done/again.hdr.~10~; cp done/again.hdr done/again.hdr.~9~  # the latest counts
     properties ingest moon VEK1 ingest checksum T; rm fits/{untold,other,cut,empty,loop,prose}.fits
     # Without the sources' identities, as former versions wrote lines, or with another form of them.
-    sed -i -E '/(other|cut|empty|missing|loop|prose).hdr/d; /good/s/\t[^\t]*$//; /again/s/-[^\t]*$//; /a.*b/s/[^\t]*$/x/' journal/*.journal
+    sed -i -E '/(other|cut|empty|missing|loop|prose).hdr/d; /good/s/\t[^\t]*$//; /again/s/-[^\t]*$//; /a.*b/s/[^\t]*$/1x/' journal/*.journal
     transcript "$data/desk/elsewhere.txt"
     properties
     run 1 --verify -p p.ini  # made with other settings

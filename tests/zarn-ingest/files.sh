@@ -14,7 +14,10 @@ testUsage() {
     check "the help lacks an option" grep -q -- '--output-dir or -o <DIR>' out.txt
     run 0 -V; silent
     check "no version" grep -qE '^zarn-ingest [0-9]+\.[0-9]+\.[0-9]+ ' out.txt
-    header x; mkfifo pipe
+    run 0 --bash-completion; silent
+    mkdir -p words/dir; touch words/file; cd words || return
+    check "directories alone" [ "$(. ../out.txt; COMP_WORDS=(zarn-ingest -o ''); COMP_CWORD=2; _zarn_ingest; echo "${COMPREPLY[@]}")" = dir ]
+    cd ..; header x; mkfifo pipe
     printf '[ingest]\npattern = in/*\nquiet = F\nverbose = F\n[service]\ndone = d\nfailed = f\n' >p.ini
     transcript "$data/wrong-usage.txt"
     has "$data/wrong-properties.txt"
