@@ -34,7 +34,7 @@ testResume() {
     run 1 -n -c -r -o out in/1.hdr other
     check "dry run" [ "$(cat out.txt)" = 'would keep what in/1.hdr gave: out/1.fits' ]
     run 1 -r -o out in/1.hdr; says 'out/1.fits exists already'  # it has no checksums now
-    cp -p out/3.fits whole
+    cp -p out/3.fits whole; has "$data/damages.txt"
     while read -r damage; do
         eval "$damage"; run 1 -q -c -r -o out in/3.hdr; says 'out/3.fits exists already'
         rm out/3.fits; cp -p whole out/3.fits
