@@ -116,11 +116,6 @@ struct Tally {
     int unmatched = 0;  ///< one has a time where the other has none
 };
 
-const std::vector<double>& timesOf(const std::vector<Event>& events, const char* name) {
-    const auto isIt = [&name](const Event& event) { return event.name == name; };
-    return std::find_if(events.begin(), events.end(), isIt)->times;
-}
-
 /// Counts a night's times of one kind. At the night's ends one theory's time may fall into the next
 /// night: only times well within count.
 void compare(const Kind& kind, const Crossings& truth, const Night& night,

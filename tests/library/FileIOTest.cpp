@@ -75,7 +75,8 @@ protected:
             ask(action, text);
             if (action == "sh") text << shellSays(line.substr(2));
         } catch (ZarnSysEx& exception) {
-            text << "thrown with " << log_.error() << ": " << ZarnSysEx(exception).what();
+            text << "thrown with " << log_.error() << ": "
+                 << (ZarnSysEx("") = ZarnSysEx(exception)).what();
             EXPECT_NE(static_cast<std::exception&>(exception).what(), exception.what());
             EXPECT_NE(log_.file().find("FileIO.cpp"), std::string::npos);
         }

@@ -243,9 +243,9 @@ def main():
     kinds = {
         "names as arguments": (hostile.batch, some(names)),
         "names in lists": (hostile.listed, some(names)),
-        "paths": (hostile.path, some(inputs.PATHS)),
+        "paths": (hostile.path, some(inputs.section("paths"))),
         "names in a service": (hostile.service, [some(names)]),
-        "headers": (hostile.header, some(inputs.headers())),
+        "headers": (hostile.header, some(inputs.section("headers"))),
         "properties": (hostile.property, some(inputs.properties())),
         "names of targets": (hostile.targets, [some(lines)]),
         "names of sites": (hostile.site, some(names)),

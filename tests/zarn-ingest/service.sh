@@ -52,10 +52,10 @@ testProperties() {
     properties log file p.ini; cp p.ini before
     run 1 -p p.ini; says 'the log p.ini holds something else than a log'; check "added to" cmp p.ini before
     properties log file in/l.hdr; run 2 -p p.ini; says 'the log in/l.hdr would be taken for a header text'
-    properties ingest pattern 'i*/a.hdr'; run 2 -p p.ini; says 'only its last component'
+    properties ingest pattern 'i*/a.hdr'; run 2 --status -p p.ini; run 2 -p p.ini; says 'only its last component'
     properties service done in; run 1 -p p.ini; says 'in cannot serve two purposes'
-    properties; sed -i /^done/d p.ini; run 2 -w -p p.ini; says '--watch needs the properties done and failed'
-    sed -i /^failed/d p.ini; run 2 --retry-failed -p p.ini; says '--retry-failed needs the properties'
+    for key in 'done' failed; do properties; sed -i "/^$key/d" p.ini; run 2 -w -p p.ini; says '--watch needs the properties'; done
+    run 2 --retry-failed -p p.ini; says '--retry-failed needs the properties'
     properties log file log/l.log; arrive a.hdr; run 0 -n -p p.ini -o else; hasNot log
     check "dry run" grep -qx 'would convert in/a.hdr to else/a.fits' out.txt
     hasNot else; rm in/a.hdr; run 0 -n -p p.ini; told <<<'zarn-ingest: 0 would be converted, 0 failed'
@@ -155,16 +155,11 @@ testMoon() {
 testRetry() {
     properties; cp "$samples/broken.hdr" in/x.hdr; cp "$samples/broken.hdr" in/y.hdr
     run 1 -q -p p.ini; cp "$samples/broken.hdr" in/x.hdr; run 1 -q -p p.ini
-    arrive y.hdr; mkdir failed/z.hdr; touch failed/.hidden.hdr
+    arrive y.hdr; mkdir failed/z.hdr; touch failed/.hidden.hdr; ln -s l.hdr failed/l.hdr
     run 1 -p p.ini --retry-failed
-    told <<'MESSAGES'
-zarn-ingest: failed/x.hdr.~1~: cannot be put back to in/x.hdr: File exists
-zarn-ingest: failed/y.hdr: cannot be put back to in/y.hdr: File exists
-zarn-ingest: in/x.hdr: only 1 of 4 lines are cards, so it is no header text
-zarn-ingest: 1 converted, 1 failed
-MESSAGES
+    told <"$data/retry.txt"
     check "places" [ "$(ls -A failed | tr '\n' ' ')" = \
-        '.hidden.hdr x.hdr x.hdr.reason x.hdr.~1~ x.hdr.~1~.reason y.hdr y.hdr.reason z.hdr ' ]
+        '.hidden.hdr l.hdr l.hdr.reason x.hdr x.hdr.reason x.hdr.~1~ x.hdr.~1~.reason y.hdr y.hdr.reason z.hdr ' ]
 }
 
 # A source that someone writes to meanwhile is no result yet, and is looked at again.
@@ -173,7 +168,7 @@ testChange() {
     properties; arrive a.hdr
     strace -f -o trace -e inject=fsync:delay_enter=2000000:when=1 "$program" -p p.ini 2>err.txt &
     waitFor eval '[ -s fits/.zarn*/1.fits ]'
-    sed -i 's/Field 17/Field 18/' in/a.hdr
+    sed 's/Field 17/Field 18/' in/a.hdr >later; cat later >in/a.hdr  # the same file, as long as before
     ended 1 $!
     says 'in/a.hdr: changed while it was converted; it is looked at again'; has in/a.hdr; hasNot fits/a.fits
     run 0 -q -p p.ini; check "the later text" grep -q 'Field 18' fits/a.fits
@@ -207,9 +202,10 @@ testLog() {
     mkdir blocked.log
     properties log file blocked.log
     run 1 -p p.ini; says 'the log blocked.log is not being written'
-    properties log file errors.log log priorities '~INFO' log flags VERBOSE log program archive
+    : >in/errors.log; properties log file in/errors.log log priorities '~INFO' log flags VERBOSE log program archive
     run 0 -p p.ini  # it logs at a level that may be logged
-    check "other lines" grep -qE '^.*@LM_ERROR@archive\|[^A-Z]+ ERROR [^A-Z]+log of zarn-ingest [^A-Z]+$' errors.log
+    check "other lines" \
+        grep -qE '^.*@LM_ERROR@archive\|[^A-Z]+ ERROR [^A-Z]+log of zarn-ingest [^A-Z]+$' in/errors.log
     properties log file mute.log log priorities '~INFO|~ERROR'; run 0 -p p.ini
     check "not mute" cmp -s mute.log /dev/null
 }

@@ -30,6 +30,7 @@ std::string answer(const std::string& function, const std::string& text) {
             const std::string shown = printable(text);
             return shown == text ? "as it is" : shown;
         }
+        if (function == "unprintable") return unprintable(text);
         if (function == "position") {
             const auto [ra, dec] = parsePosition(text);
             return std::to_string(ra * MILLION) + " " + std::to_string(dec * MILLION);

@@ -39,55 +39,24 @@ Night madeUpNight() {
     return night;
 }
 
-/// How many minutes are allowed, and which is the first.
-struct Allowed {
-    std::ptrdiff_t minutes;
-    std::ptrdiff_t first;
-};
-
-Allowed allowedBy(const Settings& settings, const Night& night) {
-    const std::vector<bool> allowed = Limits(settings, night).minutesFor({}, POLE);
-    return {std::count(allowed.begin(), allowed.end(), true),
-            std::find(allowed.begin(), allowed.end(), true) - allowed.begin()};
-}
-
 }  // namespace
 
 TEST(SemesterTest, LimitsLeaveTheirMinutes) {
-    const struct {
-        const char* what;
-        void (*set)(Settings&);
-        std::ptrdiff_t minutes, first;
-    } cases[] = {
-        {"none: 901 to 1440", [](Settings&) {}, 540, 901},
-        {"sun", [](Settings& s) { s.sunAltitude = -12.0; }, 840, 601},
-        {"sky, of which twilight knows nothing",
-         [](Settings& s) {
-             s.sunAltitude = -12.0;
-             s.maxSky = 10.0;
-         },
-         540, 901},
-        {"altitude", [](Settings& s) { s.minAltitude = 29.999; }, 540, 901},
-        {"too high", [](Settings& s) { s.minAltitude = 30.001; }, 0, 1441},
-        // Pickering 2002: 1/sin(30 + 244/(165 + 47 30^1.1)) = 1.9932
-        {"airmass", [](Settings& s) { s.maxAirmass = 1.995; }, 540, 901},
-        {"too much air", [](Settings& s) { s.maxAirmass = 1.993; }, 0, 1441},
-        // While the moon is down, its distance does not matter: 901 to 999, and from 1200 on.
-        {"moon", [](Settings& s) { s.minMoonDistance = 119.99; }, 99 + 241, 901},
-        {"new moon is not avoided",
-         [](Settings& s) {
-             s.moonAvoidance = {180.0, 1.0};
-         },
-         540, 901},
-    };
     const Night night = madeUpNight();
-    for (const auto& [what, set, minutes, first] : cases) {
+    expectTable(TEST_DATA "/allowed.txt", [&](const std::string& name, const auto& in) {
         Settings settings;
-        set(settings);
-        const Allowed allowed = allowedBy(settings, night);
-        EXPECT_EQ(allowed.minutes, minutes) << what;
-        EXPECT_EQ(allowed.first, first) << what;
-    }
+        if (name.rfind("sun", 0) == 0) settings.sunAltitude = in[0];
+        if (name == "sun-and-sky") settings.maxSky = in[1];
+        if (name == "altitude") settings.minAltitude = in[0];
+        if (name == "airmass") settings.maxAirmass = in[0];
+        if (name == "moon") settings.minMoonDistance = in[0];
+        if (name == "avoidance") settings.moonAvoidance = {in[0], in[1]};
+        const std::vector<bool> allowed = Limits(settings, night).minutesFor({}, POLE);
+        const auto first = std::find(allowed.begin(), allowed.end(), true);
+        return std::vector<double>{
+            static_cast<double>(std::count(allowed.begin(), allowed.end(), true)),
+            static_cast<double>(first - allowed.begin())};
+    });
 }
 
 TEST(SemesterTest, LimitsAndWorthFollowTheirFormulas) {

@@ -6,6 +6,7 @@ binary=$(realpath "$1") timeout=$(command -v timeout)
 # shellcheck disable=SC2034 # for checks.sh
 program=bounded
 bounded() { "$timeout" 60 "$binary" "$@"; }
+homeless() { env -u HOME -u XDG_CONFIG_HOME -u TZ "$timeout" 60 "$binary" "$@"; }
 limited() { (ulimit -f 1; bounded "$@"); }  # to files of one block
 # shellcheck source-path=SCRIPTDIR
 . "$(dirname "$0")/../support/checks.sh"
@@ -33,7 +34,7 @@ complains() {
 
 testDataIsThere() {
     local name
-    for name in completions gnuplot limits order outputs sites telescopes wrong-{sites,standard-input,targets,usage}; do has "$data/$name.txt"; done
+    for name in completions date-axis gnuplot limits order outputs sites telescopes wrong-{sites,standard-input,targets,usage}; do has "$data/$name.txt"; done
 }
 
 testWholeOutputs() {
@@ -43,7 +44,7 @@ testWholeOutputs() {
         eval "words=($words)"
         for form in $forms; do
             case $form in
-            png | svg) drawing 0 "${words[@]}" --plot "$name.$form"; golden "$name.$form.gnuplot" script ;;
+            png | svg) TZ=XYZ-2:30 drawing 0 "${words[@]}" --plot "$name.$form"; golden "$name.$form.gnuplot" script ;;
             *)
                 TZ=XYZ-2:30 run 0 "${words[@]}" --format "$form"
                 sed -i 's/^DTSTAMP:.*Z/DTSTAMP:now/' out.txt
@@ -70,6 +71,11 @@ testWholeOutputs() {
     # 15:10 to 7:07 UT: each other hour, with that of a clock 2 h ahead, from 20:00 UT on 2:30 h behind.
     TZ='XYZ-2ABC2:30,J354/22,J300' drawing 0 -p "42.5N 12.3E" -d 2026-12-20 --local --plot night.svg
     check "the axis has local times" diff <(grep -E 'xtics|xlabel' script) "$data/local-axis.txt"
+    while IFS='|' read -r nights curves labels; do  # whether there is room for the moon's rise, and dates
+        drawing 0 -p "60N 25E" -d 2026-11-20 --nights "$nights" --plot dates.svg
+        check "$nights nights" [ "$(grep -c "title 'moonrise'" script)|$(grep xtics script | tail -n 1 | grep -oE '2[0-9]+-[0-9]+-[0-9]+' | xargs)" = "$curves|$labels" ]
+    done <"$data/date-axis.txt"
+    complains 1 'there is no dark or best window: a calendar needs one event at least' -p "69N 20E" -d 2026-06-01 --format ics
     run 0 --help; silent; golden help.txt out.txt
     run 0 --version; silent; check "version" grep -qxE 'zarn-moon [0-9]+\.[0-9]+\.[0-9]+' out.txt
     # Without a date, the night of now: at 0 degrees it begins at 12 h UT.
@@ -115,7 +121,7 @@ testTargetsFromAFile() {
 
 testSites() {
     local content problem sample=$data/../../../programs/zarn-moon/deploy/sites.ini
-    run 0 --sites "$sample" --list-sites; silent
+    run 0 --sites "$sample" --sites "$sample" --list-sites; silent
     check "sites are listed" diff - out.txt <<<$'hill\t43.2100N 8.4750E, 1240 m\nisland\t17.2500S 31.5000W'
     TZ=XYZ-2:30 golden site.table <(TZ=XYZ-2:30 bounded --sites "$sample" --site HILL -d 2026-12-20 -s 240 -t "83.8 -5.4" --local)
     run 0 --sites "$sample" --site hill --mjd 61000 -t "1 2" --format json
@@ -135,6 +141,8 @@ testSites() {
     HOME=$PWD/home XDG_CONFIG_HOME=xdg run 0 --site hill --mjd 61000
     complains 2 "option --site: \"x\" is not a site of /nowhere/zarnsys/sites.ini or /etc/zarnsys/sites.ini; see zarn-moon --help" \
         --site x
+    program=homeless complains 2 'option --site: "x" is not a site of /etc/zarnsys/sites.ini; see zarn-moon --help' --site x
+    program=homeless run 0 -T OLAN --mjd 61000 --local
     [ -e /etc/zarnsys/sites.ini ] || { run 0 --list-sites; says 'there are no sites yet'; }
     complains 2 'no.ini: cannot be read: No such file or directory; see zarn-moon --help' --sites no.ini --list-sites
     complains 2 '.: is not a regular file; see zarn-moon --help' --sites . --site x
@@ -163,6 +171,7 @@ testWrongUsage() {
     # The limits themselves.
     while read -r words; do
         eval "run 0 $words -o limit.txt"; silent
+        [[ $words != *-t\ * ]] || check "a window: $words" grep -q 'best window' limit.txt
     done <"$data/limits.txt"
 }
 
@@ -266,7 +275,7 @@ testPlot() {
         run 0 -p "$night" -d 2026-06-21 -t "83.8 -5.4" --plot n.svg.svg; silent
         check "an SVG" grep -q "</svg>" n.svg.svg
         for more in '' '-t "10 10"'; do
-            eval "run 0 -p '$night' -d 2026-11-21 --nights 3 $more -t '83.8 -5.4' --plot n.svg"; silent
+            eval "run 0 -p '$night' -d 2026-06-21 --nights 3 $more -t '83.8 -5.4' --plot n.svg"; silent
             check "an image in an SVG" grep -q "<image" n.svg
         done
     done

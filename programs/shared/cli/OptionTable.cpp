@@ -54,8 +54,7 @@ void OptionTable::displayOptions() const {
         displayHelp();  // to standard output, and nowhere else
     }
     std::string text = help.str();
-    const std::string::size_type at = text.find(emptyHeading);
-    if (at != std::string::npos) text.erase(at, emptyHeading.size());
+    text.erase(text.find(emptyHeading), emptyHeading.size());
     std::cout << text;
 }
 

@@ -13,6 +13,8 @@
 #include <new>
 #include <utility>
 
+#include "shared/files/SystemError.h"
+
 namespace zarn {
 
 namespace {
@@ -70,10 +72,10 @@ void closeListing(void* opened) {
     ::closedir(listing->stream);
 }
 
-/// Reads the state of a name, and notes the directory if that is not allowed.
+/// Reads the state of a name, and notes the directory if it may have the name and does not tell.
 int lookAt(int (*look)(const char*, struct stat*), const char* name, struct stat* status) {
     const int result = look(name, status);
-    if (result == 0 || errno == ENOENT) return result;
+    if (result == 0 || leadsNowhere(errno)) return result;
     guarded([name] {
         const std::string path = name;
         return note(path.substr(0, path.rfind('/')));

@@ -73,7 +73,7 @@ public:
     Substitute(const Substitute&) = delete;
     Substitute& operator=(const Substitute&) = delete;
     ~Substitute() {
-        if (file_.get() != -1 && !name_.empty()) ::unlink(name_.c_str());
+        if (!name_.empty()) ::unlink(name_.c_str());
     }
 
     /// Writes the content, with the permission bits of the replaced file, safe on disk.

@@ -18,6 +18,9 @@ namespace zarn {
 /// What an error number means, in words.
 std::string systemReason(int error);
 
+/// Whether an error means that there is no file of this name.
+bool leadsNowhere(int error);
+
 }  // namespace zarn
 
 #endif  // ZARN_PROGRAMS_SYSTEMERROR_H

@@ -28,8 +28,9 @@ std::string nameOf(const std::string& path) { return fs::path(path).filename(); 
 std::vector<std::string> namesIn(const std::string& directory) {
     static_cast<void>(Directory(directory));  // says why it cannot be listed
     std::vector<std::string> names;
+    std::error_code ignored;  // a link that leads nowhere is no directory
     for (const auto& entry : fs::directory_iterator(directory)) {
-        if (!entry.is_directory()) names.push_back(entry.path().filename());
+        if (!entry.is_directory(ignored)) names.push_back(entry.path().filename());
     }
     std::sort(names.begin(), names.end());
     return names;

@@ -80,7 +80,7 @@ Header headerOf(LogicalCards cards) {
         for (std::string& text : card.cards)
             header.push_back({std::move(text), card.keyword, card.number});
     }
-    while (!header.empty() && header.back().text.empty()) header.pop_back();
+    while (header.back().text.empty()) header.pop_back();  // the first one is SIMPLE or XTENSION
     return header;
 }
 

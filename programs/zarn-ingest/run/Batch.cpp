@@ -26,9 +26,9 @@ Batch::Batch(const Settings& settings, const StopSignals& signals, Reporter& rep
     : settings_(settings), signals_(signals), reporter_(reporter) {
     const auto missing =
         settings.dryRun ? OutputDirectory::Missing::CAN_CREATE : OutputDirectory::Missing::CREATE;
+    const OutputDirectory output(settings.outputDir, missing);
     if (settings.dryRun && !FileIO(settings.outputDir, true, false).exists())
         std::cout << "would create the directory " + printable(settings.outputDir) + "\n";
-    const OutputDirectory output(settings.outputDir, missing);
     converter_ = std::make_unique<Converter>(conversionOf(settings), output);
     if (!settings.journalDir.empty() && !settings.dryRun) openJournal();
 }

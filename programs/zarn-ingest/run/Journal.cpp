@@ -68,11 +68,6 @@ std::string recordOf(const std::string& source, const Outcome& outcome) {
     return record.str();
 }
 
-/// Whether an error means that there is no file of this name.
-bool leadsNowhere(int error) {
-    return error == ENOENT || error == ENOTDIR || error == ELOOP || error == ENAMETOOLONG;
-}
-
 /// The date before which no journal can have these sources as they are now. The margin covers a
 /// clock that was set back meanwhile.
 std::string earliestDate(const std::vector<std::string>& sources) {

@@ -59,8 +59,11 @@ std::vector<std::string> prepareDirectories(const Settings& settings) {
 
 std::set<std::filesystem::path> failedFiles(const std::string& directory) {
     std::set<std::filesystem::path> files;
-    for (const auto& entry : std::filesystem::directory_iterator(directory))
-        if (!entry.is_directory() && !isReason(entry.path().filename())) files.insert(entry.path());
+    std::error_code ignored;  // a link that leads nowhere is no directory
+    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+        if (!entry.is_directory(ignored) && !isReason(entry.path().filename()))
+            files.insert(entry.path());
+    }
     return files;
 }
 

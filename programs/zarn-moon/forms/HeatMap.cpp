@@ -23,7 +23,7 @@ std::string labelOf(const Target& target) {
     std::string label = printable(target.name);
     if (label.size() <= LONGEST_LABEL) return label;
     std::size_t end = LONGEST_LABEL - 2;
-    while (end > 0 && (static_cast<unsigned char>(label[end]) & FIRST_BITS) == CONTINUATION) --end;
+    while ((static_cast<unsigned char>(label[end]) & FIRST_BITS) == CONTINUATION) --end;
     return label.substr(0, end) + "..";
 }
 

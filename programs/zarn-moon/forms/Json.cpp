@@ -49,7 +49,7 @@ Json eclipseOf(const std::optional<Eclipse>& eclipse, bool local) {
 
 Json nightOf(const NightLine& line, bool local) {
     // A null that becomes an object without memory for it crashes when it is destroyed.
-    Json events = line.events.empty() ? Json() : Json::object();
+    Json events = Json::object();
     for (const Event& event : line.events) {
         const std::string key = keyOf(event.name);
         events[key] = Json::array();

@@ -185,7 +185,7 @@ std::string sunLines(const NightLine& night, const std::vector<Row>& rows) {
     for (const Event& event : night.events) {
         if (isOfMoon(event)) continue;
         for (const double time : event.times) {
-            if (time < rows.front().mjd || time > rows.back().mjd) continue;
+            if (time > rows.back().mjd) continue;  // after the last point
             script += "set arrow from " + timeOf(time) + ", graph 0 to " + timeOf(time) +
                       ", graph 1 nohead linewidth 0.7 linecolor rgb '#707070'\nset label " +
                       quoted(event.name) + " at " + timeOf(time) +

@@ -82,14 +82,6 @@ void addNight(Map& map, const Settings& settings, const Night& night, std::size_
     }
 }
 
-/// The times of an event in a night.
-std::vector<double> timesOf(const NightLine& night, const std::string& name) {
-    for (const Event& event : night.events) {
-        if (event.name == name) return event.times;
-    }
-    return {};
-}
-
 /// The data block of an event's times: date and hour, with an empty line where the curve breaks
 /// off.
 std::string curveOf(const Report& report, const std::string& name) {
@@ -97,7 +89,7 @@ std::string curveOf(const Report& report, const std::string& name) {
     std::string data = "$" + name + " << END\n";
     double before = 0.0;  // [s from 0 h]
     for (const NightLine& night : report.nights) {
-        const std::vector<double> times = timesOf(night, name);
+        const std::vector<double>& times = timesOf(night.events, name);
         if (times.empty()) data += "\n";
         for (const double time : times) {
             const double clock = (time - night.date) * SECONDS_PER_DAY;

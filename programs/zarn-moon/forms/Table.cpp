@@ -178,10 +178,7 @@ std::string nightsTable(const Report& report) {
     columns.add({"night", "dark hours", "moonrise", "moonset", "lit", "", ""});
     for (const auto& [date, events, summary, daylight, eclipse] : report.nights) {
         const auto times = [&inNight = events, local](const std::string& name) {
-            for (const Event& event : inNight) {
-                if (event.name == name) return timesText(event.times, local, "none");
-            }
-            return std::string();
+            return timesText(timesOf(inNight, name), local, "none");
         };
         columns.add({dateOf(date), fixed(summary.darkHours, 1), times("moonrise"), times("moonset"),
                      percent(summary.illumination), summary.word, polarWords(daylight.course)});

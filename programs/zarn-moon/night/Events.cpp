@@ -65,6 +65,12 @@ std::vector<Event> eventsOf(const Night& night) {
     return events;
 }
 
+const std::vector<double>& timesOf(const std::vector<Event>& events, const std::string& name) {
+    return std::find_if(events.begin(), events.end(),
+                        [&name](const Event& event) { return event.name == name; })
+        ->times;
+}
+
 Daylight daylightOf(const Night& night) {
     const auto& sun = night.sunAltitudes;
     const auto [lowest, highest] = std::minmax_element(sun.begin(), sun.end());

@@ -19,7 +19,7 @@ double altitudeOfAirmass(double most) {
     double high = 90.0;
     while (high - low > ENOUGH) {
         const double middle = (low + high) / 2.0;
-        (*airmassAt(middle) > most ? low : high) = middle;
+        (airmassAt(middle) > most ? low : high) = middle;
     }
     return high;
 }

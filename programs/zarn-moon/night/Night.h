@@ -40,6 +40,9 @@ struct Event {
 /// minute goes unnoticed.
 std::vector<Event> eventsOf(const Night& night);
 
+/// The times of one of a night's events, by its name.
+const std::vector<double>& timesOf(const std::vector<Event>& events, const std::string& name);
+
 /// Where the sun is between the two noons.
 enum class SunCourse { SETS, UP, DOWN };  // above and below the horizon, or all day on one side
 

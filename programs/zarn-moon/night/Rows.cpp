@@ -45,8 +45,7 @@ Row rowOf(const SkyPath& sky, std::size_t i) {
 
 }  // namespace
 
-std::optional<double> airmassAt(double altitude) {
-    if (altitude < 0.0) return std::nullopt;
+double airmassAt(double altitude) {
     const double power = std::pow(altitude, formulas::AIRMASS_POWER);
     return 1.0 / std::sin(formulas::airmassAngle(altitude, power));
 }

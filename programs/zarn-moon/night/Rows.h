@@ -36,7 +36,7 @@ struct Row {
 };
 
 /// The airmass at an altitude [deg] above the horizon, by Pickering 2002, DIO 12, 3.
-std::optional<double> airmassAt(double altitude);
+double airmassAt(double altitude);
 
 /// The directions of the settings' targets at a date [MJD].
 std::vector<Direction> directionsOfDate(const Settings& settings, const Ephemeris& ephemeris,

@@ -36,7 +36,7 @@ std::vector<std::size_t> nightsByWorth(const Season& season) {
 double worthOf(const Settings& settings, const TargetValues& values) {
     constexpr double OF_SKY = -0.4;  // [decades per mag]
     constexpr double OF_AIR = -0.8;  // twice that: the signal counts squared
-    if (!values.sky || !values.airmass) return 0.0;
+    if (!values.sky) return 0.0;     // where it is known, the airmass is, too
     return std::pow(10.0, OF_SKY * (settings.darkSky - *values.sky) +
                               OF_AIR * settings.extinction * (*values.airmass - 1.0));
 }

@@ -61,6 +61,11 @@ struct Layout {
     bool isPosition(std::size_t i) const { return i == name || i == ra || i == dec; }
 };
 
+/// The position in a line's fields, in which blanks may stand within quotes.
+Position positionIn(const Fields& fields, const Layout& layout) {
+    return parsePosition(trimmed(fields[layout.ra]), trimmed(fields[layout.dec]));
+}
+
 /// Whether the first line of a file has titles or a target, taken apart at a separator.
 bool readsWith(const std::string& line, char separator) {
     try {
@@ -68,7 +73,7 @@ bool readsWith(const std::string& line, char separator) {
         if (areTitles(fields)) return true;
         const Layout layout;
         if (fields.size() <= layout.dec) return false;
-        parsePosition(fields[layout.ra], fields[layout.dec]);
+        positionIn(fields, layout);
         return true;
     } catch (const std::invalid_argument&) {
         return false;
@@ -134,7 +139,7 @@ Target targetOf(const std::string& line, const Layout& layout) {
     if (parts.size() <= std::max({layout.name, layout.ra, layout.dec}))
         throw std::invalid_argument("expected name, right ascension, declination");
     if (parts[layout.name].empty()) throw std::invalid_argument("the name is empty");
-    Target target = {parts[layout.name], parsePosition(parts[layout.ra], parts[layout.dec])};
+    Target target = {parts[layout.name], positionIn(parts, layout)};
     target.minAltitude = numberIn(layout, parts, "min_altitude", ZENITH);
     target.weight = numberIn(layout, parts, "weight", MOST_WEIGHT);
     for (std::size_t i = 0; i < parts.size(); ++i) {

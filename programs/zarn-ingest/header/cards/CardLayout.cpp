@@ -39,8 +39,7 @@ std::size_t fitting(const std::string& text, std::size_t begin, std::size_t room
 std::string_view wordsOf(std::string_view text, std::size_t room) {
     if (text.size() <= room) return text;
     const std::size_t blank = text.rfind(' ', room);
-    return withoutTrailing(
-        text.substr(0, blank == std::string_view::npos || blank == 0 ? room : blank));
+    return withoutTrailing(text.substr(0, blank == std::string_view::npos ? room : blank));
 }
 
 /// A text over several cards: all but the last end in '&'. Its comment goes on behind it.
@@ -168,7 +167,7 @@ private:
         const bool exact = std::all_of(parts.begin(), parts.end(), [](const HeaderLine& part) {
             return part.value.isLegal && part.isInColumns && part.text.size() <= CARD_LENGTH;
         });
-        if (exact && chains(parts) && (!line.isHierarch || line.hasHierarch)) {
+        if (exact && chains(parts)) {
             std::vector<std::string> cards;
             cards.push_back(asWritten(line));
             for (std::size_t i = 1; i < parts.size(); ++i)

@@ -42,18 +42,11 @@ bool isTakenForStructure(const std::string& name) {
     return isOneOf(name, STRUCTURE) || axisOf(name) > 0 || isOfColumn;
 }
 
-std::string withoutPlus(const std::string& number) {
-    return begins(number, "+") ? number.substr(1) : number;
-}
-
-bool isZero(const std::string& number) {
-    return !number.empty() && withoutPlus(number).find_first_not_of('0') == std::string::npos;
-}
-
-bool isOne(const std::string& number) {
-    const std::string digits = withoutPlus(number);
-    return !digits.empty() && digits.find_first_not_of('0') == digits.size() - 1 &&
-           digits.back() == '1';
+std::string plainNumber(const std::string& number) {
+    const bool isSigned = number.find_first_of("+-") == 0;
+    const std::size_t digits = number.find_first_not_of('0', isSigned ? 1 : 0);
+    if (digits == std::string::npos) return "0";
+    return (begins(number, "-") ? "-" : "") + number.substr(digits);
 }
 
 }  // namespace zarn::ingest

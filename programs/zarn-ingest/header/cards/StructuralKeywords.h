@@ -22,14 +22,8 @@ int axisOf(const std::string& keyword);
 /// Whether CFITSIO would take a HIERARCH card of this name for one that describes the file.
 bool isTakenForStructure(const std::string& name);
 
-/// A number without the plus sign that FITS allows.
-std::string withoutPlus(const std::string& number);
-
-/// Whether a whole number, with leading zeros or a plus sign as may be, is 0.
-bool isZero(const std::string& number);
-
-/// The same for 1.
-bool isOne(const std::string& number);
+/// A whole number without the plus sign and the leading zeros that FITS allows.
+std::string plainNumber(const std::string& number);
 
 }  // namespace zarn::ingest
 

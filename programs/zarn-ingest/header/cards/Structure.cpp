@@ -48,6 +48,7 @@ private:
     using Cards = LogicalCards;
     using Form = std::string (*)(const std::string&);  ///< the legal value that a text stands for
 
+    /// From here on, no HIERARCH card has the name of a card of the structure.
     void demoteHierarch() {
         for (LogicalCard& card : cards_) {
             if (!card.isHierarch || !isTakenForStructure(card.keyword)) continue;
@@ -103,7 +104,7 @@ private:
         require(
             "BITPIX",
             [](const std::string& text) -> std::string {
-                const std::string number = withoutPlus(text);
+                const std::string number = plainNumber(text);
                 return isBitpix(number) ? number : "8";
             },
             "bits per data value");
@@ -198,7 +199,7 @@ private:
         const std::string written = fixedCard(card.keyword, value, card.value.comment);
         const std::size_t column = written.find(" /");
         const bool says = card.cards.front().substr(0, column) == written.substr(0, column);
-        return says && card.cards.size() == 1 ? card.cards.front() : written;
+        return says ? card.cards.front() : written;
     }
 
     /// The cards of the beginning hold no text that could go on.
@@ -244,17 +245,10 @@ private:
         cards_.erase(cards_.begin(), end);
     }
 
-    static bool isAxis(const LogicalCard& card) {
-        return !card.isHierarch && axisOf(card.keyword) > 0;
-    }
+    static bool isAxis(const LogicalCard& card) { return axisOf(card.keyword) > 0; }
 
     bool isWanted(const std::string& axis) const {
-        return table_ && (axis == "NAXIS1" || axis == "NAXIS2") && !isPlaced(axis);
-    }
-
-    bool isPlaced(const std::string& keyword) const {
-        return std::any_of(begin_.begin(), begin_.end(),
-                           [&keyword](const auto& card) { return card.keyword == keyword; });
+        return table_ && (axis == "NAXIS1" || axis == "NAXIS2");
     }
 
     void leaveAxis(const LogicalCard& card) {
@@ -277,15 +271,14 @@ private:
     }
 
     bool describesData(const LogicalCard& card) {
-        if (card.isHierarch) return false;
         const std::string& keyword = card.keyword;
         const std::string& text = card.value.text;
         if (keyword == THEAP) return table_.has_value();
         if (!isOneOf(keyword, COUNTS)) return false;
         const bool isNumber = card.value.kind == CardValue::Kind::NUMBER;
         const bool isHarmless = (keyword == "GROUPS" && text == "F") ||
-                                (keyword == "PCOUNT" && isNumber && isZero(text)) ||
-                                (keyword == "GCOUNT" && isNumber && isOne(text));
+                                (keyword == "PCOUNT" && isNumber && plainNumber(text) == "0") ||
+                                (keyword == "GCOUNT" && isNumber && plainNumber(text) == "1");
         return !isHarmless || !seenAxes_.insert(keyword).second;
     }
 
@@ -320,7 +313,7 @@ private:
     }
 
     static bool isKeyword(const LogicalCard& card, std::string_view keyword) {
-        return card.keyword == keyword && !card.isHierarch;
+        return card.keyword == keyword;
     }
 
     Cards::iterator locate(std::string_view keyword) {

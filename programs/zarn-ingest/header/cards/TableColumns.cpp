@@ -17,7 +17,7 @@ constexpr std::size_t MOST_BYTES = std::numeric_limits<int>::max();  // of a row
 /// A keyword's last card, which is the one that CFITSIO takes.
 const LogicalCard* find(const LogicalCards& cards, const std::string& keyword) {
     const auto found = std::find_if(cards.rbegin(), cards.rend(), [&keyword](const auto& card) {
-        return card.keyword == keyword && !card.isHierarch;
+        return card.keyword == keyword;
     });
     return found == cards.rend() ? nullptr : &*found;
 }

@@ -60,7 +60,7 @@ void readValue(HeaderLine& line, std::size_t equals) {
     const bool isPlain =
         !line.hasHierarch && isLegalKeyword(name) && !isOneOf(line.keyword, RESERVED);
     line.isHierarch = !isPlain;
-    line.isInColumns = line.hasHierarch || (isPlain && equals == KEYWORD_LENGTH && text[0] != ' ' &&
+    line.isInColumns = line.hasHierarch || (isPlain && equals == KEYWORD_LENGTH &&
                                             (text.size() == equals + 1 || text[equals + 1] == ' '));
     const bool isNamed = line.hasHierarch && !name.empty() && !isOneOf(line.keyword, RESERVED);
     if (isPlain || isNamed || isKeywordOfHierarch(name, line.value)) line.kind = Kind::VALUE;

@@ -21,7 +21,6 @@ constexpr char DRAWN[] = "-=*#+<>[]|. ";
 
 /// "--- HDU 1 ---", "# HDU 2 in file.fits:", "=== Extension: SCI ===", "Extension 3:"
 bool dividesHeaders(const HeaderLine& line) {
-    if (line.kind != Kind::OTHER) return false;
     const std::size_t begin = line.text.find_first_not_of(DRAWN);
     if (begin == std::string::npos) return false;
     const std::string name = upper(std::string_view{line.text}.substr(begin));
@@ -63,7 +62,6 @@ public:
         for (at_ = 0; at_ < lines_.size(); ++at_) take(lines_[at_]);
         close();
         if (!section_.titles.empty()) appendLeftOver();
-        if (sections_.empty()) sections_.emplace_back();
         return std::move(sections_);
     }
 
@@ -120,7 +118,6 @@ private:
 
     /// Adds titles that no header follows, and commentary, to the header before.
     void appendLeftOver() {
-        if (sections_.empty()) sections_.emplace_back();
         std::vector<HeaderLine>& last = sections_.back().lines;
         last.insert(last.end(), section_.titles.begin(), section_.titles.end());
         last.insert(last.end(), section_.lines.begin(), section_.lines.end());

@@ -19,6 +19,7 @@ struct Section {
 /// Divides a text into its headers: at END, at a XTENSION or a second SIMPLE that BITPIX follows,
 /// and at the lines by which programs that dump whole files divide them, as "--- HDU 1 ---".
 ///
+/// @param lines    one of them at least is a card other than END
 /// @param repairs  where blank lines before the first card are counted
 /// @return         one section at least
 std::vector<Section> sectionsOf(std::vector<HeaderLine> lines, Repairs& repairs);

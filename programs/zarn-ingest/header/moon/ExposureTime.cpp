@@ -70,13 +70,10 @@ double plausible(double mjd, const std::string& value) {
     return mjd;
 }
 
-double mjdOfDateObs(const std::string& value) {
-    const std::string text = textOf(value);
-    return plausible(text.empty() ? mjdOfInstant(text) : instantOf(text), value);
-}
+double mjdOfDateObs(const std::string& value) { return plausible(instantOf(textOf(value)), value); }
 
 bool isDay(const std::string& value) {
-    return isText(value) && textOf(value).size() <= DATE_LENGTH && !textOf(value).empty() &&
+    return isText(value) && textOf(value).size() <= DATE_LENGTH &&
            textOf(value).find_first_of("-/") != std::string::npos;
 }
 

@@ -10,17 +10,6 @@ namespace zarn::ingest {
 
 namespace {
 
-/// The value, and what CFITSIO would ignore behind it where no slash divides them: `05 35 17.3` is
-/// not 5 degrees.
-std::string wholeValueOf(const std::string& card) {
-    std::string value = valueOf(card);
-    const std::size_t begin = card.find(value, card.find('='));
-    if (value.empty() || isText(value) || begin == std::string::npos) return value;
-    const std::size_t next = card.find_first_not_of(' ', begin + value.size());
-    const bool ends = next == std::string::npos || card[next] == '/';
-    return ends ? value : card.substr(begin);
-}
-
 /// A keyword's card in the first of a text's headers that has it.
 const Card* cardOf(const HeaderText& text, const std::string& keyword) {
     for (const Header& header : text.headers()) {
@@ -41,7 +30,7 @@ const Card* cardOf(const Header& header, const std::string& keyword) {
 std::optional<Field> fieldOf(const HeaderText& text, const std::string& keyword) {
     const Card* const card = cardOf(text, keyword);
     if (card == nullptr) return std::nullopt;
-    const std::string value = wholeValueOf(card->text);
+    const std::string value = valueOf(card->text);  // HeaderText has put `05 35 17.3` in quotes
     if (value.empty() || (isText(value) && textOf(value).empty())) return std::nullopt;
     return Field{keyword, value, card->number};
 }
