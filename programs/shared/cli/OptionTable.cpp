@@ -54,7 +54,8 @@ void OptionTable::displayOptions() const {
         displayHelp();  // to standard output, and nowhere else
     }
     std::string text = help.str();
-    text.erase(text.find(emptyHeading), emptyHeading.size());
+    const std::string::size_type at = text.find(emptyHeading);
+    if (at != std::string::npos) text.erase(at, emptyHeading.size());
     std::cout << text;
 }
 
