@@ -69,13 +69,17 @@ TEST(NightTest, BeginsAtLocalMeanNoon) {
 TEST(NightTest, EventsAreWhereTheLineBetweenTwoMinutesCrosses) {
     // The sun sinks and rises by a sixteenth of a degree a minute, the moon the other way round; it
     // passes the south at 320 minutes, the north at 1040.
-    const Night night =
-        nightOfPaths([](int minute) { return std::abs(minute - 720) / 16.0 - 30.0; },
-                     [](int minute) { return 20.0 - std::abs(minute - 700) / 16.0; },
+    const auto sun = [](int minute) { return std::abs(minute - 720) / 16.0 - 30.0; };
+    const Night slow =
+        nightOfPaths(sun, [](int minute) { return 20.0 - std::abs(minute - 700) / 16.0; },
                      [](int minute) { return std::fmod(minute / 4.0 + 100, 360); });
-    expectTranscript(TEST_DATA "/events.txt", [&night](const std::string& /*all*/) {
+    // From half a unit east of the meridian to 0.866 units west of it within a minute.
+    const Night nearZenith =
+        nightOfPaths(sun, [](int minute) { return minute <= 700 ? 60.0 : 30.0; },
+                     [](int minute) { return minute <= 700 ? 90.0 : 270.0; });
+    expectTranscript(TEST_DATA "/events.txt", [&](const std::string& night) {
         std::string events;
-        for (const auto& [name, times] : eventsOf(night)) {
+        for (const auto& [name, times] : eventsOf(night == "near the zenith" ? nearZenith : slow)) {
             events += name;
             for (const double mjd : times) events += " " + std::to_string(sinceNoon(mjd));
             events += "\n";
