@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Checks that built files are hardened: position-independent, with full RELRO, stack protector and
-# _FORTIFY_SOURCE.
+# Checks that built files are hardened: position-independent, with full RELRO, stack protector,
+# _FORTIFY_SOURCE and checked indices.
 #   hardening.sh FILE...    programs and shared libraries
 set -euo pipefail
 failed=0
@@ -16,6 +16,7 @@ for file in "$@"; do
     missing 'immediate binding' 'FLAGS.*\bNOW\b|BIND_NOW' -d
     missing 'stack protector' '__stack_chk_fail' --dyn-syms
     missing '_FORTIFY_SOURCE' '__[a-z]+_chk\b' --dyn-syms
+    missing 'checked indices' '__glibcxx_assert_fail' --dyn-syms
 done
 [ "$failed" = 0 ] && echo "hardened: $# files"
 exit "$failed"

@@ -48,9 +48,7 @@ double clockOf(const Night& night, double mjd) { return (mjd - night.date) * SEC
 
 unsigned shadeAt(const Night& night, std::size_t minute) {
     constexpr unsigned WITHOUT_MOON = 0x94A1C2;
-    const bool dark =
-        night.sunAltitudes[minute] < ASTRONOMICAL_TWILIGHT && night.moon.altitude[minute] < HORIZON;
-    return dark ? WITHOUT_MOON : shadeOf(night.sunAltitudes[minute]);
+    return isDark(night, minute) ? WITHOUT_MOON : shadeOf(night.sunAltitudes[minute]);
 }
 
 /// Adds the dates and hours at which the limits begin or end to allow the target.

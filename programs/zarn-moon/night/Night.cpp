@@ -1,6 +1,6 @@
 #include "zarn-moon/night/Night.h"
 
-#include <cmath>
+#include <algorithm>
 
 #include "shared/sky/Units.h"
 
@@ -20,25 +20,44 @@ std::string wordFor(const Summary& summary) {
     return summary.illumination > BRIGHT && up > MOSTLY_UP ? "bright" : "grey";
 }
 
+bool isMoonDown(const Night& night, std::size_t minute) {
+    return night.moon.altitude[minute] < HORIZON;
+}
+
+bool isSunDown(const Night& night, std::size_t minute) {
+    return night.sunAltitudes[minute] < ASTRONOMICAL_TWILIGHT;
+}
+
+/// The first and the last minute of a stretch, counted from noon; if they are equal, there is none.
+struct Stretch {
+    std::size_t begin = 0;
+    std::size_t end = 0;
+
+    std::size_t minutes() const { return end - begin; }
+};
+
 /// The stretches of consecutive minutes for which `counts` is true, of two minutes at least.
-std::vector<Window> stretches(const Night& night, const std::vector<bool>& counts, bool moonDown) {
-    std::vector<Window> windows;
+std::vector<Stretch> stretches(const std::vector<bool>& counts) {
+    std::vector<Stretch> found;
     for (std::size_t i = 1; i < counts.size(); ++i) {
         if (!counts[i] || !counts[i - 1]) continue;
-        if (i == 1 || !counts[i - 2])
-            windows.push_back({night.instants[i - 1], night.instants[i], moonDown});
-        windows.back().end = night.instants[i];
+        if (i == 1 || !counts[i - 2]) found.push_back({i - 1, i});
+        found.back().end = i;
     }
-    return windows;
+    return found;
 }
 
 /// The longest of these stretches; of equal ones the first.
-Window longest(const Night& night, const std::vector<bool>& counts, bool moonDown) {
-    Window best = {0.0, 0.0, moonDown};
-    for (const Window& window : stretches(night, counts, moonDown)) {
-        if (window.end - window.begin > best.end - best.begin) best = window;
-    }
-    return best;
+Stretch longest(const std::vector<bool>& counts) {
+    const std::vector<Stretch> found = stretches(counts);
+    const auto best = std::max_element(
+        found.begin(), found.end(),
+        [](const Stretch& a, const Stretch& b) { return a.minutes() < b.minutes(); });
+    return best == found.end() ? Stretch() : *best;
+}
+
+Window windowOf(const Night& night, const Stretch& stretch, bool moonDown) {
+    return {night.instants[stretch.begin], night.instants[stretch.end], moonDown};
 }
 
 }  // namespace
@@ -57,9 +76,9 @@ Summary summaryOf(const Night& night) {
     int astronomical = 0;
     int dark = 0;
     for (std::size_t i = 1; i < night.instants.size(); ++i) {  // the last noon is the next one's
-        if (night.sunAltitudes[i] >= ASTRONOMICAL_TWILIGHT) continue;
+        if (!isSunDown(night, i)) continue;
         ++astronomical;
-        if (night.moon.altitude[i] < HORIZON) ++dark;
+        if (isMoonDown(night, i)) ++dark;
     }
     const std::size_t middle = night.instants.size() / 2;
     Summary summary = {astronomical / MINUTES_PER_HOUR, dark / MINUTES_PER_HOUR,
@@ -71,21 +90,27 @@ Summary summaryOf(const Night& night) {
 Window bestWindow(const Night& night, const std::vector<bool>& allowed) {
     std::vector<bool> withoutMoon(allowed);
     for (std::size_t i = 0; i < allowed.size(); ++i)
-        withoutMoon[i] = allowed[i] && night.moon.altitude[i] < HORIZON;
-    constexpr double LEAST_WITHOUT_MOON = 1.0 / HOURS_PER_DAY;  // [d]
-    const Window without = longest(night, withoutMoon, true);
-    const Window any = longest(night, allowed, false);
+        withoutMoon[i] = allowed[i] && isMoonDown(night, i);
+    constexpr std::size_t LEAST_WITHOUT_MOON = 60;  // [min]
+    const Stretch without = longest(withoutMoon);
+    const Stretch any = longest(allowed);
     const bool same = without.begin == any.begin && without.end == any.end;
-    return same || without.end - without.begin >= LEAST_WITHOUT_MOON ? without : any;
+    const bool moonDown = same || without.minutes() >= LEAST_WITHOUT_MOON;
+    return windowOf(night, moonDown ? without : any, moonDown);
+}
+
+bool isDark(const Night& night, std::size_t minute) {
+    return isSunDown(night, minute) && isMoonDown(night, minute);
 }
 
 std::vector<Window> darkWindows(const Night& night) {
     std::vector<bool> dark;
-    for (std::size_t i = 0; i < night.instants.size(); ++i) {
-        dark.push_back(night.sunAltitudes[i] < ASTRONOMICAL_TWILIGHT &&
-                       night.moon.altitude[i] < HORIZON);
-    }
-    return stretches(night, dark, true);
+    for (std::size_t i = 0; i < night.instants.size(); ++i)
+        dark.push_back(isDark(night, i));
+    std::vector<Window> windows;
+    for (const Stretch& stretch : stretches(dark))
+        windows.push_back(windowOf(night, stretch, true));
+    return windows;
 }
 
 }  // namespace zarn::moon

@@ -94,7 +94,12 @@ struct Window {
 /// @param allowed  one element per minute, see `Limits`
 Window bestWindow(const Night& night, const std::vector<bool>& allowed);
 
-/// The stretches with the sun below -18 degrees and the moon below the horizon, in order.
+/// Whether the sun is below -18 degrees and the moon below the horizon.
+///
+/// @param minute  from noon on
+bool isDark(const Night& night, std::size_t minute);
+
+/// The stretches of dark minutes, in order.
 std::vector<Window> darkWindows(const Night& night);
 
 }  // namespace zarn::moon
