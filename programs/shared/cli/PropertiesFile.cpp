@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "shared/cli/BeginsWith.h"
 #include "shared/cli/Printable.h"
 #include "shared/cli/TextStreams.h"
 #include "shared/cli/Value.h"
@@ -115,7 +116,7 @@ std::size_t lineOf(const std::string& fileName, const std::string& section,
     for (std::string line; std::getline(lines, line);) {
         ++number;
         line = withoutBlanks(line);
-        if (line.rfind('[', 0) == 0) current = line.substr(1, line.find(']') - 1);
+        if (beginsWith(line, "[")) current = line.substr(1, line.find(']') - 1);
         const bool isKey = withoutBlanks(line.substr(0, line.find('='))) == key;
         if (current == section && isKey) found = number;
     }

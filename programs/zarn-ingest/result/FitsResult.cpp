@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "shared/cli/BeginsWith.h"
 #include "shared/files/Reading.h"
 #include "zarn-ingest/header/Fits.h"
 #include "zarn-ingest/header/IngestError.h"
@@ -47,7 +48,7 @@ void checkHasText(FitsFile* file) {
     int status = 0;
     std::array<char, FLEN_CARD> card = {};
     fits_read_record(file, 1, card.data(), &status);
-    if (status != 0 || std::string(card.data()).rfind("SIMPLE", 0) != 0)
+    if (status != 0 || !beginsWith(card.data(), "SIMPLE"))
         throw FitsFileError("its text cannot be read again", FILE_NOT_OPENED);
 }
 

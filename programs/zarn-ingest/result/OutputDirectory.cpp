@@ -19,6 +19,7 @@
 #include <system_error>
 #include <utility>
 
+#include "shared/cli/BeginsWith.h"
 #include "shared/files/Durable.h"
 #include "shared/files/SystemError.h"
 #include "zarn-ingest/header/IngestError.h"
@@ -71,7 +72,7 @@ std::string workPrefix() {
 }
 
 bool isOfThisHost(const std::string& name, const std::string& prefix) {
-    return name.size() == prefix.size() + std::strlen(WORK_RANDOM) && name.rfind(prefix, 0) == 0;
+    return name.size() == prefix.size() + std::strlen(WORK_RANDOM) && beginsWith(name, prefix);
 }
 
 /// Creates one level of a directory, or finds that someone else was faster.

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <system_error>
 
+#include "shared/cli/BeginsWith.h"
 #include "shared/files/Durable.h"
 #include "shared/files/Reading.h"
 #include "shared/files/SystemError.h"
@@ -48,7 +49,7 @@ bool putReason(const std::string& fileName, const std::string& reason) {
     if (!S_ISREG(status.st_mode) || status.st_size > static_cast<off_t>(reason.size()))
         return false;
     const std::string existing = readFile(fileName);
-    if (reason.compare(0, existing.size(), existing) != 0) return false;
+    if (!beginsWith(reason, existing)) return false;
     try {
         writeAll(file.get(), reason.substr(existing.size()));
     } catch (const std::system_error& error) {

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "shared/cli/BeginsWith.h"
+
 namespace zarn::ingest {
 
 namespace {
@@ -27,7 +29,7 @@ bool isMadeOf(const std::string& text, const std::string& choice) {
     const std::vector<std::string> words = wordsOf(choice);
     const std::vector<std::string> parts = wordsOf(text);
     return std::all_of(parts.begin(), parts.end(), [&words](const std::string& part) {
-        const std::string word = part.rfind('~', 0) == 0 ? part.substr(1) : part;
+        const std::string word = beginsWith(part, "~") ? part.substr(1) : part;
         return std::find(words.begin(), words.end(), word) != words.end();
     });
 }

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <optional>
 
+#include "shared/cli/BeginsWith.h"
 #include "shared/cli/Printable.h"
 #include "shared/cli/TextStreams.h"
 #include "shared/sky/Calendar.h"
@@ -133,7 +134,7 @@ std::string line(std::size_t column, const std::string& style) {
     return "$night using 1:" + std::to_string(column) + " with lines " + style + " notitle";
 }
 
-bool isOfMoon(const Event& event) { return event.name.rfind("moon", 0) == 0; }
+bool isOfMoon(const Event& event) { return beginsWith(event.name, "moon"); }
 
 /// An altitude as a point of the upper panel.
 PanelPoint pointOf(const std::vector<Row>& rows, double mjd, double altitude) {

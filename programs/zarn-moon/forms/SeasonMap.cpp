@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "shared/cli/BeginsWith.h"
 #include "shared/cli/Printable.h"
 #include "shared/cli/TextStreams.h"
 #include "shared/sky/Calendar.h"
@@ -153,7 +154,7 @@ std::string twilightNames(const Report& report) {
     std::string script;
     const NightLine& night = report.nights.front();
     for (const Event& event : night.events) {
-        if (event.name.rfind("moon", 0) == 0 || event.times.empty()) continue;
+        if (beginsWith(event.name, "moon") || event.times.empty()) continue;
         script += "set label " + quoted(event.name) + " at graph 0, first " +
                   fixed((event.times.front() - night.date) * SECONDS_PER_DAY, 0) +
                   " left offset 0.4,0.3 font ',7' front\n";

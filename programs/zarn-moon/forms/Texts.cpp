@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "shared/cli/BeginsWith.h"
 #include "shared/cli/TextStreams.h"
 #include "shared/sky/Calendar.h"
 
@@ -63,7 +64,7 @@ std::string keyOf(std::string name) {
 
 std::string localClock(double mjd, const char* format) {
     const std::string date = localTime(mjd, "%Y-%m-%d");
-    const bool same = secondOf(mjd).rfind(date, 0) == 0;
+    const bool same = beginsWith(secondOf(mjd), date);
     return (same ? "" : date + " ") + localTime(mjd, format);
 }
 

@@ -11,8 +11,9 @@ namespace {
 
 double product(const Vector& a, const Vector& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 
-/// A sine or cosine that rounding may have carried beyond 1.
-double withinOne(double x) { return std::clamp(x, -1.0, 1.0); }
+Vector crossed(const Vector& a, const Vector& b) {
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
 
 }  // namespace
 
@@ -29,11 +30,11 @@ Vector operator/(const Vector& vector, double divisor) { return 1.0 / divisor * 
 double lengthOf(const Vector& vector) { return std::sqrt(product(vector, vector)); }
 
 double cosineBetween(const Vector& a, const Vector& b) {
-    return withinOne(product(a, b) / std::sqrt(product(a, a) * product(b, b)));
+    return std::clamp(product(a, b) / std::sqrt(product(a, a) * product(b, b)), -1.0, 1.0);
 }
 
 double angleBetween(const Vector& a, const Vector& b) {
-    return std::acos(cosineBetween(a, b)) * DEG_PER_RAD;
+    return std::atan2(lengthOf(crossed(a, b)), product(a, b)) * DEG_PER_RAD;
 }
 
 Direction directionOf(const SkyPosition& position) {
@@ -49,7 +50,7 @@ Horizon::Horizon(double lst, double latitude)
       cosLatitude_(std::cos(latitude / DEG_PER_RAD)) {}
 
 double altitudeOf(const Vector& vector) {
-    return std::asin(withinOne(vector.x / lengthOf(vector))) * DEG_PER_RAD;
+    return std::atan2(vector.x, std::hypot(vector.y, vector.z)) * DEG_PER_RAD;
 }
 
 double azimuthOf(const Vector& vector) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "shared/cli/BeginsWith.h"
 #include "shared/cli/Printable.h"
 
 namespace zarn::moon {
@@ -10,11 +11,7 @@ namespace {
 
 constexpr char MARK = '\x01';  // no value that means anything begins with it
 
-bool begins(const std::string& text, const std::string& beginning) {
-    return text.rfind(beginning, 0) == 0;
-}
-
-bool isDashed(const std::string& word) { return begins(word, "-"); }
+bool isDashed(const std::string& word) { return beginsWith(word, "-"); }
 
 /// Whether a word that begins with a dash is a value nonetheless: no option is a number.
 bool mustBeValue(const std::string& word) {
@@ -31,7 +28,7 @@ const OptionRow* rowOf(const std::string& name, const std::vector<OptionRow>& ro
     const OptionRow* found = nullptr;
     for (const OptionRow& row : rows) {
         if (row.name == name) return &row;
-        if (!begins(row.name, name)) continue;
+        if (!beginsWith(row.name, name)) continue;
         if (found != nullptr) return nullptr;
         found = &row;
     }
@@ -46,7 +43,7 @@ public:
     void add(const std::string& word) {
         if (awaiting_ != nullptr) {
             addValue(word);
-        } else if (begins(word, "--")) {
+        } else if (beginsWith(word, "--")) {
             addLong(word);
         } else if (isDashed(word)) {
             addLetters(word);
@@ -106,7 +103,7 @@ ParsableArguments markDashes(const std::vector<const char*>& arguments,
 }
 
 std::string unmarked(const std::string& value) {
-    return value.substr(begins(value, std::string(1, MARK)) ? 1 : 0);
+    return value.substr(beginsWith(value, std::string(1, MARK)) ? 1 : 0);
 }
 
 }  // namespace zarn::moon

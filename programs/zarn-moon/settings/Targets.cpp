@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "shared/cli/BeginsWith.h"
 #include "shared/cli/Printable.h"
 #include "shared/cli/TextStreams.h"
 #include "shared/cli/UsageError.h"
@@ -188,7 +189,7 @@ std::vector<Target> readTargets(const std::string& fileName) {
     TargetReader reader;
     std::size_t number = 0;
     for (std::string line; std::getline(lines, line);) {
-        if (++number == 1 && line.rfind(BYTE_ORDER_MARK, 0) == 0)
+        if (++number == 1 && beginsWith(line, BYTE_ORDER_MARK))
             line.erase(0, BYTE_ORDER_MARK.size());
         try {
             reader.add(line);

@@ -10,6 +10,7 @@
 #include <new>
 #include <string>
 
+#include "shared/cli/BeginsWith.h"
 #include "shared/cli/Printable.h"
 #include "shared/cli/UsageError.h"
 #include "shared/cli/Value.h"
@@ -75,7 +76,7 @@ void checkEnvironment() {
 }  // namespace
 
 void checkTimeZone(const std::string& name) {
-    const std::string bare = name.substr(name.rfind(':', 0) == 0 ? 1 : 0);
+    const std::string bare = name.substr(beginsWith(name, ":") ? 1 : 0);
     for (const std::string known : UT_NAMES) {
         if (bare == known) return;
     }

@@ -10,6 +10,7 @@
 #include <iterator>
 #include <system_error>
 
+#include "shared/cli/BeginsWith.h"
 #include "shared/files/Reading.h"
 #include "zarn-ingest/header/IngestError.h"
 #include "zarn-ingest/header/lines/Columns.h"
@@ -55,7 +56,7 @@ bool promisesData(const std::string& bytes) {
 /// Whether the bytes are a FITS file, rather than the header of one, whose cards stand in a row,
 /// too.
 bool isFits(const std::string& bytes) {
-    const bool begins = bytes.rfind("SIMPLE  =", 0) == 0 || bytes.rfind("XTENSION=", 0) == 0;
+    const bool begins = beginsWith(bytes, "SIMPLE  =") || beginsWith(bytes, "XTENSION=");
     if (!begins || bytes.find_first_of("\r\n") < 2 * CARD_LENGTH) return false;
     return isBinary(bytes) || (bytes.size() % FITS_BLOCK == 0 && !promisesData(bytes));
 }

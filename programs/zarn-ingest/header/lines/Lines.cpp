@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "shared/cli/BeginsWith.h"
 #include "zarn-ingest/header/IngestError.h"
 #include "zarn-ingest/header/lines/Characters.h"
 #include "zarn-ingest/header/lines/Columns.h"
@@ -88,7 +89,7 @@ Lines linesOf(const std::string& bytes) {
     const char lineEnd = bytes.find('\n') == std::string::npos ? '\r' : '\n';
     result.lines.reserve(std::min(bytes.size() / USUAL_LINE + 1, MAX_LINES));
     std::size_t number = 0;
-    const bool marked = bytes.rfind(BYTE_ORDER_MARK, 0) == 0;
+    const bool marked = beginsWith(bytes, BYTE_ORDER_MARK);
     std::size_t at = marked ? sizeof BYTE_ORDER_MARK - 1 : 0;
     while (at < bytes.size()) {
         const std::size_t end = std::min(bytes.find(lineEnd, at), bytes.size());

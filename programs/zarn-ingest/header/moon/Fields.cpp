@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "shared/cli/BeginsWith.h"
 #include "shared/cli/Printable.h"
 #include "shared/sky/Angles.h"
 #include "zarn-ingest/header/Fits.h"
@@ -39,7 +40,7 @@ void refuseValue(const std::string& value, const std::string& problem) {
     throw std::invalid_argument("\"" + printable(value) + "\" " + problem);
 }
 
-bool isText(const std::string& value) { return value.rfind('\'', 0) == 0; }
+bool isText(const std::string& value) { return beginsWith(value, "'"); }
 
 std::string textOf(const std::string& value) {
     if (!isText(value)) refuseValue(value, "is no text in quotes");

@@ -8,6 +8,7 @@
 #include <iterator>
 #include <optional>
 
+#include "shared/cli/BeginsWith.h"
 #include "shared/cli/TextStreams.h"
 #include "shared/sky/Angles.h"
 #include "shared/sky/Precession.h"
@@ -62,7 +63,7 @@ double decOf(const std::string& value) {
 /// A year, which texts may hold as 'J2000.0' or '2000'.
 double equinoxOf(const std::string& value) {
     const std::string year = isText(value) ? textOf(value) : value;
-    const bool isMarked = isText(value) && (year.rfind('J', 0) == 0 || year.rfind('B', 0) == 0);
+    const bool isMarked = isText(value) && (beginsWith(year, "J") || beginsWith(year, "B"));
     return numberOf(isMarked ? year.substr(1) : year, FIRST_EQUINOX, LAST_EQUINOX);
 }
 
