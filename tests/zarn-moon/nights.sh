@@ -162,13 +162,13 @@ testWrongUsage() {
         eval "complains 2 \"\$reason; see zarn-moon --help\" $words"
     done <"$data/wrong-usage.txt"
     # Only --local looks at the time zone.
-    for name in Europe/Romee XYZ XYZ-2:30x XYZ-2ABC,M1.1.1 ../zoneinfo "$(printf 'XYZ-%099d' 2)"; do
+    for name in Europe/Romee XYZ XYZ-2:30x XYZ-2ABC,M1.1.1 ../zoneinfo "$(printf 'X%.0s' {1..100})2"; do
         TZ=$name run 0 -T OLAN --mjd 61000
         TZ=$name complains 2 "--local: TZ, \"$name\", is not a time zone of this system's tz database, or one such as XYZ-2:30; see zarn-moon --help" \
             -T OLAN --local
     done
     mkdir -p zones/Here; printf 'TZif2' >zones/Here/There; echo no zone >zones/Here/Else
-    for name in '' UTC :UTC '<+0230>-2:30' NST3:30NDT,M3.2.0,M11.1.0 ABC12DEF,J60,300/-1 ABC2DEF Here/There "$PWD/zones/Here/There"; do
+    for name in '' UTC :UTC '<+0230>-2:30' NST3:30NDT,M3.2.0,M11.1.0 ABC12DEF,J60,300/-1 ABC2DEF "$(printf 'X%.0s' {1..99})2" Here/There "$PWD/zones/Here/There"; do
         TZDIR=$PWD/zones TZ=$name run 0 -T OLAN --mjd 61000 --local
     done
     TZDIR=$PWD/zones TZ=Here/Else run 2 -T OLAN --mjd 61000 --local
