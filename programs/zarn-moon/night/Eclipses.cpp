@@ -86,12 +86,11 @@ std::optional<Eclipse> eclipseOf(const Depths& depths) {
         return *std::max_element(depth.begin(), depth.end()) > 0.0;
     };
     if (!reaches(depths.penumbral)) return std::nullopt;
-    Eclipse eclipse = {"penumbral", 0.0, {}};
-    if (reaches(depths.partial)) eclipse.kind = "partial";
-    if (reaches(depths.total)) eclipse.kind = "total";
     const auto deepest = std::max_element(depths.partial.begin(), depths.partial.end());
     const auto index = static_cast<std::size_t>(deepest - depths.partial.begin());
-    eclipse.magnitude = *deepest / depths.diameter[index];
+    Eclipse eclipse = {"penumbral", *deepest / depths.diameter[index], {}};
+    if (reaches(depths.partial)) eclipse.kind = "partial";
+    if (reaches(depths.total)) eclipse.kind = "total";
     const auto add = [&](const char* name, const std::vector<double>& depth, bool begins) {
         for (const double time : crossings(depths.minutes, depth, begins))
             eclipse.contacts.push_back({name, time, false});
