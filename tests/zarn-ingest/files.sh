@@ -218,6 +218,8 @@ testVerbose() {
     says "zarn-ingest: a: gave out/a.fits"
     run 1 -v -n "$(printf '😀%.0s' {1..1250})"
     check "a long line without its end" [ -z "$(grep -aE '[^ -~]([0-9]{4}-|zarn)' err.txt; LC_ALL=C.UTF-8 grep -avx '.*' err.txt)" ]
+    run 1 -v -n "$(printf '\265%.0s' {1..5000})"
+    check "nor does one of bytes that only continue lose more" [ "$(LC_ALL=C grep -acE '^.{4000}' err.txt)" = 3 ]
     run 0 -v -o out a -f
     check "no log line of the library" grep -qE '^[-0-9]+ [0-9:.]+ DEBUG \[ [0-9]+ \] Setting' err.txt
 }

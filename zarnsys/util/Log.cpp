@@ -27,11 +27,11 @@ const char* levelWord(ACE_Log_Priority priority) {
 }
 
 /// How long a message may be that begins with these characters: never up to the middle of a UTF-8
-/// sequence.
+/// sequence, which is of four bytes at most.
 std::size_t lengthThatFits(const char* message) {
     const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; };
     std::size_t length = LONGEST_MESSAGE;
-    while (length > 0 && continues(message[length])) --length;
+    while (length > LONGEST_MESSAGE - 3 && continues(message[length])) --length;
     return length;
 }
 
