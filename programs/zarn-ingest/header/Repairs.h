@@ -16,7 +16,7 @@ struct Tally {
     std::size_t firstLine = 0;  ///< counted from 1; 0 while count is 0
 
     void add(std::size_t line, std::size_t number = 1) {
-        if (number > 0 && (count == 0 || line < firstLine)) firstLine = line;
+        if (count == 0 || line < firstLine) firstLine = line;
         count += number;
     }
 };

@@ -145,7 +145,6 @@ private:
             if (!card.value.comment.empty()) text += " / " + card.value.comment;
             card.cards = {text};
             cutComment(card);
-            card.isHierarch = true;
         }
     }
 
@@ -185,7 +184,6 @@ private:
             cards_.erase(found);
             leaveRepeated(keyword, cards_.begin());
         }
-        card.value = valueIn(value);
         begin_.push_back(std::move(card));
         passAxes();
     }

@@ -86,7 +86,6 @@ private:
 
     /// Whether a line can only stand before a card of another header.
     bool beginsHeader(const HeaderLine& line) const {
-        if (section_.lines.empty()) return false;
         if (isKeyword(line, "XTENSION")) return hasContent_ || (hasValue_ && nextCardIs("BITPIX"));
         if (isKeyword(line, "SIMPLE")) return hasStructure_ && nextCardIs("BITPIX");
         if (line.kind != Kind::OTHER) return false;
