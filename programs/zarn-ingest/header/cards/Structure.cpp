@@ -27,6 +27,7 @@ public:
         : cards_(std::move(cards)),
           position_(position),
           repairs_(repairs),
+          headerLine_(cards_.empty() ? 1 : cards_.front().number),
           isForExtensions_(position == HduPosition::FIRST && cards_.empty()) {}
 
     LogicalCards structured(const LogicalCards& titles) {
@@ -173,7 +174,7 @@ private:
         LogicalCard card;
         card.keyword = keyword;
         if (found == cards_.end()) {
-            if (!isImplied(keyword)) repairs_[Repair::SUPPLIED].add(firstLine());
+            if (!isImplied(keyword)) repairs_[Repair::SUPPLIED].add(lineOfMissing());
             card.cards = {fixedCard(keyword, value, comment)};
         } else {
             card.number = found->number;
@@ -325,7 +326,10 @@ private:
         return found == cards_.end() ? nullptr : &*found;
     }
 
-    std::size_t firstLine() const { return cards_.empty() ? 1 : cards_.front().number; }
+    /// The line before which a card is missing; if no line is left, that of the header.
+    std::size_t lineOfMissing() const {
+        return cards_.empty() ? headerLine_ : cards_.front().number;
+    }
 
     Cards cards_;  ///< those not yet placed
     Cards begin_;  ///< those placed
@@ -334,7 +338,8 @@ private:
     std::string tableName_;
     std::optional<TableColumns> table_;
     std::set<std::string> seenAxes_;  ///< and counts of data: a second one is left out
-    bool isForExtensions_;            ///< an empty primary header before a text's extension
+    std::size_t headerLine_;
+    bool isForExtensions_;  ///< an empty primary header before a text's extension
     bool isFormerPrimary_ = false;
 };
 
