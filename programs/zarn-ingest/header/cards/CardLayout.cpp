@@ -12,7 +12,7 @@ namespace {
 using Kind = HeaderLine::Kind;
 
 constexpr std::size_t VALUE_WIDTH = 20;   // of the fixed format: columns 11 to 30
-constexpr std::size_t LEAST_COMMENT = 8;  // shorter beginnings of a comment wait for the next card
+constexpr std::size_t LEAST_COMMENT = 8;  // so short a beginning waits for the next card
 constexpr std::string_view CONTINUES = "CONTINUE  ";
 const char DIVIDER[] = " / ";
 
