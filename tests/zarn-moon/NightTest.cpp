@@ -1,4 +1,4 @@
-// zarn-moon's nights and rows, where whole outputs do not show their edges.
+// zarn-moon's nights, rows and pictures, where whole outputs do not show their edges.
 
 #include <gtest/gtest.h>
 
@@ -9,6 +9,7 @@
 #include "shared/cli/UsageError.h"
 #include "tests/support/NumberTable.h"
 #include "tests/support/Transcript.h"
+#include "zarn-moon/forms/CurveNames.h"
 #include "zarn-moon/forms/Report.h"
 
 namespace zarn::moon {
@@ -70,13 +71,13 @@ TEST(NightTest, EventsAreWhereTheLineBetweenTwoMinutesCrosses) {
     // The sun sinks and rises by a sixteenth of a degree a minute, the moon the other way round; it
     // passes the south at 320 minutes, the north at 1040.
     const auto sun = [](int minute) { return std::abs(minute - 720) / 16.0 - 30.0; };
-    const Night slow =
-        nightOfPaths(sun, [](int minute) { return 20.0 - std::abs(minute - 700) / 16.0; },
-                     [](int minute) { return std::fmod(minute / 4.0 + 100, 360); });
+    const Night slow = nightOfPaths(
+        sun, [](int minute) { return 20.0 - std::abs(minute - 700) / 16.0; },
+        [](int minute) { return std::fmod(minute / 4.0 + 100, 360); });
     // From half a unit east of the meridian to 0.866 units west of it within a minute.
-    const Night nearZenith =
-        nightOfPaths(sun, [](int minute) { return minute <= 700 ? 60.0 : 30.0; },
-                     [](int minute) { return minute <= 700 ? 90.0 : 270.0; });
+    const Night nearZenith = nightOfPaths(
+        sun, [](int minute) { return minute <= 700 ? 60.0 : 30.0; },
+        [](int minute) { return minute <= 700 ? 90.0 : 270.0; });
     expectTranscript(TEST_DATA "/events.txt", [&](const std::string& night) {
         std::string events;
         for (const auto& [name, times] : eventsOf(night == "near the zenith" ? nearZenith : slow)) {
@@ -147,6 +148,16 @@ TEST(NightTest, AMillionRowsAreTheMost) {
     EXPECT_EQ(makeReport(settings).rows.at(0).targets.size(), MOST);
     settings.targets.push_back({});
     EXPECT_THROW(makeReport(settings), UsageError);
+}
+
+TEST(CurveNamesTest, ANameStandsWhereItIsTheClearest) {
+    expectTable(TEST_DATA "/curve-names.txt", [](const std::string& /*name*/, const auto& in) {
+        std::vector<NamedCurve> curves = {{in.at(5), {}}, {0.0, {{in.at(3), in.at(4)}}}};
+        for (std::size_t i = 6; i < in.size(); i += 2)
+            curves[0].points.push_back({in.at(i), in.at(i + 1)});
+        const auto place = namePlaces(curves, {{in.at(0), {in.at(1), in.at(2)}}}).at(0);
+        return place ? std::vector{place->x, place->y} : std::vector<double>{NAN, NAN};
+    });
 }
 
 }  // namespace zarn::moon
