@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# Runs the test programs, and the programs in their shell tests, under valgrind. What it reports goes to
+# standard error; the last line is the sum. Tests that fail since all takes longer are no matter here.
+#   valgrind.sh BUILD_DIRECTORY
+set -euo pipefail
+build=$(realpath "$1")
+tests=$(realpath "$(dirname "$0")/..")
+samples=$tests/../examples
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+mkdir "$work/logs" "$work/programs"
+cd "$work"
+
+# under NAME PROGRAM: makes the command programs/NAME, which runs PROGRAM with a log of its own. An
+# operator new of a program's own stays, as that of tests that let memory run out.
+under() {
+    cat >"programs/$1" <<EOF
+#!/bin/bash
+exec valgrind -q --leak-check=full --errors-for-leak-kinds=definite --show-leak-kinds=definite \
+    --soname-synonyms=somalloc=nouserintercepts --log-file='$work/logs/'\$\$-\$EPOCHREALTIME '$2' "\$@"
+EOF
+    chmod +x "programs/$1"
+}
+for program in "$build"/tests/*Test "$build"/programs/zarn-{ingest/zarn-ingest,moon/zarn-moon}; do
+    under "$(basename "$program")" "$program"
+done
+
+for test in programs/*Test; do "$test" >/dev/null || true; done
+ingest=$work/programs/zarn-ingest
+"$tests/zarn-moon/nights.sh" "$work/programs/zarn-moon" || true
+for name in files service desk accidents; do "$tests/zarn-ingest/$name.sh" "$ingest" "$samples/headers" || true; done
+"$tests/zarn-ingest/batch.sh" "$ingest" "$samples" || true
+"$tests/zarn-ingest/moon.sh" "$ingest" || true
+
+# A report begins with ==; a program whose standard output was closed may have had the log's descriptor.
+reports=$(grep -laE '^==[0-9]+==' logs/* | tee /dev/stderr | wc -l || true)
+echo "$(find logs -type f | wc -l) runs under valgrind, $reports with reports"
+[ "$reports" = 0 ]
