@@ -63,6 +63,9 @@ std::vector<double> eclipseOf(const std::string& kind, double date, double longi
         values.push_back((mjd - date) * MINUTES_PER_DAY);
         EXPECT_TRUE(moonUp) << name;
     }
+    // The shadow is crossed evenly, but for 0.05 minutes.
+    const std::size_t greatest = eclipse->contacts.size() / 2 + 1;
+    EXPECT_NEAR(values.at(greatest), (values.at(1) + values.back()) / 2.0, 0.05);
     EXPECT_FALSE(eclipseIn(erfa(), makeNight(erfa(), {"", 0.0, longitude - 180.0}, date)));
     for (const double later : {1.0, 29.0})
         EXPECT_FALSE(eclipseIn(erfa(), makeNight(erfa(), site, date + later)));
