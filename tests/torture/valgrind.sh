@@ -9,6 +9,7 @@ samples=$tests/../examples
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir "$work/logs" "$work/programs"
+chmod a+x "$work" && chmod a+w "$work/logs"  # some tests run as an ordinary user
 cd "$work"
 
 # under NAME PROGRAM: makes the command programs/NAME, which runs PROGRAM with a log of its own. An
@@ -16,7 +17,7 @@ cd "$work"
 under() {
     cat >"programs/$1" <<EOF
 #!/bin/bash
-exec valgrind -q --leak-check=full --errors-for-leak-kinds=definite --show-leak-kinds=definite \
+exec $(command -v valgrind) -q --leak-check=full --errors-for-leak-kinds=definite --show-leak-kinds=definite \
     --soname-synonyms=somalloc=nouserintercepts --log-file='$work/logs/'\$\$-\$EPOCHREALTIME '$2' "\$@"
 EOF
     chmod +x "programs/$1"
