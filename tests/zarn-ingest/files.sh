@@ -52,10 +52,10 @@ testConversion() {
 }
 
 testNames() {
-    mkdir in
+    mkdir in far; ln -s far link; header far/z
     header in/a.b.hdr; header in/.hdr; header in/x; header 'in/a[1].hdr'; header 'in/*.hdr'
-    run 0 -q -o out 'in/*.hdr' 'in/.hdr' in/x 'in/a[1].hdr' 'in/a.*'; silent
-    only a.b.fits .hdr.fits x.fits 'a[1].fits' '*.fits'
+    run 0 -q -o out 'in/*.hdr' 'in/.hdr' in/x 'in/a[1].hdr' 'in/a.*' 'l*/z'; silent
+    only a.b.fits .hdr.fits x.fits 'a[1].fits' '*.fits' z.fits
     rm -rf out
     for i in 3 1 4 5 9 2 6; do header "in/p$i"; done
     run 0 -n 'in/p?'
