@@ -35,7 +35,9 @@ for name in files service desk accidents; do during zarn-ingest/$name.sh "$inges
 during zarn-ingest/batch.sh "$ingest" "$samples"
 during zarn-ingest/moon.sh "$ingest"
 
-# A report begins with ==; a program whose standard output was closed may have had the log's descriptor.
-reports=$(grep -laE '^==[0-9]+==' logs/* | tee /dev/stderr | wc -l || true)
-echo "$(find logs -type f | wc -l) runs under valgrind, $reports with reports"
-[ "$reports" = 0 ]
+# A report begins with ==. A log of other things belongs to a program whose standard output was closed; one
+# with a host stacktrace to valgrind, which fails by itself where a test limits what a process may write.
+mapfile -t reports < <(grep -laE '^==[0-9]+==' logs/* | xargs -r grep -La 'host stacktrace')
+[ ${#reports[@]} = 0 ] || cat "${reports[@]}" >&2
+echo "$(find logs -type f | wc -l) runs under valgrind, ${#reports[@]} with reports"
+[ ${#reports[@]} = 0 ]
