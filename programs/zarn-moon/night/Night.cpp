@@ -9,15 +9,16 @@ namespace zarn::moon {
 namespace {
 
 /// The word that RULE_OF_WORDS gives for a night.
-std::string wordFor(const Summary& summary) {
-    constexpr double DARK = 0.25;      // illuminated fraction
-    constexpr double BRIGHT = 0.65;    // illuminated fraction
-    constexpr double HARDLY_UP = 0.1;  // of the astronomical night
-    constexpr double MOSTLY_UP = 0.5;  // of the astronomical night
-    if (summary.astronomicalHours == 0.0) return "bright";
-    const double up = 1.0 - summary.darkHours / summary.astronomicalHours;
-    if (summary.illumination < DARK || up < HARDLY_UP) return "dark";
-    return summary.illumination > BRIGHT && up > MOSTLY_UP ? "bright" : "grey";
+///
+/// @param astronomical  how long the sun is below -18 degrees [min]
+/// @param moonlit       for how long of that the moon is up [min]
+/// @param illumination  of the moon, as a fraction
+std::string wordFor(int astronomical, int moonlit, double illumination) {
+    constexpr double DARK = 0.25;
+    constexpr double BRIGHT = 0.65;
+    if (astronomical == 0) return "bright";
+    if (illumination < DARK || 10 * moonlit < astronomical) return "dark";
+    return illumination > BRIGHT && 2 * moonlit > astronomical ? "bright" : "grey";
 }
 
 bool isMoonDown(const Night& night, std::size_t minute) {
@@ -83,7 +84,7 @@ Summary summaryOf(const Night& night) {
     const std::size_t middle = night.instants.size() / 2;
     Summary summary = {astronomical / MINUTES_PER_HOUR, dark / MINUTES_PER_HOUR,
                        night.moon.illumination[middle], night.moon.phase[middle], ""};
-    summary.word = wordFor(summary);
+    summary.word = wordFor(astronomical, astronomical - dark, summary.illumination);
     return summary;
 }
 
@@ -105,8 +106,7 @@ bool isDark(const Night& night, std::size_t minute) {
 
 std::vector<Window> darkWindows(const Night& night) {
     std::vector<bool> dark;
-    for (std::size_t i = 0; i < night.instants.size(); ++i)
-        dark.push_back(isDark(night, i));
+    for (std::size_t i = 0; i < night.instants.size(); ++i) dark.push_back(isDark(night, i));
     std::vector<Window> windows;
     for (const Stretch& stretch : stretches(dark))
         windows.push_back(windowOf(night, stretch, true));
