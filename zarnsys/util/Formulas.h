@@ -26,6 +26,7 @@ constexpr double J2000 = 2451545.0;           // [d], Julian Date
 constexpr double DAYS_PER_CENTURY = 36525.0;  // Julian century [d]
 constexpr double HOURS_PER_DAY = 24.0;
 constexpr double SECONDS_PER_DAY = 86400.0;
+constexpr double SYNODIC_MONTH = 29.5305888531;  // mean [d]
 
 /// One term of a series in T, Julian centuries from J2000: amplitude * f(phase + rate * T).
 struct Term {

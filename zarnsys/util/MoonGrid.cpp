@@ -21,8 +21,6 @@ using grids::LANES;
 using grids::Observer;
 using grids::Values;
 
-constexpr double SYNODIC_MONTH = 29.5305888531;  // mean [d]
-
 [[gnu::always_inline]] inline double separation(double cosine) {
     return std::acos(cosine) * FULL_DEG_PER_RAD;
 }
@@ -130,7 +128,7 @@ void computePhases(const std::vector<MJD_DATE>& instants, std::vector<double>& p
     for (std::size_t i = 0; i < instants.size(); ++i) {
         const double jd = instants[i] + JD_OF_MJD_0;
         if (!holds(lunation, jd)) lunation = findLunation(jd);
-        phases[i] = static_cast<double>(ageIn(lunation, jd)) / SYNODIC_MONTH;
+        phases[i] = static_cast<double>(ageIn(lunation, jd)) / formulas::SYNODIC_MONTH;
     }
 }
 

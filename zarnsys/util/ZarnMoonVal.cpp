@@ -16,7 +16,6 @@ using positions::pairOf;
 
 constexpr double JD_OF_MJD_0 = 2400000.5;
 constexpr double DEG_PER_HOUR = 15.0;
-constexpr double SYNODIC_MONTH = 29.5305888531;  // mean [d]
 // The full value, unlike the shortened one of the routines beneath; it is part of the results.
 constexpr double DEG_PER_RAD = 57.29577951308238;
 
@@ -81,7 +80,7 @@ void computeMoonParam(const double& starRa, const double& starDec, const MJD_DAT
     const Vector horizon = horizonOf(moon, hourAngle, site);
     *moonfliPtr = (1.0 - formulas::cosineBetween(sun, moon)) * 0.5;
     int nlun = 0;
-    *moonphasePtr = static_cast<double>(lun_age(jd, &nlun)) / SYNODIC_MONTH;
+    *moonphasePtr = static_cast<double>(lun_age(jd, &nlun)) / formulas::SYNODIC_MONTH;
     *moonaltPtr = formulas::altitude(horizon);
     *moonazPtr = formulas::azimuth(horizon);
     *objdistPtr = distance;

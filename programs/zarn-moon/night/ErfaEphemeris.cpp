@@ -155,7 +155,6 @@ std::size_t endOfDay(const std::vector<MJD_DATE>& instants, std::size_t begin) {
 }  // namespace
 
 SkyPath ErfaEphemeris::pathOver(const Site& site, const std::vector<MJD_DATE>& instants) const {
-    constexpr double SYNODIC_MONTH = 29.530588853;  // mean [d]
     const Vector observer = observerAt(site);
     SkyPath path;
     Age age(*this);

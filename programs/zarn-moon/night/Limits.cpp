@@ -43,7 +43,6 @@ double leastAltitudeOf(const Settings& settings, const Target& target) {
 }
 
 double leastMoonDistance(const Settings& settings, double phase) {
-    constexpr double SYNODIC_MONTH = 29.530588853;  // mean [d], Meeus 1998, chapter 49
     constexpr double FULL = 0.5;
     const double least = settings.minMoonDistance.value_or(0.0);
     if (!settings.moonAvoidance) return least;
