@@ -16,13 +16,13 @@ namespace {
 /// The instants to draw: from half an hour before sunset to half an hour after sunrise.
 std::vector<MJD_DATE> instantsToDraw(const Night& night) {
     constexpr std::size_t MARGIN = 30;  // [minutes]
-    const auto isDark = [](double altitude) { return altitude < HORIZON; };
+    const auto isDown = [](double altitude) { return altitude < HORIZON; };
     const auto& sun = night.sunAltitudes;
     const auto first =
-        static_cast<std::size_t>(std::find_if(sun.begin(), sun.end(), isDark) - sun.begin());
+        static_cast<std::size_t>(std::find_if(sun.begin(), sun.end(), isDown) - sun.begin());
     const auto last =
         sun.size() -
-        static_cast<std::size_t>(std::find_if(sun.rbegin(), sun.rend(), isDark) - sun.rbegin());
+        static_cast<std::size_t>(std::find_if(sun.rbegin(), sun.rend(), isDown) - sun.rbegin());
     const bool never = first >= last;
     const std::size_t begin = never || first < MARGIN ? 0 : first - MARGIN;
     const std::size_t end = never ? sun.size() : std::min(sun.size(), last + MARGIN);

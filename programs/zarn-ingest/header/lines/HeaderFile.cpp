@@ -47,8 +47,9 @@ bool promisesData(const std::string& bytes) {
     const std::string naxis = "NAXIS   =";
     for (std::size_t at = 0; at < bytes.size(); at += CARD_LENGTH) {
         if (bytes.compare(at, naxis.size(), naxis) != 0) continue;
-        const std::string value = bytes.substr(at, bytes.find('/', at) - at);
-        if (value.find_first_of("123456789") < CARD_LENGTH) return true;
+        const std::string card = bytes.substr(at, CARD_LENGTH);
+        const std::string value = card.substr(0, card.find('/'));
+        if (value.find_first_of("123456789") != std::string::npos) return true;
     }
     return false;
 }
