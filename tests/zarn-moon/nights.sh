@@ -269,6 +269,7 @@ testPlot() {
     done <"$data/gnuplot.txt"
     files empty err.txt fake out.txt
     fakeGnuplot 'cat >/dev/null; echo "$@ $(head -c 100000 /dev/zero | tr "\0" x) IEND"'
+    PATH=$PWD/fake:$PATH check "a parent ignored SIGCHLD" env --ignore-signal=CHLD "$binary" -o t.txt -p "1N 1E" --plot "$odd"
     drawing 0 -p "1N 1E" --targets <(seq -f "n,%g,1" 12) --plot "$odd" -o t.txt
     check "the whole picture" [ "$(wc -c <"$odd") $(head -c 20 "$odd")" = '100027 --default-settings -' ]
     files "$odd" empty err.txt fake out.txt t.txt

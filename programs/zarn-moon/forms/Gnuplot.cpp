@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <stdexcept>
 #include <system_error>
 
@@ -60,6 +61,7 @@ std::string runGnuplot(const std::string& script) {
     streams.redirect(STDERR_FILENO, messages);
     std::array<std::string, 3> words = {"gnuplot", "--default-settings", "-"};
     std::array<char*, 4> arguments = {words[0].data(), words[1].data(), words[2].data(), nullptr};
+    std::signal(SIGCHLD, SIG_DFL);  // a parent may leave it ignored: no exit status would come then
     pid_t process = 0;
     const int error = ::posix_spawnp(&process, words[0].c_str(), streams.get(), nullptr,
                                      arguments.data(), environ);
