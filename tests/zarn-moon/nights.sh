@@ -222,6 +222,8 @@ testResultFiles() {
     says 'zarn-moon: cannot write to standard output'
     bounded -T OLAN -s 0.2 --format json 2>err.txt | head -n 1 >out.txt
     check "a reader that leaves, after $(wc -l <out.txt) line" [ "${PIPESTATUS[0]} $(wc -l <out.txt)" = '141 1' ]
+    env --block-signal=PIPE "$binary" -T OLAN -s 0.2 --format json 2>err.txt | head -n 1 >out.txt
+    check "the same, while SIGPIPE is blocked" [ "${PIPESTATUS[0]}" = 141 ]
     silent
 }
 
