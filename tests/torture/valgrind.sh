@@ -18,7 +18,8 @@ under() {
     cat >"programs/$1" <<EOF
 #!/bin/bash
 exec $(command -v valgrind) -q --vgdb=no --leak-check=full --errors-for-leak-kinds=definite \
-    --show-leak-kinds=definite --soname-synonyms=somalloc=nouserintercepts --log-file='$work/logs/'\$\$-\$EPOCHREALTIME '$2' "\$@"
+    --show-leak-kinds=definite --soname-synonyms=somalloc=nouserintercepts \
+    --log-file='$work/logs/'\$\$-\$EPOCHREALTIME '$2' "\$@"
 EOF
     chmod +x "programs/$1"
 }
