@@ -26,15 +26,17 @@ from scenarios import FILES, PROPERTIES, SCENARIOS, judged, prepare, results
 FAILING = {
     "EACCES": "lstat mkdir newfstatat open openat stat",
     "EBUSY": "rmdir unlink unlinkat",
+    "EDQUOT": "fsync mkdir openat rename renameat renameat2 syncfs write writev",
     "EINTR": "flock poll read write",
     "EINVAL": "renameat2",
     "EIO": """close fchmod fstat fsync ftruncate getdents64 lseek lstat newfstatat openat pread64 read rename
-              renameat renameat2 stat statfs statx syncfs write""",
+              renameat renameat2 stat statfs statx syncfs write writev""",
     "EMFILE": "dup eventfd2 memfd_create open openat",
     "ENOLCK": "flock",
     "ENOMEM": "memfd_create poll",
-    "ENOSPC": "fsync mkdir openat rename renameat renameat2 syncfs write",
+    "ENOSPC": "fsync mkdir openat rename renameat renameat2 syncfs write writev",
     "EPERM": "fchmod",
+    "EROFS": "mkdir openat rename renameat renameat2 unlink unlinkat",
     "ESTALE": "newfstatat",
 }
 LOADER = 127  # the exit status when it fails
@@ -63,6 +65,9 @@ class Program:
     def __init__(self, path):
         self.path = path
 
+    def begin(self, scenario):
+        """Brings about what a scenario goes on from."""
+
     def run(self, scenario, *launcher):
         command = [*launcher, self.path, *self.scenarios[scenario]]
         try:
@@ -84,6 +89,14 @@ class Ingest(Program):
     scenarios = SCENARIOS
     own = r"^\d+ +eventfd2\(.*"  # what comes before is the loader's, and ACE's
     tracer = ["strace", "-f"]
+
+    def begin(self, scenario):
+        if scenario != "resume":
+            return
+        subprocess.run([self.path, *SCENARIOS[scenario][:-1], "in/a.hdr"], capture_output=True, check=True)
+        for path in pathlib.Path("journal").iterdir():
+            with path.open("a") as lines:
+                lines.write("cut short by a kill")
 
     @staticmethod
     def files():
@@ -225,12 +238,13 @@ class Allocations:
 
 
 @contextlib.contextmanager
-def prepared():
+def prepared(program, scenario):
     """A new directory with all that programs are given."""
     with workplace():
         prepare()
         for name, text in GIVEN.items():
             pathlib.Path(name).write_text(text)
+        program.begin(scenario)
         yield
 
 
@@ -248,17 +262,17 @@ def main():
     for path in options.programs:
         program = kinds[os.path.basename(path)](path)
         for scenario in program.scenarios:
-            with prepared():
+            with prepared(program, scenario):
                 undisturbed = program.run(scenario)
             if undisturbed.returncode != 0:
                 faults.append(f"{scenario}: status {undisturbed.returncode}: {undisturbed.stderr}")
-            with prepared():
+            with prepared(program, scenario):
                 failures = list(means.failures(program, scenario))
             cases += [(program, scenario, failure, undisturbed) for failure in failures]
     tried = sampled(cases, options.sample)
     blind = 0
     for program, scenario, failure, undisturbed in tried:
-        with prepared():
+        with prepared(program, scenario):
             ran = program.run(scenario, *means.launcher(program, failure))
             if means.is_blind(ran):
                 blind += 1
