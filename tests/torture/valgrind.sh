@@ -4,6 +4,7 @@
 #   valgrind.sh BUILD_DIRECTORY
 set -euo pipefail
 build=$(realpath "$1")
+valgrind=$(command -v valgrind) || { echo "valgrind.sh: needs valgrind" >&2; exit 1; }
 tests=$(realpath "$(dirname "$0")/..")
 samples=$tests/../examples
 work=$(mktemp -d)
@@ -17,7 +18,7 @@ cd "$work"
 under() {
     cat >"programs/$1" <<EOF
 #!/bin/bash
-exec $(command -v valgrind) -q --vgdb=no --leak-check=full --errors-for-leak-kinds=definite \
+exec $valgrind -q --vgdb=no --leak-check=full --errors-for-leak-kinds=definite \
     --show-leak-kinds=definite --soname-synonyms=somalloc=nouserintercepts \
     --log-file='$work/logs/'\$\$-\$EPOCHREALTIME '$2' "\$@"
 EOF
