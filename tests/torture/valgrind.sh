@@ -6,37 +6,30 @@ set -euo pipefail
 build=$(realpath "$1")
 valgrind=$(command -v valgrind) || { echo "valgrind.sh: needs valgrind" >&2; exit 1; }
 tests=$(realpath "$(dirname "$0")/..")
-samples=$tests/../examples
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-mkdir "$work/logs" "$work/programs"
-chmod a+x "$work" && chmod a+w "$work/logs"  # some tests run as an ordinary user
-cd "$work"
-
-# under NAME PROGRAM: makes the command programs/NAME, which runs PROGRAM with a log of its own. An
-# operator new of a program's own stays, as that of tests that let memory run out.
-under() {
-    cat >"programs/$1" <<EOF
+cd "$work" && mkdir logs programs
+chmod a+x . && chmod a+w logs  # some tests run as an ordinary user
+# Commands that run a program with a log of its own. An operator new of a program's own stays, as that of
+# tests that let memory run out.
+for program in "$build"/tests/*Test "$build"/programs/zarn-{ingest/zarn-ingest,moon/zarn-moon}; do
+    cat >"programs/$(basename "$program")" <<EOF
 #!/bin/bash
 exec $valgrind -q --vgdb=no --leak-check=full --errors-for-leak-kinds=definite \
     --show-leak-kinds=definite --soname-synonyms=somalloc=nouserintercepts \
-    --log-file='$work/logs/'\$\$-\$EPOCHREALTIME '$2' "\$@"
+    --log-file='$work/logs/'\$\$-\$EPOCHREALTIME '$program' "\$@"
 EOF
-    chmod +x "programs/$1"
-}
-for program in "$build"/tests/*Test "$build"/programs/zarn-{ingest/zarn-ingest,moon/zarn-moon}; do
-    under "$(basename "$program")" "$program"
 done
-
+chmod +x programs/*
 for test in programs/*Test; do "$test" >/dev/null || true; done
-ingest=$work/programs/zarn-ingest
 # during SCRIPT ARGUMENT...: not for ever, as a slow service can miss what a test waits for.
 during() { timeout 1200 "$tests/$1" "${@:2}" || true; }
 during zarn-moon/nights.sh "$work/programs/zarn-moon"
-for name in files service desk accidents; do during zarn-ingest/$name.sh "$ingest" "$samples/headers"; done
-during zarn-ingest/batch.sh "$ingest" "$samples"
-during zarn-ingest/moon.sh "$ingest"
-
+for name in files service desk accidents; do
+    during zarn-ingest/$name.sh "$work/programs/zarn-ingest" "$tests/../examples/headers"
+done
+during zarn-ingest/batch.sh "$work/programs/zarn-ingest" "$tests/../examples"
+during zarn-ingest/moon.sh "$work/programs/zarn-ingest"
 # A report begins with ==. A log of other things belongs to a program whose standard output was closed; one
 # of an assertion to valgrind, which fails by itself where a test limits its descriptors.
 mapfile -t reports < <(grep -laE '^==[0-9]+==' logs/* | xargs -r grep -La '^valgrind: m_')
