@@ -20,6 +20,7 @@
 #include <zarnsys/util/ZarnMoonVal.h>
 #include <zarnsys/util/ZarnSysEx.h>
 
+#include <array>
 #include <atomic>
 #include <filesystem>
 #include <fstream>
@@ -66,8 +67,16 @@ std::string callMoon(int thread) {
     std::ostringstream text;
     ZarnMoonVal(83.82, -5.39, MJD + thread, OLAN).print(text);
     const Place place = telescopePlace(OLAN);
-    text << computeMoonGrid({{83.82, -5.39}, {10.68, 41.27}}, {MJD + thread}, place)
-                .separation(0, 1);
+    const std::vector<SkyPosition> targets{{83.82, -5.39}, {10.68, 41.27}};
+    SkyConditions conditions;
+    conditions.extinction = 0.17;
+    conditions.darkSky = 21.6;
+    MoonGrid moon = computeMoonGrid(targets, {MJD}, place);
+    SkyGrid sky = computeSkyGrid(targets, {MJD}, place, conditions);
+    text << moon.separation(0, 1) << sky.sky(0, 1);
+    computeMoonGrid(targets, {MJD + thread}, place, moon);
+    computeSkyGrid(targets, {MJD + thread}, place, conditions, sky);
+    text << moon.separation(0, 1) << sky.sky(0, 1);
     return text.str();
 }
 
@@ -79,27 +88,32 @@ std::string callTexts(int thread) {
     float available = 0;
     const int found = ZarnSys::getFilesystemInfo(".", &total, &available);
     ZarnSys::sleep(0);
+    std::array<char, 27> text{};
     return words.back() + ZarnSys::lower("ABC") + WexoTime::asISOTimeString(time) +
-           WexoTime::asUnixTimeString(time) + std::to_string(found);
+           WexoTime::asISOTimeString(time, text.data()) + WexoTime::asUnixTimeString(time) +
+           std::to_string(found);
 }
 
 std::string callFiles(int thread) {
     const std::string folder = "thread" + std::to_string(thread);
     std::stringstream text;
+    FitsFile* fits = nullptr;
+    text << ZarnSysFits::openFitsFile(fits, folder + "/none", READONLY);
     FileIO file(folder + "/text", true, true);
     file.write(CARDS).rename(folder + "/cards").load(text);
     std::vector<std::string> names;
     FileIO(folder + "/c*", true, false).match(names, 0);
-    FitsFile* fits = nullptr;
     text << names.size() << file.isFile() << file.exists() << file.pathExists()
          << ZarnSysFits::hdr2fits(&fits, folder + "/cards", "!" + folder + "/x.fits")
+         << ZarnSysFits::closeFitsFile(fits)
+         << ZarnSysFits::openFitsFile(fits, folder + "/x.fits", READONLY)
          << ZarnSysFits::closeFitsFile(fits);
     file.remove(false);
     return text.str();
 }
 
 std::string callAll(int thread) {
-    return callAstronomy(thread) + callMoon(thread) + callTexts(thread) + callFiles(thread);
+    return callFiles(thread) + callAstronomy(thread) + callMoon(thread) + callTexts(thread);
 }
 
 std::atomic<int> nextThread{0};
@@ -111,6 +125,7 @@ bool hasRolled() { return std::ifstream("log.1").good(); }
 /// A thread's rounds, and more until the log has rolled: each must give what the first one gave.
 void* callInThread(void* /*unused*/) {
     const int thread = nextThread++;
+    while (nextThread < THREADS) std::this_thread::yield();  // the first calls are together, too
     const std::string first = callAll(thread);
     for (int round = 1; round < rounds || !hasRolled(); ++round)
         if (callAll(thread) != first) ++faults;

@@ -14,6 +14,10 @@ constexpr int FITS_ERROR_MESSAGE_MAX_LENGTH = 31;  // CFITSIO's status text and 
 // library at run time look for one.
 [[gnu::used]] const int* const exportedRecordMaxLength = &ZarnSysFits::RECORD_MAX_LENGTH;
 
+/// Readies CFITSIO, which does so by itself when it first opens a file, but then not for one thread
+/// alone: another may take tables half filled and a lock not yet made.
+void initialiseCfitsio() { [[maybe_unused]] static const int done = fits_init_cfitsio(); }
+
 /// The lines of a file, up to the first that cannot be read.
 ///
 /// @throw std::bad_alloc  where the stream alone would say nothing, and end
@@ -57,6 +61,7 @@ void dropDataArray(FitsFile* file, int& status) {
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the published signature takes a value
 int ZarnSysFits::openFitsFile(FitsFile*& rpfitsFile, std::string fileName, int mode) {
+    initialiseCfitsio();
     int status = 0;
     return fits_open_file(&rpfitsFile, fileName.c_str(), mode, &status);
 }
@@ -69,6 +74,7 @@ int ZarnSysFits::closeFitsFile(FitsFile* pfitsFile) {
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the published signature takes values
 int ZarnSysFits::hdr2fits(FitsFile** fptr, std::string hdrFilename, std::string fitsFilename) {
     const std::vector<std::string> header = readLines(hdrFilename);
+    initialiseCfitsio();
     int status = 0;
     if (fits_create_file(fptr, fitsFilename.c_str(), &status) == 0) {
         if (writeRecords(*fptr, header, status)) {

@@ -3,7 +3,8 @@
 ///
 /// Every function returns a CFITSIO status, 0 for success, and throws nothing but `std::bad_alloc`.
 /// File names meet CFITSIO's own rules: it gives a meaning to brackets, parentheses, '!', ".gz" and
-/// more. The functions keep no state; threads may use them as far as the CFITSIO build allows.
+/// more. The functions keep no state; threads may use them as far as the CFITSIO build allows, also
+/// for the first file of the process.
 #ifndef ZARNSYS_UTIL_FITSUTILS_H
 #define ZARNSYS_UTIL_FITSUTILS_H
 
