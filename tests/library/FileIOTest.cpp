@@ -16,7 +16,6 @@
 
 #include "tests/support/Child.h"
 #include "tests/support/LogCapture.h"
-#include "tests/support/Memory.h"
 #include "tests/support/TempDir.h"
 #include "tests/support/Transcript.h"
 #include "zarnsys/util/FileIO.h"
@@ -241,26 +240,6 @@ TEST_F(FileIOTest, MatchReplacesTheListByWhatItFinds) {
     }
     file.setFileName(dir_ / "\\a.fit[s]").match(found, 0);
     EXPECT_EQ(found, Lines{dir_ / "a.fits"});
-}
-
-TEST_F(FileIOTest, AMatchWithoutMemoryFailsAndKeepsTheList) {
-    for (const char* name : {"a", "b", "c"}) dir_.put(name, "");
-    FileIO file(dir_ / "*", true, false);
-    const std::string message = "Error executing a glob operation with pattern: " + (dir_ / "*");
-    int failures = 0;
-    for (int allocations = 0; allocations < 30; ++allocations) {
-        Lines found = {"earlier"};
-        allocationsLeft = allocations;
-        try {
-            file.match(found, 0);
-        } catch (ZarnSysEx& exception) {
-            failures += exception.what().find(message) == 0 && found == Lines{"earlier"} ? 1 : 0;
-        } catch (const std::bad_alloc&) {
-            EXPECT_EQ(found.size(), 1U) << "by the first log line";
-        }
-        allocationsLeft = -1;
-    }
-    EXPECT_GE(failures, 4) << "three names and their list";
 }
 
 TEST_F(FileIOTest, FilesBeyondTwoGibibytesWork) {

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "tests/support/LogCapture.h"
-#include "tests/support/Memory.h"
 #include "tests/support/TempDir.h"
 #include "zarnsys/util/FitsUtils.h"
 
@@ -72,27 +71,6 @@ TEST_F(FitsUtilsTest, TheHeaderKeepsItsCardsAndDescribesNoData) {
         EXPECT_EQ(opened, mode);
         EXPECT_EQ(ZarnSysFits::closeFitsFile(file), 0);
     }
-}
-
-TEST_F(FitsUtilsTest, NoLineIsLeftOutWhereMemoryRunsOut) {
-    dir_.put("in.hdr", SIMPLE + "\n" + BITPIX + "\n" + NAXIS + "\n" + OBJECT + "\n");
-    const std::string header = dir_ / "in.hdr";
-    const std::string result = dir_ / "out.fits";
-    FitsFile* file = nullptr;
-    long refused = 0;
-    while (file == nullptr) {
-        allocationsLeft = refused++;
-        try {
-            EXPECT_EQ(ZarnSysFits::hdr2fits(&file, header, result), 0);
-        } catch (const std::bad_alloc&) {
-            EXPECT_FALSE(std::filesystem::exists(result));
-        }
-    }
-    allocationsLeft = -1;
-    EXPECT_EQ(ZarnSysFits::closeFitsFile(file), 0);
-    EXPECT_EQ(cards(),
-              (Lines{padded(SIMPLE), padded(BITPIX), NO_AXES, padded(OBJECT), padded("END")}));
-    EXPECT_GT(refused, 6);  // four lines, their vector, a name
 }
 
 TEST_F(FitsUtilsTest, NaxisIsAppendedWhereMissing) {

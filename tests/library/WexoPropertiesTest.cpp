@@ -7,7 +7,6 @@
 
 #include "tests/support/Grouping.h"
 #include "tests/support/LogCapture.h"
-#include "tests/support/Memory.h"
 #include "tests/support/Transcript.h"
 #include "zarnsys/util/WexoProperties.h"
 #include "zarnsys/util/WexoTime.h"
@@ -72,14 +71,6 @@ TEST_F(WexoPropertiesTest, ThereIsOneInstance) {
     EXPECT_EQ(first->status(), 0);
     delete first;  // the library never does
     Properties::forget();
-}
-
-TEST_F(WexoPropertiesTest, AConfigurationWithoutMemoryTellsByItsStatus) {
-    allocationsLeft = 1;  // the second is the configuration's
-    const Properties without;
-    allocationsLeft = -1;
-    EXPECT_EQ(log_.take(), Lines{"128 ERROR [ ] Can't open configuration\n"});
-    EXPECT_EQ(without.status(), -1);
 }
 
 }  // namespace

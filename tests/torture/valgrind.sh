@@ -10,13 +10,11 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work" && mkdir logs programs
 chmod a+x . && chmod a+w logs  # some tests run as an ordinary user
-# Commands that run a program with a log of its own. An operator new of a program's own stays, as that of
-# tests that let memory run out.
+# Commands that run a program with a log of its own.
 for program in "$build"/tests/*Test "$build"/programs/zarn-{ingest/zarn-ingest,moon/zarn-moon}; do
     cat >"programs/$(basename "$program")" <<EOF
 #!/bin/bash
-exec $valgrind -q --vgdb=no --leak-check=full --errors-for-leak-kinds=definite \
-    --show-leak-kinds=definite --soname-synonyms=somalloc=nouserintercepts \
+exec $valgrind -q --vgdb=no --leak-check=full --errors-for-leak-kinds=definite --show-leak-kinds=definite \
     --log-file='$work/logs/'\$\$-\$EPOCHREALTIME '$program' "\$@"
 EOF
 done
