@@ -19,7 +19,7 @@ import sys
 from common import SKIPPED, can_trace, ended, workplace
 from scenarios import SCENARIOS, prepare
 
-CALLS = "write,rename,renameat,renameat2,link,linkat,fsync,syncfs"
+CALLS = "write,writev,openat,mkdir,unlink,unlinkat,rename,renameat,renameat2,link,linkat,fsync,syncfs"
 RUNS = {  # arguments
     "a batch with a journal": ["-j", "journal", "-o", "out", "in/*.hdr"],
     "a batch that goes on": SCENARIOS["resume"],
@@ -30,9 +30,10 @@ RUNS = {  # arguments
 class Disk:
     """What a power cut would take."""
 
-    def __init__(self):
+    def __init__(self, known):
+        self.known = known    # files and directories that are there
         self.written = set()  # files whose content is not safe
-        self.named = set()    # files whose names are not safe
+        self.named = set()    # what has a name that is not safe
         self.told = {}        # sources in the journal, and the journal
         self.faults = []
         self.moves = 0
@@ -49,15 +50,24 @@ class Disk:
         if fields[4] == "converted" and not self.is_safe(result):
             self.faults.append(f"{fields[3]} is told of and not safe")
 
+    def make(self, path):
+        if path not in self.known:
+            self.known.add(path)
+            self.named.add(path)
+
+    def remove(self, path):
+        for paths in self.known, self.written, self.named:
+            paths.discard(path)
+
     def rename(self, old, new):
         if old.endswith(".hdr"):
             self.moves += 1
             if not self.is_safe(self.told.get(old)):
                 self.faults.append(f"{old} moves, and its journal line is not safe")
         if old in self.written:
-            self.written.remove(old)
             self.written.add(new)
-        self.named.discard(old)
+        self.remove(old)
+        self.known.add(new)
         self.named.add(new)
 
     def sync(self, path):
@@ -69,7 +79,8 @@ class Disk:
         self.named.clear()
 
     def is_safe(self, path):
-        return path is not None and os.path.exists(path) and path not in self.written | self.named
+        return (path is not None and os.path.exists(path) and path not in self.written
+                and not any(path == name or path.startswith(name + "/") for name in self.named))
 
 
 def follow(trace, disk):
@@ -77,34 +88,41 @@ def follow(trace, disk):
     quoted = r'"((?:[^"\\]|\\.)*)"(?:\.\.\.)?'
     place = r"(?:\w+<([^>]*)>, )?"
     for line in trace.splitlines():
-        call = re.match(r"\d+ +(\w+)\((.*)\) += \d+$", line)
+        call = re.match(r"\d+ +(\w+)\((.*)\) += \d+(?:<.*>)?$", line)
         if not call:
             continue
         name, arguments = call.groups()
-        if name == "write":
-            written = re.match(rf"\d+<(/[^>]*)>, {quoted}", arguments)  # not files in memory
+        paths = [os.path.abspath(os.path.join(folder, file))
+                 for folder, file in re.findall(place + quoted, arguments)]
+        if name.startswith("write"):
+            written = re.match(rf"\d+<(/[^>]*)>, .*?{quoted}", arguments)  # not files in memory
             if written:
                 disk.write(written.group(1), codecs.decode(written.group(2), "unicode_escape"))
         elif name == "fsync":
             disk.sync(re.match(r"\d+<([^>]*)>", arguments).group(1))
         elif name == "syncfs":
             disk.sync_all()
-        else:
-            parts = re.match(rf"{place}{quoted}, {place}{quoted}", arguments).groups()
-            old, new = (os.path.join(folder or "", file) for folder, file in (parts[:2], parts[2:]))
-            disk.rename(os.path.abspath(old), os.path.abspath(new))
+        elif name.startswith(("rename", "link")):
+            disk.rename(*paths)
+        elif name.startswith("unlink"):
+            disk.remove(*paths)
+        elif name == "mkdir" or "O_CREAT" in arguments:
+            disk.make(*paths)
 
 
 def run(program, arguments, files):
     """Faults of one run in the present directory."""
     prepare([str(number) for number in range(files)])
+    if "-r" in arguments and files > 1:
+        subprocess.run([program, "-q", *arguments[:-1], "in/*1.hdr"], check=True)
+    left = files - len(list(pathlib.Path("out").glob("*.fits")))
+    disk = Disk({str(path.absolute()) for path in pathlib.Path().rglob("*")})
     subprocess.run(["strace", "-f", "-y", "-s", "100000", "-o", "trace", "-e", f"trace={CALLS}",
                     program, "-q", *arguments], check=True)
-    disk = Disk()
     follow(pathlib.Path("trace").read_text(errors="replace"), disk)
     yield from disk.faults
-    if len(disk.told) != files:
-        yield f"{len(disk.told)} of {files} files are in the journal"
+    if len(disk.told) != left:
+        yield f"{len(disk.told)} of {left} files are in the journal"
     if arguments[0] == "-p" and disk.moves != files:
         yield f"{disk.moves} of {files} files were moved"
     yield from (f"{path} is not safe at the end" for path in sorted(disk.written | disk.named)

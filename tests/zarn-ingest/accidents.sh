@@ -64,7 +64,7 @@ testOutputReplaced() {
 testWorkRemovedBeforeTheRename() {
     needsTracing || return
     expectResults; properties; arrive a.hdr
-    strace -f -o trace -e inject=fsync:delay_enter=2000000:when=1 "$program" -q -p p.ini 2>err.txt &
+    strace -f -o trace -e inject=fsync:delay_enter=2000000:when=6 "$program" -q -p p.ini 2>err.txt &
     waitFor eval '[ -s fits/.zarn*/1.fits ]'
     rm -r fits/.zarn*
     ended 1 $!
@@ -169,7 +169,7 @@ testStepsFail() {
     says 'Too many open files'; has in/a.hdr
     run 0 -p p.ini; says '1 converted, 0 failed'; nothingLost a b
     arrive c.hdr
-    failing 1 fsync:error=EIO:when=2 -p p.ini  # of the output directory, behind the rename
+    failing 1 fsync:error=EIO:when=7 -p p.ini  # of the output directory, behind the rename
     says 'cannot be made safe on disk: Input/output error'; has in/c.hdr; has fits/c.fits
     run 0 -q -p p.ini; nothingLost a b c
     arrive d.hdr
@@ -183,7 +183,7 @@ testStepsFail() {
     failing 1 unlinkat:error=EBUSY -q -p p.ini  # what is left of one file disturbs no other
     check "the header's fault" [ "$(ls failed)" = "$(printf 'd0.hdr\nd0.hdr.reason')" ]
     rm failed/*; sed -i /d0.hdr/d journal/*; nothingLost a b c d e{1..40} f
-    strace -f -o trace -e inject=fsync:error=EIO:when=4 \
+    strace -f -o trace -e inject=fsync:error=EIO:when=9 \
         "$program" -p p.ini --watch 2>err.txt &
     service=$!
     arrive g.hdr; waitFor [ -e done/g.hdr ]; says 'not safe on disk: Input/output error'

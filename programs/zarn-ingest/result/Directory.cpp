@@ -17,6 +17,11 @@ namespace {
     throw WorkStops(what + ": " + std::generic_category().message(errno));
 }
 
+void syncEntries(const Descriptor& directory, const std::string& name) {
+    if (::fsync(directory.get()) != 0)
+        stopWork("the directory " + name + " cannot be made safe on disk");
+}
+
 }  // namespace
 
 Directory::Directory(std::string name)
@@ -41,9 +46,13 @@ void Directory::checkCurrent() const {
     throw WorkStops("the directory " + name_ + " was replaced by another one");
 }
 
-void Directory::sync() const {
-    if (::fsync(fd_.get()) != 0)
-        stopWork("the directory " + name_ + " cannot be made safe on disk");
+void Directory::sync() const { syncEntries(fd_, name_); }
+
+void Directory::syncName() const {
+    const Descriptor parent(::openat(fd_.get(), "..", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (parent.get() == -1 && errno == EACCES) return;
+    if (parent.get() == -1) stopWork("the directory that holds " + name_);
+    syncEntries(parent, name_);
 }
 
 }  // namespace zarn::ingest

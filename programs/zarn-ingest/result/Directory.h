@@ -41,6 +41,11 @@ public:
     /// @throw WorkStops  when the system cannot say so
     void sync() const;
 
+    /// Waits until the directory's own name is safe on disk, as far as its parent can be asked.
+    ///
+    /// @throw WorkStops  when the system cannot say so
+    void syncName() const;
+
 private:
     std::string name_;
     Descriptor fd_;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "shared/cli/Printable.h"
+#include "zarn-ingest/result/Directory.h"
 #include "zarn-ingest/result/OutputDirectory.h"
 #include "zarn-ingest/run/Conversion.h"
 
@@ -71,6 +72,7 @@ void Batch::begin(const std::vector<Input>& inputs) {
 void Batch::openJournal() {
     const std::string& directory = settings_.journalDir;
     FileIO(directory, true, true).checkCreateDir(directory);
+    Directory(settings_.outputDir).syncName();
     locks_ = std::make_unique<DirectoryLocks>(std::vector<std::string>{directory});
     journal_ = std::make_unique<Journal>(directory);
 }

@@ -60,6 +60,7 @@ void DirectoryLocks::add(const std::string& directory) {
     if (std::any_of(locked_.begin(), locked_.end(), isSame))
         throw std::runtime_error("the directory " + directory + " cannot serve two purposes");
     lock(opened);
+    opened.syncName();
     locked_.push_back(std::move(opened));
 }
 
@@ -75,6 +76,7 @@ std::vector<std::string> DirectoryLocks::renew() {
         }
         Directory successor(held.name());
         lock(successor);
+        successor.syncName();
         held = std::move(successor);
         replaced.push_back(held.name());
     }

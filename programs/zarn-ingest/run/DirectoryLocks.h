@@ -15,6 +15,7 @@ namespace zarn::ingest {
 bool isLocked(const std::string& directory);
 
 /// Holds directories for this process alone, until the object is destroyed or the process ends.
+/// What is made safe in them is found again: their own names are safe, too.
 class DirectoryLocks {
 public:
     /// @throw std::exception  with the reason, for example that another process holds one
