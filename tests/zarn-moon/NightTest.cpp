@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <sstream>
@@ -74,9 +75,9 @@ TEST(NightTest, EventsAreWhereTheLineBetweenTwoMinutesCrosses) {
     const Night slow = nightOfPaths(
         sun, [](int minute) { return 20.0 - std::abs(minute - 700) / 16.0; },
         [](int minute) { return std::fmod(minute / 4.0 + 100, 360); });
-    // From half a unit east of the meridian to 0.866 units west of it within a minute.
+    // Up within the first minute; later from half a unit east of the meridian to 0.866 units west.
     const Night nearZenith = nightOfPaths(
-        sun, [](int minute) { return minute <= 700 ? 60.0 : 30.0; },
+        sun, [](int minute) { return minute > 700 ? 30.0 : std::min(minute, 1) * 70.0 - 10.0; },
         [](int minute) { return minute <= 700 ? 90.0 : 270.0; });
     expectTranscript(TEST_DATA "/events.txt", [&](const std::string& night) {
         std::string events;
@@ -96,6 +97,7 @@ TEST(NightTest, WordsHaveTheirLimits) {
         double lit = 0.0;
         std::istringstream(command) >> dark >> moonlit >> lit;
         Night night = nightWith(dark, moonlit);
+        night.sunAltitudes[0] = -19.0;  // a minute of the night before
         night.moon.illumination[720] = lit;
         night.moon.phase[720] = 0.125;
         const Summary summary = summaryOf(night);

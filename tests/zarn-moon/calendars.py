@@ -37,7 +37,7 @@ with tempfile.NamedTemporaryFile("w", suffix=".csv", encoding="utf-8") as target
 
 lines = content.split(b"\r\n")
 assert lines[-1] == b"" and not any(b"\n" in line or b"\r" in line for line in lines), "line ends"
-assert max(map(len, lines)) == 75, "folded at 75 octets"
+assert max(map(len, lines)) == 75 and b" " + b"x" * 74 in lines, "folded at 75 octets"
 for line in lines:
     line.decode()  # no character is cut
 
