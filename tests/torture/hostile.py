@@ -49,7 +49,11 @@ class Ran:
             yield f"control characters in a message: {self.err[:200]}"
 
 
+given = {}  # what the present case has put where
+
+
 def put(name, content=SOUND):
+    given[os.path.abspath(os.fsencode(name))] = content
     with open(name, "wb") as file:
         file.write(content)
 
@@ -227,6 +231,8 @@ def faults_of(action, case):
         yield from action(case)
     except (LookupError, OSError, ValueError, subprocess.SubprocessError) as error:
         yield repr(error)
+    yield from (f"{path} was changed" for path, text in given.items() if os.path.exists(path) and get(path) != text)
+    given.clear()
 
 
 def main():
