@@ -30,7 +30,7 @@ bool isForMemory(const std::exception_ptr& thrown) {
 [[noreturn]] void terminate() {
     if (!isForMemory(std::current_exception())) std::abort();
     constexpr std::string_view MESSAGE = "zarn: out of memory\n";
-    static_cast<void>(::write(STDERR_FILENO, MESSAGE.data(), MESSAGE.size()));
+    [[maybe_unused]] const ssize_t ignored = ::write(STDERR_FILENO, MESSAGE.data(), MESSAGE.size());
     std::_Exit(EXIT_SOME_FAILED);
 }
 
