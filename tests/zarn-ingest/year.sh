@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # What a year brings to zarn-ingest as a service: clocks that are set, time zones that change, links,
 # network disks that fail, many files at once. Nothing is lost, and nothing is told of twice.
-#   year.sh PROGRAM SAMPLES [FILES]    FILES at once, 2000 by default
+#   year.sh PROGRAM SAMPLES [FILES [SECONDS]]    FILES at once, 2000 by default; a source grows for SECONDS, 6
 # What the machine does not allow, or has no libfaketime for, is skipped, and said.
 set -u
-program=$(realpath "$1") samples=$(realpath "$2") many=${3:-2000}
+program=$(realpath "$1") samples=$(realpath "$2") many=${3:-2000} growing=${4:-6}
 . "$(dirname "$0")/../support/checks.sh"
 . "$(dirname "$0")/../support/service.sh"
 
@@ -95,6 +95,16 @@ testOutputErrors() {
     done
     stop
     nothingLost "${names[@]}"
+}
+
+# A source that is long in coming holds nothing up, and is taken as a whole.
+testSlowSource() {
+    properties service settle 4; start
+    { for _ in $(seq $((2 * growing))); do echo 'COMMENT more'; sleep 0.5; done; echo END; } >in/slow.hdr &
+    delivered a
+    wait $!; waitFor [ -e done/slow.hdr ]; stop
+    check "its cards" [ "$(grep -o 'COMMENT more' fits/slow.fits | wc -l)" = $((2 * growing)) ]
+    nothingLost a slow
 }
 
 testManyAtOnce() {
