@@ -45,16 +45,17 @@ std::string_view wordsOf(std::string_view text, std::size_t room) {
 /// A text over several cards: all but the last end in '&'. Its comment goes on behind it.
 std::vector<std::string> continuedCards(std::string prefix, const std::string& text,
                                         const std::string& comment) {
-    constexpr std::size_t QUOTES_AND_SIGN = 3;
+    constexpr std::size_t SIGN_AND_QUOTE = 2;
     constexpr std::size_t DIVIDER_LENGTH = sizeof DIVIDER - 1;
     std::vector<std::string> cards;
     std::size_t at = 0;    // in the text
     std::size_t said = 0;  // of the comment
     for (;;) {
-        const std::size_t length = fitting(text, at, CARD_LENGTH - prefix.size() - QUOTES_AND_SIGN);
-        std::string card = prefix + "'" + withDoubledQuotes(text.substr(at, length));
+        std::string card = prefix + "'";
+        const std::size_t length = fitting(text, at, CARD_LENGTH - card.size() - SIGN_AND_QUOTE);
+        card += withDoubledQuotes(text.substr(at, length));
         at += length;
-        const std::size_t used = card.size() + QUOTES_AND_SIGN + DIVIDER_LENGTH;
+        const std::size_t used = card.size() + SIGN_AND_QUOTE + DIVIDER_LENGTH;
         const std::size_t room = used < CARD_LENGTH ? CARD_LENGTH - used : 0;
         const bool ends = at == text.size() && comment.size() - said <= room;
         card += ends ? "'" : "&'";
