@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
@@ -16,15 +17,25 @@ namespace zarn {
 
 namespace {
 
+std::atomic<bool> lackedMemory{false};
+
+/// What `new` calls before it gives up.
+void noteMissingMemory() {
+    lackedMemory = true;
+    throw std::bad_alloc();
+}
+
+/// Why std::terminate is called; libstdc++ before 13 does not always know the exception, as that of
+/// a directory's iterator.
 bool isForMemory(const std::exception_ptr& thrown) {
+    if (!thrown) return lackedMemory;
     try {
-        if (thrown) std::rethrow_exception(thrown);
+        std::rethrow_exception(thrown);
     } catch (const std::bad_alloc&) {
         return true;
     } catch (...) {
         return false;
     }
-    return false;
 }
 
 [[noreturn]] void terminate() {
@@ -59,7 +70,10 @@ void ignoreWriteSignals() {
     for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);
 }
 
-void reportMissingMemory() { std::set_terminate(terminate); }
+void reportMissingMemory() {
+    std::set_new_handler(noteMissingMemory);
+    std::set_terminate(terminate);
+}
 
 int finishOutput(const std::string& program, int status) {
     if (std::cout.flush()) return status;
