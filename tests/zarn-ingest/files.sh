@@ -186,6 +186,18 @@ testProtection() {
     check "too few descriptors" [ "$? $(ls -A few)" = '1 ' ]
 }
 
+# Two runs find no output directory; the slower one is not disturbed by what the other has made.
+testOneDirectoryMadeTwice() {
+    needsTracing || return
+    local name
+    for name in a b; do
+        header $name
+        strace -f -o /dev/null -e inject=mkdir:delay_enter=1000000:when=1 "$program" -q -o out $name 2>err.txt &
+    done
+    wait
+    only a.fits b.fits
+}
+
 testStreams() {
     header a
     "$program" --stdin -o out <&- 2>err.txt; check "closed standard input" [ $? = 1 ]
