@@ -242,14 +242,4 @@ TEST_F(FileIOTest, MatchReplacesTheListByWhatItFinds) {
     EXPECT_EQ(found, Lines{dir_ / "a.fits"});
 }
 
-TEST_F(FileIOTest, FilesBeyondTwoGibibytesWork) {
-    FileIO file(dir_ / "big", true, true);
-    file.write("x").close();
-    if (::truncate((dir_ / "big").c_str(), off_t{3} << 30) != 0) GTEST_SKIP() << "no sparse files";
-    EXPECT_TRUE(file.exists() && file.isFile());
-    file.write("start").rename(dir_ / "big2");
-    EXPECT_TRUE(file.isFile());
-    EXPECT_EQ(file.getCompleteName(), dir_ / "big2");
-}
-
 }  // namespace

@@ -48,26 +48,6 @@ testResume() {
     run 0 -p p.ini; says '3 converted (1 repaired'
 }
 
-hasAtLeast() { [ "$(find "$2" -name '*.fits' 2>/dev/null | wc -l)" -ge "$1" ]; }
-
-# Killed in the middle, and once more: the last run completes what the others left.
-testKills() {
-    headers 600
-    ls in/*.hdr >list
-    local i before=0
-    for i in 1 2 3; do
-        "$program" -q -r -o out -l list 2>err.txt &
-        waitFor hasAtLeast $((before + 40)) out
-        kill -KILL $!
-        ended 137 $! 2>/dev/null
-        before=$(ls out | wc -l)
-    done
-    check "left" [ "$before" -lt 600 ]
-    run 0 -q -r -o out -l list; check "all" [ "$(ls out | wc -l)" = 600 ]
-    run 0 -q -o single -l list
-    check "other results" diff -r out single
-}
-
 testJournal() {
     headers 200; cp "$samples/broken.hdr" in
     until [[ $(stat -c %.9Z in/1.hdr) = *.0* ]]; do touch in/1.hdr; done  # zeros are written, too
