@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # Tests of zarn-ingest under a batch system: going on after a kill, journals, shards.
 #   batch.sh PROGRAM EXAMPLES
-# Everything happens in a directory of its own, which is removed at the end.
 set -u
 program=$(realpath "$1") examples=$(realpath "$2")
 samples=$examples/headers

@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # Tests of zarn-ingest as an operator meets it: names, refusals, losses, signals, full disks.
 #   files.sh PROGRAM SAMPLES [REAL_HEADERS]
-# Everything happens in a directory of its own, which is removed at the end.
 set -u
 program=$(realpath "$1") samples=$(realpath "$2") real=${3:-}
 examples=$(dirname "$samples")

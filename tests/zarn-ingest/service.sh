@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # Tests of zarn-ingest as a service: arrivals, journal, moves, crashes, logs.
 #   service.sh PROGRAM SAMPLES
-# Everything happens in a directory of its own, which is removed at the end.
 set -u
 program=$(realpath "$1") samples=$(realpath "$2")
 . "$(dirname "$0")/../support/checks.sh"
