@@ -4,11 +4,10 @@
 #include <iterator>
 #include <map>
 #include <sstream>
-#include <utility>
 
+#include "tests/support/Config.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Transcript.h"
-#include "zarnsys/util/GenConfig.h"
 
 namespace {
 
@@ -37,27 +36,6 @@ const std::map<std::string, Table> TABLES = {
       {"1st", {'1', "", true, false, "A digit", ""}},
       {GenConfig::NON_OPTIONAL_ARG, {0, "files...", false, false, "Files to process", ""}}}},
     {"none", {}},
-};
-
-/// A program's configuration made of a command line and a table, with its lists in sight.
-class Config : public GenConfig {
-public:
-    Config(std::vector<const char*> line, Table table)
-        : GenConfig(static_cast<int>(line.size()), line.data()) {
-        optionMap_ = std::move(table);
-    }
-
-    /// The rows' letters or codes and values, and the arguments.
-    std::string lists() const {
-        std::ostringstream text;
-        for (const auto& [key, option] : optionMap_) {
-            text << key << ' ' << static_cast<int>(option.shortName_);
-            for (const std::string& value : option.availValues_) text << " <" << value << '>';
-            text << '\n';
-        }
-        for (const std::string& argument : argumentVect_) text << '<' << argument << ">\n";
-        return text.str();
-    }
 };
 
 std::string helpOf(const Config& config) {
