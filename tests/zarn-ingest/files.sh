@@ -186,7 +186,7 @@ testProtection() {
 }
 
 # Two runs find no output directory; the slower one is not disturbed by what the other has made.
-testOneDirectoryMadeTwice() {
+testTwoMakeOneDirectory() {
     needsTracing || return
     local name
     for name in a b; do
