@@ -48,7 +48,7 @@ protected:
         const int closed = ZarnSysFits::closeFitsFile(file);
         const std::string cards = cardsIn(dir_.get(result));
         if (made != FILE_NOT_CREATED) std::filesystem::remove(result);
-        return log_.takeText() + std::to_string(made) + ", closed with " + std::to_string(closed) +
+        return log_.take() + std::to_string(made) + ", closed with " + std::to_string(closed) +
                "\n" + cards;
     }
 };

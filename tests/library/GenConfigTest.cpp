@@ -52,7 +52,7 @@ protected:
 
     std::string commandLine(GenConfig& config) {
         EXPECT_EQ(config.displayCommandLine(), 0);
-        return log_.takeText();
+        return log_.take();
     }
     /// Of "TABLE PROGRAM [WORD...]": what parsing logs and returns, and leaves in the lists.
     std::string answer(const std::string& command) {
@@ -62,11 +62,11 @@ protected:
         for (std::size_t i = 1; i < words.size(); ++i) line.push_back(words[i].c_str());
         Config silent(line, TABLES.at(words[0]));
         const int status = silent.parseCommandLine(false);
-        EXPECT_EQ(log_.takeText(), "");
+        EXPECT_EQ(log_.take(), "");
         Config config(line, TABLES.at(words[0]));
         EXPECT_EQ(config.parseCommandLine(true), status);
         EXPECT_EQ(config.lists(), silent.lists());
-        const std::string errors = log_.takeText();
+        const std::string errors = log_.take();
         return errors + commandLine(config) + std::to_string(status) + "\n" + config.lists();
     }
 };

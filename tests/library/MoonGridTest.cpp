@@ -97,23 +97,15 @@ void expectAgreement(const Numbers& grid, const Numbers& classic, const Numbers&
         EXPECT_FALSE(std::fabs(grid.at(k) - classic.at(k)) > tolerances.at(k)) << "value " << k;
 }
 
-/// Uniform random numbers.
-class Random {
-public:
-    double operator()(double least, double most) {
-        return std::uniform_real_distribution<double>(least, most)(engine_);
-    }
-
-private:
-    std::mt19937 engine_{7};
-};
-
 }  // namespace
 
 TEST(MoonGridTest, AgreesWithTheClassicCalls) {
     // Targets and instants, in blocks of 64: the grids grow, shrink and grow again.
     constexpr std::size_t SIZES[][2] = {{9, 3}, {1, 1}, {2, 131}, {1, 0}, {67, 64}, {8, 65}};
-    Random from;
+    std::mt19937 engine(7);
+    const auto from = [&engine](double least, double most) {
+        return std::uniform_real_distribution<double>(least, most)(engine);
+    };
     MoonGrid moon;
     SkyGrid sky;
     std::array<int, 32> seen = {};

@@ -53,8 +53,8 @@ TEST_F(WexoLogConfigTest, OptionsComeInAFixedOrderAndARefusalShowsTheDirective) 
         EXPECT_EQ(config_.configure(), directiveResult == -1 ? -1 : 0);
     EXPECT_EQ(directives, Lines(3, directive));
     const std::string done = "4 DEBUG [ ] " + name + args + "\n";
-    EXPECT_EQ(log_.takeText(), "128 ERROR [ ] " + name + "Error configuring logging strategy : " +
-                                   directive + "\n" + done + done);
+    EXPECT_EQ(log_.take(), "128 ERROR [ ] " + name + "Error configuring logging strategy : " +
+                               directive + "\n" + done + done);
 }
 
 TEST_F(WexoLogConfigTest, NothingSetAsksAceForNothing) {
@@ -62,8 +62,9 @@ TEST_F(WexoLogConfigTest, NothingSetAsksAceForNothing) {
     config_.setMaxFileSize(-1);
     config_.setPriority("");
     EXPECT_EQ(config_.configure(), -1);
-    EXPECT_EQ(log_.take(), Lines{"128 ERROR [ ] WexoLogConfig::configure(). "
-                                 "No configuration options were specified.\n"});
+    EXPECT_EQ(log_.take(),
+              "128 ERROR [ ] WexoLogConfig::configure(). "
+              "No configuration options were specified.\n");
     EXPECT_EQ(directives, Lines{});
 }
 
@@ -72,7 +73,7 @@ TEST_F(WexoLogConfigTest, TheReactorStartsAndEndsWithoutALine) {
     EXPECT_EQ(WexoLogConfig::runReactorEventLoop(), 0);
     EXPECT_EQ(WexoLogConfig::endReactorEventLoop(), 0);
     EXPECT_EQ(ACE_Thread_Manager::instance()->wait(), 0);
-    EXPECT_EQ(log_.take(), Lines{});
+    EXPECT_EQ(log_.take(), "");
 }
 
 TEST_F(WexoLogConfigTest, AThreadThatCannotBeStartedIsAFailure) {
@@ -81,7 +82,7 @@ TEST_F(WexoLogConfigTest, AThreadThatCannotBeStartedIsAFailure) {
                   const rlimit none = {0, 0};
                   ::setrlimit(RLIMIT_NPROC, &none);
                   if (WexoLogConfig::runReactorEventLoop() != -1) return 1;
-                  return log_.takeText() == "128 ERROR [ ] Error spawning reactor.\n" ? 0 : 2;
+                  return log_.take() == "128 ERROR [ ] Error spawning reactor.\n" ? 0 : 2;
               }),
               0);
 }
