@@ -4,15 +4,9 @@
 #   packages.sh DIRECTORY_OF_PACKAGES
 # As root, on a bare Debian to throw away: it installs and removes packages.
 set -euo pipefail
-packages=$(realpath "$1") project=$(dirname "$(dirname "$(realpath "$0")")")
-work=$(mktemp -d "${TMPDIR:-/tmp}/zarnsys-packages-XXXXXX")
-trap 'rm -rf "$work"' EXIT
-cd "$work"
+packages=$(realpath "$1")
 # shellcheck source-path=SCRIPTDIR
-. "$project/tests/support/pages.sh"
-echo 'APT::Get::Assume-Yes "true";' >apt.conf
-export APT_CONFIG=$work/apt.conf DEBIAN_FRONTEND=noninteractive
-die() { echo "FAILED: $*" >&2; exit 1; }
+. "$(dirname "$0")/support/pages.sh"
 install() {
     apt-get install --no-install-recommends "$@" >log 2>&1 || die "cannot install: $(cat log)"
 }

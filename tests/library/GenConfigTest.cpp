@@ -4,11 +4,10 @@
 #include <iterator>
 #include <map>
 #include <sstream>
-#include <utility>
 
+#include "tests/support/Config.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Transcript.h"
-#include "zarnsys/util/GenConfig.h"
 
 namespace {
 
@@ -39,27 +38,6 @@ const std::map<std::string, Table> TABLES = {
     {"none", {}},
 };
 
-/// A program's configuration made of a command line and a table, with its lists in sight.
-class Config : public GenConfig {
-public:
-    Config(std::vector<const char*> line, Table table)
-        : GenConfig(static_cast<int>(line.size()), line.data()) {
-        optionMap_ = std::move(table);
-    }
-
-    /// The rows' letters or codes and values, and the arguments.
-    std::string lists() const {
-        std::ostringstream text;
-        for (const auto& [key, option] : optionMap_) {
-            text << key << ' ' << static_cast<int>(option.shortName_);
-            for (const std::string& value : option.availValues_) text << " <" << value << '>';
-            text << '\n';
-        }
-        for (const std::string& argument : argumentVect_) text << '<' << argument << ">\n";
-        return text.str();
-    }
-};
-
 std::string helpOf(const Config& config) {
     std::ostringstream text;
     std::streambuf* standardOutput = std::cout.rdbuf(text.rdbuf());
@@ -74,7 +52,7 @@ protected:
 
     std::string commandLine(GenConfig& config) {
         EXPECT_EQ(config.displayCommandLine(), 0);
-        return log_.takeText();
+        return log_.take();
     }
     /// Of "TABLE PROGRAM [WORD...]": what parsing logs and returns, and leaves in the lists.
     std::string answer(const std::string& command) {
@@ -84,11 +62,11 @@ protected:
         for (std::size_t i = 1; i < words.size(); ++i) line.push_back(words[i].c_str());
         Config silent(line, TABLES.at(words[0]));
         const int status = silent.parseCommandLine(false);
-        EXPECT_EQ(log_.takeText(), "");
+        EXPECT_EQ(log_.take(), "");
         Config config(line, TABLES.at(words[0]));
         EXPECT_EQ(config.parseCommandLine(true), status);
         EXPECT_EQ(config.lists(), silent.lists());
-        const std::string errors = log_.takeText();
+        const std::string errors = log_.take();
         return errors + commandLine(config) + std::to_string(status) + "\n" + config.lists();
     }
 };

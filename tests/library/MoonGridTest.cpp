@@ -7,7 +7,6 @@
 #include <limits>
 #include <random>
 #include <stdexcept>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -53,10 +52,10 @@ using SkyValues = std::array<double, 5>;
 
 constexpr SkyValues SKY_PROMISED = {1e-8, 1e-8, 1e-8, 1e-8, 1e-8};
 
-SkyConditions someConditions() {
+SkyConditions conditionsOf(double extinction = 0.17, double darkSky = 21.8) {
     SkyConditions conditions;
-    conditions.extinction = 0.17;
-    conditions.darkSky = 21.8;
+    conditions.extinction = extinction;
+    conditions.darkSky = darkSky;
     return conditions;
 }
 
@@ -98,23 +97,15 @@ void expectAgreement(const Numbers& grid, const Numbers& classic, const Numbers&
         EXPECT_FALSE(std::fabs(grid.at(k) - classic.at(k)) > tolerances.at(k)) << "value " << k;
 }
 
-/// Uniform random numbers.
-class Random {
-public:
-    double operator()(double least, double most) {
-        return std::uniform_real_distribution<double>(least, most)(engine_);
-    }
-
-private:
-    std::mt19937 engine_{7};
-};
-
 }  // namespace
 
 TEST(MoonGridTest, AgreesWithTheClassicCalls) {
     // Targets and instants, in blocks of 64: the grids grow, shrink and grow again.
     constexpr std::size_t SIZES[][2] = {{9, 3}, {1, 1}, {2, 131}, {1, 0}, {67, 64}, {8, 65}};
-    Random from;
+    std::mt19937 engine(7);
+    const auto from = [&engine](double least, double most) {
+        return std::uniform_real_distribution<double>(least, most)(engine);
+    };
     MoonGrid moon;
     SkyGrid sky;
     std::array<int, 32> seen = {};
@@ -125,7 +116,7 @@ TEST(MoonGridTest, AgreesWithTheClassicCalls) {
         for (MJD_DATE& instant : instants) instant = from(30000.0, 90000.0);
         const Place place = placeAt(from(-89.0, 89.0), from(-360.0, 360.0));
         computeMoonGrid(targets, instants, place, moon);
-        computeSkyGrid(targets, instants, place, someConditions(), sky);
+        computeSkyGrid(targets, instants, place, conditionsOf(), sky);
         ASSERT_EQ(moon.phase.size(), instantCount);
         for (const TargetTable& table : {moon.separation, sky.sky}) {
             ASSERT_EQ(table.instants(), instantCount);
@@ -179,29 +170,6 @@ TEST(MoonGridTest, AKeptGridIsFilledWhereItIs) {
     EXPECT_EQ(grid.separation.instants(), 2U);
 }
 
-// Which of the values are not-a-number, and that the others do not suffer.
-TEST(MoonGridTest, NotANumberComesOutWhereTheInputsSayNothing) {
-    constexpr double INFINITE = std::numeric_limits<double>::infinity();
-    const Place place = placeAt(-90.0, 0.0);
-    const std::vector<SkyPosition> targets = {{2.0, 90.0},      {NAN_VALUE, 1.0},
-                                              {INFINITE, 1.0},  {2.0, -90.000001},
-                                              {2.0, 90.000001}, {2.0, NAN_VALUE}};
-    const MoonGrid grid = computeMoonGrid(targets, {NAN_VALUE, 60000.0, INFINITE}, place);
-    for (const std::size_t instant : {0U, 2U}) EXPECT_EQ(known(valuesOf(grid, instant, 0)), 0U);
-    expectAgreement(valuesOf(grid, 1, 0), classic(targets[0], 60000.0, place), PROMISED);
-    for (std::size_t target = 1; target < targets.size(); ++target)
-        EXPECT_TRUE(std::isnan(grid.separation(1, target))) << target;
-    // The sidereal time and the phase, as bits 0 and 5, need less than a whole place.
-    const auto knownAt = [](const Place& at) {
-        return known(valuesOf(computeMoonGrid({{2.0, 3.0}}, {60000.0}, at), 0, 0));
-    };
-    EXPECT_EQ(knownAt(placeAt(90.0, -1000.0)), 0b11111111U);
-    EXPECT_EQ(knownAt(placeAt(90.000001, 1.0)), 0b00100001U);
-    EXPECT_EQ(knownAt(placeAt(-90.000001, 1.0)), 0b00100001U);
-    EXPECT_EQ(knownAt(placeAt(1.0, INFINITE)), 0b00100000U);
-    EXPECT_EQ(knownAt(Place()), 0b00100000U);
-}
-
 // Where formulas have a step or amplify rounding, which takes up to 3e-8 rad of either angle.
 TEST(MoonGridTest, TheSkyHoldsAtItsEdges) {
     SkyValues lost = {};
@@ -227,7 +195,7 @@ TEST(MoonGridTest, TheSkyHoldsAtItsEdges) {
                 {ra * 15.0 + 180.0, -dec},  // opposite the moon
                 {0.0, 90.0},
                 {0.0, -90.0}};
-            const SkyGrid grid = computeSkyGrid(targets, {instant}, place, someConditions());
+            const SkyGrid grid = computeSkyGrid(targets, {instant}, place, conditionsOf());
             for (std::size_t t = 0; t < targets.size(); ++t)
                 expectAgreement(skyValuesOf(grid, 0, t), classicSky(targets[t], instant, place),
                                 lost);
@@ -235,45 +203,54 @@ TEST(MoonGridTest, TheSkyHoldsAtItsEdges) {
     }
 }
 
-namespace {
-
-/// What is known of a target with the moon up and with the moon down, see `known`; nothing must be
-/// known of the invalid targets beside it, and at an invalid instant.
-std::pair<unsigned, unsigned> knownOfTheSky(std::size_t invalidTargets, const Place& place,
-                                            const SkyConditions& conditions) {
-    constexpr SkyPosition INVALID[] = {{NAN_VALUE, 20.0}, {130.0, NAN_VALUE}, {130.0, 90.000001}};
-    std::vector<SkyPosition> targets = {{130.0, 20.0}};
-    for (std::size_t t = 0; t < invalidTargets; ++t) targets.push_back(INVALID[t % 3]);
-    const SkyGrid grid = computeSkyGrid(targets, {60005.0, 60000.0, NAN_VALUE}, place, conditions);
-    unsigned others = known(skyValuesOf(grid, 2, 0));
-    for (std::size_t t = 1; t < targets.size(); ++t)
-        others |= known(skyValuesOf(grid, 0, t)) | known(skyValuesOf(grid, 1, t));
-    EXPECT_EQ(others, 0U);
-    return {known(skyValuesOf(grid, 0, 0)), known(skyValuesOf(grid, 1, 0))};
-}
-
-}  // namespace
-
-TEST(MoonGridTest, TheSkyIsNotANumberWhereTheInputsSayNothing) {
-    for (const std::size_t others : {3U, 8U}) {  // less than a vector, and more
-        const auto knownOf = [others](const Place& place, const SkyConditions& conditions) {
-            return knownOfTheSky(others, place, conditions);
-        };
-        const Place place = placeAt(0.0, 0.0);
-        SkyConditions conditions = someConditions();
-        EXPECT_EQ(knownOf(place, conditions), std::make_pair(0b11111U, 0b10111U));
-        const Place nowhere = telescopePlace(static_cast<Telescope>(5));
-        EXPECT_EQ(knownOf(nowhere, conditions), std::make_pair(0U, 0U));
-        EXPECT_EQ(knownOf(placeAt(90.000001, 0.0), conditions), std::make_pair(0U, 0U));
-        conditions.extinction = 0.0;
-        EXPECT_EQ(knownOf(place, conditions), std::make_pair(0b10111U, 0b10111U))
-            << "no scattering";
-        conditions.extinction = NAN_VALUE;
-        EXPECT_EQ(knownOf(place, conditions), std::make_pair(0b00111U, 0b10111U));
-        conditions = someConditions();
-        conditions.darkSky = NAN_VALUE;
-        EXPECT_EQ(knownOf(place, conditions), std::make_pair(0b01111U, 0b00111U));
-        EXPECT_EQ(knownOf(place, SkyConditions()), std::make_pair(0b00111U, 0b00111U));
+// Which of the values are not-a-number, and that the others do not suffer.
+TEST(MoonGridTest, NotANumberComesOutWhereTheInputsSayNothing) {
+    constexpr double INFINITE = std::numeric_limits<double>::infinity();
+    constexpr std::size_t VALID = 2;  // targets and instants; at the equator the moon is up, down
+    const std::vector<MJD_DATE> instants = {60005.0, 60000.0, NAN_VALUE, INFINITE};
+    constexpr SkyPosition INVALID[] = {
+        {NAN_VALUE, 1.0}, {INFINITE, 1.0}, {2.0, -90.000001}, {2.0, 90.000001}, {2.0, NAN_VALUE}};
+    const Place equator = placeAt(0.0, 0.0);
+    const Place nowhere = telescopePlace(static_cast<Telescope>(5));
+    const struct {
+        Place place;
+        SkyConditions conditions;
+        unsigned moon, skyWithMoon, skyWithout;  // of a target in declination 20, see `known`
+    } cases[] = {
+        {equator, conditionsOf(), 0b11111111, 0b11111, 0b10111},
+        {placeAt(90.0, -1000.0), conditionsOf(), 0b11111111, 0b11111, 0b11111},
+        {placeAt(-90.0, 0.0), conditionsOf(), 0b11111111, 0b00101, 0b00101},
+        // The sidereal time and the phase, as bits 0 and 5, need less than a whole place.
+        {placeAt(90.000001, 1.0), conditionsOf(), 0b00100001, 0, 0},
+        {placeAt(-90.000001, 1.0), conditionsOf(), 0b00100001, 0, 0},
+        {placeAt(1.0, INFINITE), conditionsOf(), 0b00100000, 0, 0},
+        {nowhere, conditionsOf(), 0b00100000, 0, 0},
+        {equator, conditionsOf(0.0), 0b11111111, 0b10111, 0b10111},  // no scattering
+        {equator, conditionsOf(NAN_VALUE), 0b11111111, 0b00111, 0b10111},
+        {equator, conditionsOf(0.17, NAN_VALUE), 0b11111111, 0b01111, 0b00111},
+        {equator, SkyConditions(), 0b11111111, 0b00111, 0b00111},
+    };
+    for (const auto& [place, conditions, ofMoon, withMoon, without] : cases) {
+        SCOPED_TRACE(::testing::Message() << place.latitude << ", " << conditions.extinction);
+        for (const std::size_t others : {3U, 8U}) {  // less than a vector, and more
+            std::vector<SkyPosition> targets = {{130.0, 20.0}, {2.0, 90.0}};
+            for (std::size_t t = 0; t < others; ++t) targets.push_back(INVALID[t % 5]);
+            const MoonGrid moon = computeMoonGrid(targets, instants, place);
+            const SkyGrid sky = computeSkyGrid(targets, instants, place, conditions);
+            EXPECT_EQ(known(skyValuesOf(sky, 0, 0)), withMoon);
+            EXPECT_EQ(known(skyValuesOf(sky, 1, 0)), without);
+            for (std::size_t i = 0; i < instants.size(); ++i) {
+                for (std::size_t t = 0; t < targets.size(); ++t) {
+                    const unsigned lost = t < VALID ? 0U : 1U << SEPARATION;
+                    EXPECT_EQ(known(valuesOf(moon, i, t)), i < VALID ? ofMoon & ~lost : 0U);
+                    if (i < VALID && t < VALID) continue;
+                    EXPECT_EQ(known(skyValuesOf(sky, i, t)), 0U);
+                }
+            }
+            if (ofMoon == 0b11111111)
+                expectAgreement(valuesOf(moon, 1, 0), classic(targets[0], instants[1], place),
+                                PROMISED);
+        }
     }
 }
 

@@ -58,10 +58,10 @@ TEST(UtilsTest, SleepsOnceWhatTheFloatHoldsWhateverComesOfIt) {
     const decltype(slept) expected = {{0, 100000001}, {1, 500000000}, {-2, -700000047}, {MOST, 0},
                                       {-MOST - 1, 0}, {0, 0},         {MOST, 0}};
     EXPECT_EQ(slept, expected);
-    Lines lines;
+    std::string lines;
     for (const auto& [seconds, nanoseconds] : expected)
-        lines.push_back("4 DEBUG [ ] Sleeping: " + std::to_string(seconds) + "s and " +
-                        std::to_string(nanoseconds) + "ns\n");
+        lines += "4 DEBUG [ ] Sleeping: " + std::to_string(seconds) + "s and " +
+                 std::to_string(nanoseconds) + "ns\n";
     EXPECT_EQ(log.take(), lines);
 }
 

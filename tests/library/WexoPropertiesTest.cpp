@@ -49,7 +49,7 @@ protected:
         if (words[0] == "number") status = get(words, number_);
         if (words[0] == "time") status = get(words, time_);
         if (words[0] == "bool") status = get(words, boolean_);
-        return log_.takeText() + std::to_string(status) + ": " + string_ + ", " +
+        return log_.take() + std::to_string(status) + ": " + string_ + ", " +
                std::to_string(number_) + ", " + WexoTime::asUnixTimeString(time_) +
                (boolean_ ? ", true\n" : ", false\n");
     }
@@ -65,9 +65,9 @@ TEST_F(WexoPropertiesTest, EachCallLogsItsStepsAndKeepsTheValueWhenItFails) {
 TEST_F(WexoPropertiesTest, ThereIsOneInstance) {
     Properties::forget();
     WexoProperties* first = WexoProperties::instance();
-    EXPECT_EQ(log_.take(), Lines{"4 DEBUG [ ] Creating unique instance of WexoProperties\n"});
+    EXPECT_EQ(log_.take(), "4 DEBUG [ ] Creating unique instance of WexoProperties\n");
     EXPECT_EQ(WexoProperties::instance(), first);
-    EXPECT_EQ(log_.take(), Lines{});
+    EXPECT_EQ(log_.take(), "");
     EXPECT_EQ(first->status(), 0);
     delete first;  // the library never does
     Properties::forget();

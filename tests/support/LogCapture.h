@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <string>
 #include <utility>
-#include <vector>
 
 class LogCapture : public ACE_Log_Msg_Callback {
 public:
@@ -28,20 +27,15 @@ public:
     void log(ACE_Log_Record& record) override {
         const std::string line = record.msg_data();
         const std::size_t thread = line.find("[ ") + 2;
-        lines_.push_back(std::to_string(record.type()) + " " +
-                         line.substr(DATE_LENGTH, thread - DATE_LENGTH) +
-                         line.substr(line.find_first_not_of("0123456789", thread) + 1));
+        text_ += std::to_string(record.type()) + " " +
+                 line.substr(DATE_LENGTH, thread - DATE_LENGTH) +
+                 line.substr(line.find_first_not_of("0123456789", thread) + 1);
         error_ = log().errnum();
         file_ = log().file();
     }
 
     /// The lines since the last call.
-    std::vector<std::string> take() { return std::exchange(lines_, {}); }
-    std::string takeText() {
-        std::string text;
-        for (const std::string& line : take()) text += line;
-        return text;
-    }
+    std::string take() { return std::exchange(text_, {}); }
 
     int error() const { return error_; }               ///< error number in the last context
     const std::string& file() const { return file_; }  ///< source file in the last context
@@ -53,7 +47,7 @@ private:
 
     u_long flags_;
     ACE_Log_Msg_Callback* callback_;
-    std::vector<std::string> lines_;
+    std::string text_;
     int error_ = 0;
     std::string file_;
 };

@@ -1,4 +1,5 @@
-# For test scripts of the programs: runs the one and counts checks. The script sets `program`.
+# For test scripts of the programs: runs the one and counts checks, in a directory that is removed at the
+# end. The script sets `program`.
 # shellcheck shell=bash
 export LC_ALL=C  # the order of ls and sort, whatever the user's language
 # shellcheck disable=SC2034 # for the scripts

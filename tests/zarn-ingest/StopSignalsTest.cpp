@@ -36,20 +36,6 @@ TEST(StopSignalsTest, TheFirstIsNotedAndTheSameAgainEndsTheProcess) {
     }
 }
 
-TEST(StopSignalsTest, WhatWasIgnoredStaysIgnored) {
-    EXPECT_EQ(inChild([] {
-                  std::signal(SIGHUP, SIG_IGN);
-                  std::signal(SIGTERM, SIG_DFL);
-                  const StopSignals signals;
-                  ::raise(SIGHUP);
-                  if (signals.received() != 0) return 1;
-                  ::raise(SIGTERM);
-                  ::raise(SIGHUP);
-                  return signals.received();
-              }),
-              SIGTERM);
-}
-
 }  // namespace
 
 }  // namespace zarn::ingest

@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # Tests of what an operator asks zarn-ingest: the status of a service, the verification of an archive.
 #   desk.sh PROGRAM SAMPLES
-# Everything happens in a directory of its own, which is removed at the end.
 set -u
 program=$(realpath "$1") samples=$(realpath "$2")
 . "$(dirname "$0")/../support/checks.sh"
