@@ -1,10 +1,14 @@
-/// Runs what threads may do at once.
-///   threads calls ROUNDS    8 threads call what may be called by several, while the log rolls
-///   threads reactor CYCLES  starts and ends the reactor's loop, also during a handler
+/// Runs what threads and processes may do at once.
+///   threads calls ROUNDS        8 threads call what may be called by several, while the log rolls
+///   threads directories ROUNDS  two processes create one directory, ROUNDS times
+///   threads reactor CYCLES      starts and ends the reactor's loop, also during a handler
 /// Everything happens in a new directory. Ends with a line of the result; status 1: a fault.
 #include <ace/Event_Handler.h>
 #include <ace/Reactor.h>
 #include <ace/Thread_Manager.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <zarnsys/util/Astronomy.h>
 #include <zarnsys/util/FileIO.h>
 #include <zarnsys/util/FitsUtils.h>
@@ -14,6 +18,7 @@
 #include <zarnsys/util/WexoLogConfig.h>
 #include <zarnsys/util/WexoTime.h>
 #include <zarnsys/util/ZarnMoonVal.h>
+#include <zarnsys/util/ZarnSysEx.h>
 
 #include <array>
 #include <atomic>
@@ -22,6 +27,7 @@
 #include <functional>
 #include <iostream>
 #include <map>
+#include <new>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -139,6 +145,38 @@ std::string runCalls() {
            " rounds of all calls, the log rolled";
 }
 
+/// Creates the directories of all rounds, each when the other process is ready for it, too. The
+/// slower one may be told that a directory exists, and nothing else; there it must be.
+int createDirectories(std::atomic<int>& ready) {
+    int failed = 0;
+    for (int round = 0; round < rounds; ++round) {
+        ++ready;
+        while (ready < 2 * (round + 1)) std::this_thread::yield();
+        const std::string name = "d" + std::to_string(round);
+        try {
+            FileIO("", true, true).checkCreateDir(name);
+        } catch (ZarnSysEx& error) {
+            const bool told = std::string(error.what()).find("File exists") != std::string::npos;
+            if (!told) ++failed;
+        }
+        if (!std::filesystem::is_directory(name)) ++failed;
+    }
+    return failed;
+}
+
+std::string runDirectories() {
+    void* const shared = ::mmap(nullptr, sizeof(std::atomic<int>) * 2, PROT_READ | PROT_WRITE,
+                                MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (shared == MAP_FAILED) return "no memory";
+    auto* const counts = new (shared) std::atomic<int>[2] {};
+    const pid_t child = ::fork();
+    counts[1] += createDirectories(counts[0]);
+    if (child == 0) ::_exit(0);
+    ::waitpid(child, nullptr, 0);
+    faults += counts[1];
+    return "2 processes, " + std::to_string(rounds) + " directories";
+}
+
 /// Ends the loop that calls it, every other time.
 struct Ending : ACE_Event_Handler {
     explicit Ending(bool wanted) : ends(wanted) {}
@@ -168,8 +206,8 @@ std::string runReactor() {
     return std::to_string(rounds) + " cycles of the reactor";
 }
 
-const std::map<std::string, std::function<std::string()>> TESTS = {{"calls", runCalls},
-                                                                   {"reactor", runReactor}};
+const std::map<std::string, std::function<std::string()>> TESTS = {
+    {"calls", runCalls}, {"directories", runDirectories}, {"reactor", runReactor}};
 
 }  // namespace
 
