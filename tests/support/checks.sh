@@ -82,9 +82,12 @@ needsTracing() {
     echo "skipped: $current: needs strace, and a kernel that lets it trace"
     return 1
 }
+gone() { ! kill -0 "$1" 2>/dev/null; }
 # ended STATUS PROCESS: waits for a child and checks how it ended.
 ended() {
     local status
+    waitFor gone "$2"
+    gone "$2" || kill -KILL "$2"
     wait "$2"
     status=$?
     check "exit status $status instead of $1" [ "$status" = "$1" ]

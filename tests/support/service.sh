@@ -20,8 +20,9 @@ arrive() {
         cp "$samples/imager.hdr" "in/.$name" && mv "in/.$name" "in/$name"
     done
 }
+# Whoever has started the test, as by nohup, may ignore signals that the service ends by.
 start() {
-    "$program" -p p.ini --watch "$@" >out.txt 2>err.txt &
+    env --default-signal=HUP "$program" -p p.ini --watch "$@" >out.txt 2>err.txt &
     service=$!
 }
 stop() {
