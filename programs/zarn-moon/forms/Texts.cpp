@@ -40,6 +40,11 @@ std::string fixedOnCircle(double number, int decimals, double circle) {
     return text == fixed(circle, decimals) ? fixed(0.0, decimals) : text;
 }
 
+std::string percent(double fraction, int decimals) {
+    constexpr double HUNDRED = 100.0;
+    return fixed(HUNDRED * fraction, decimals);
+}
+
 std::string asUtf8(const std::string& text) {
     using Json = nlohmann::json;
     const std::string quoted = Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);

@@ -1,7 +1,5 @@
 #include "zarn-moon/night/Eclipses.h"
 
-#include <zarnsys/util/Astronomy.h>
-
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -20,11 +18,7 @@ constexpr double HALF_SPAN = 0.25;  // [d], more than from a full moon to the en
 
 /// The full moon nearest to an instant [MJD], to some minutes.
 double fullMoonNear(double mjd) {
-    int lunation = 0;
-    lun_age(mjd + JD_OF_MJD_0, &lunation);
-    double jd = 0;
-    flmoon(lunation, FULL_MOON, &jd);
-    return jd - JD_OF_MJD_0;
+    return ephemerisOf(Theory::LIBRARY).phaseTime(lunationOf(mjd), FULL_MOON);
 }
 
 /// How deep the moon is in the Earth's shadow, minute by minute: angles from the outermost position
