@@ -63,11 +63,11 @@ testWholeOutputs() {
     check "no twilight" grep -qx 'The sun stays below the horizon all day, without twilight.' out.txt
     run 0 -p "60N 25E" -d 2026-06-21 -s 720 -p "60N 100E"
     check "a step beyond the night" [ "$(tail -n 1 out.txt)" = 'No step falls between sunset and sunrise: no table.' ]
-    drawing 0 -p "75N 25E" -d 2026-06-21 --plot day.svg
+    drawing 0 -p "75N 25E" -d 2026-06-21 --plot day.svg <&-
     # A point each four minutes of 24 hours, and one colour.
     check "the whole day is drawn" [ "$(grep -c '^[0-9]' script) $(grep -c rectangle script)" = '361 1' ]
-    run 0 -p "75N 25E" -d 2026-12-21 -s 60 --format csv
-    check "a night without sunset lasts a day" [ "$(wc -l <out.txt)" = 25 ]
+    run 0 -p "75N 0E" -d 2026-12-21 -s 60 --format csv
+    check "a night without sunset lasts a day, from noon to noon" [ "$(wc -l <out.txt)" = 26 ]
     # 15:24 to 6:53 and 16:02 to 6:14 UT: each other of 15 hours, each of 14, with that of a clock 2 h ahead,
     # from 20:00 UT on 2:30 h behind.
     for latitude in 38 22; do
