@@ -17,9 +17,9 @@ testUsage() {
     run 0 --bash-completion; silent
     mkdir -p words/dir; touch words/file; cd words || return
     check "directories alone" [ "$(. ../out.txt; COMP_WORDS=(zarn-ingest -o ''); COMP_CWORD=2; _zarn_ingest; echo "${COMPREPLY[@]}")" = dir ]
-    cd ..; header x; mkfifo pipe
-    printf '[ingest]\npattern = in/*\nquiet = F\nverbose = F\n[service]\ndone = d\nfailed = f\n' >p.ini
+    cd ..; header x; mkfifo pipe; cp "$data/properties/"* .
     transcript "$data/wrong-usage.txt"
+    transcript "$data/overridden.txt"
     has "$data/wrong-properties.txt"
     while read -r row; do  # a file's content, and what the message has behind the file's name
         printf '%b\n' "${row%|:*}" >wrong.ini
