@@ -63,7 +63,7 @@ testWholeOutputs() {
     check "no twilight" grep -qx 'The sun stays below the horizon all day, without twilight.' out.txt
     run 0 -p "60N 25E" -d 2026-06-21 -s 720 -p "60N 100E"
     check "a step beyond the night" [ "$(tail -n 1 out.txt)" = 'No step falls between sunset and sunrise: no table.' ]
-    drawing 0 -p "75N 25E" -d 2026-06-21 --plot day.svg <&-
+    drawing 0 -p "75N 25E" -d 2026-06-21 --plot day.svg
     # A point each four minutes of 24 hours, and one colour.
     check "the whole day is drawn" [ "$(grep -c '^[0-9]' script) $(grep -c rectangle script)" = '361 1' ]
     run 0 -p "75N 0E" -d 2026-12-21 -s 60 --format csv

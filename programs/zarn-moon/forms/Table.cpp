@@ -71,12 +71,12 @@ std::string skyTable(const Report& report) {
 }
 
 std::string moonSkyText(const Row& row, const TargetValues& values) {
-    if (values.altitude < 0.0) return "target down";
+    if (!values.airmass) return "target down";
     return row.moonUp ? fixedOr(values.moonSky, 2, "none") : "moon down";
 }
 
 std::string skyText(const Row& row, const TargetValues& values) {
-    if (values.altitude < 0.0) return "target down";
+    if (!values.airmass) return "target down";
     return fixedOr(values.sky, 2, row.sunAltitude < HORIZON ? "twilight" : "daylight");
 }
 

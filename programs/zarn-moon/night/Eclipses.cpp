@@ -87,12 +87,12 @@ std::optional<Eclipse> eclipseOf(const Depths& depths) {
     if (reaches(depths.total)) eclipse.kind = "total";
     const auto add = [&](const char* name, const std::vector<double>& depth, bool begins) {
         for (const double time : crossings(depths.minutes, depth, begins))
-            eclipse.contacts.push_back({name, time, false});
+            eclipse.contacts.push_back({name, time});
     };
     add(CONTACTS[0], depths.penumbral, true);
     add(CONTACTS[1], depths.partial, true);
     add(CONTACTS[2], depths.total, true);
-    eclipse.contacts.push_back({CONTACTS[3], greatest(depths), false});
+    eclipse.contacts.push_back({CONTACTS[3], greatest(depths)});
     add(CONTACTS[4], depths.total, false);
     add(CONTACTS[5], depths.partial, false);
     add(CONTACTS[6], depths.penumbral, false);
