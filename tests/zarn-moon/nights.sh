@@ -162,6 +162,7 @@ testWrongUsage() {
     while IFS='|' read -r words reason; do
         eval "complains 2 \"\$reason; see zarn-moon --help\" $words"
     done <"$data/wrong-usage.txt"
+    run 2 -T OLAN --no-such-option; says 'no-such-option is not a valid option'
     # Only --local looks at the time zone.
     for name in Europe/Romee XYZ XYZ-2:30x XYZ-2ABC,M1.1.1 ../zoneinfo "$(printf 'X%.0s' {1..100})2"; do
         TZ=$name run 0 -T OLAN --mjd 61000
