@@ -32,7 +32,7 @@ check() {
 says() { check "no such message: $1" grep -qF -- "$1" err.txt; }
 # plain FILE...: what a program said, without what differs from run to run, and CFITSIO's own words.
 plain() {
-    sed -E "s/^[-0-9]+ [0-9:.]+ ([A-Z]+) \[ [0-9]+ \]/\1/; s/$(date +%Y)-[0-9T:.-]+/TIME/; s/ in [0-9.]+ s//; s/(CFITSIO status [0-9]+): [^)]*/\1/
+    sed -E "s/^[-0-9]+ [0-9:.]+ ([A-Z]+) +\[ [0-9]+ \]/\1/; s/$(date +%Y)-[0-9T:.-]+/TIME/; s/ in [0-9.]+ s//; s/(CFITSIO status [0-9]+): [^)]*/\1/
         s/(unix_time\":|^[a-z_]*stamp_seconds.* )[0-9.]+/\1SECONDS/
         s/(free_mib\":|free space [^ ]* *|^zarn_ingest_free_bytes.* )[0-9]+/\1ROOM/
         s/(waiting_seconds\":|oldest for |^[a-z_]*waiting_seconds.* )[0-9]+( s)?/\1AGE/" "$@"

@@ -16,9 +16,9 @@ testUsage() {
     run 0 --bash-completion; silent
     mkdir -p words/dir; touch words/file; cd words || return
     check "directories alone" [ "$(. ../out.txt; COMP_WORDS=(zarn-ingest -o ''); COMP_CWORD=2; _zarn_ingest; echo "${COMPREPLY[@]}")" = dir ]
-    cd ..; header x; mkfifo pipe
-    printf '[ingest]\npattern = in/*\nquiet = F\nverbose = F\n[service]\ndone = d\nfailed = f\n' >p.ini
+    cd ..; header x; mkfifo pipe; cp "$data/properties/"* .
     transcript "$data/wrong-usage.txt"
+    transcript "$data/overridden.txt"
     has "$data/wrong-properties.txt"
     while read -r row; do  # a file's content, and what the message has behind the file's name
         printf '%b\n' "${row%|:*}" >wrong.ini
@@ -113,6 +113,12 @@ testRepairs() {
     cd ..; told <"$data/odd-strict.txt"
     check "refused is what was repaired" diff <(grep 'repaired (' "$data/odd.txt" | grep -v ' converted ' | cut -d : -f 2 | sort -u) \
         <(grep strict "$data/odd-strict.txt" | cut -d : -f 2 | sort -u)
+    # CFITSIO takes 999 columns; a HIERARCH card alone has room for the name of one more.
+    local columns; mapfile -t columns < <(seq -f "TFORM%-3g= '1A'" 999)
+    header most END "XTENSION= 'BINTABLE'" 'TFIELDS = 999' "${columns[@]}"
+    header more END "XTENSION= 'BINTABLE'" 'TFIELDS = 1000' "${columns[@]}" "HIERARCH TFORM1000 = '1A'"
+    run 0 -o out most more
+    check "a table of 1000 columns" [ "$(grep -c 'more:.*no reader could open' err.txt) $(grep -c 'no reader could open' err.txt)" = '1 1' ]
     run 0 -q -o out "$samples/imager.hdr"
     check "CR LF changes the result" cmp -s out/crlf.fits out/imager.fits
     header sums "CHECKSUM= 'a'" 'CHECKSUM=' "DATASUM = 'b'" "OBJECT  = 'c'" END 'XTENSION= "x"' "CHECKSUM= 'd'"
@@ -258,7 +264,7 @@ testSignals() {
     kill -TERM $!
     ended 143 $!
     exec 9>&-
-    says "stopped by a signal (Terminated)"; only
+    told <<<'zarn-ingest: stopped by a signal (Terminated): 0 converted, 0 failed, 1 left'; only
     mkdir many; for i in $(seq 6000); do cp a "many/$i.hdr"; done
     # A shell's background processes begin with Ctrl-C ignored.
     env --default-signal=INT "$program" -o out2 'many/*.hdr' >out.txt 2>err.txt &

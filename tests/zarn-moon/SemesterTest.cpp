@@ -98,9 +98,9 @@ TEST(SemesterTest, HoursAreCountedByTheMinute) {
 
 TEST(SemesterTest, NightsAreRankedByTheirWorth) {
     Season season(14, TargetNight{1.0, 0.0, {}, 0});
-    season[3].darkEquivalentHours = 2.0;
-    season[5].darkEquivalentHours = 4.0;
-    season[9].darkEquivalentHours = 2.0;
+    season[3].darkEquivalentHours = 0.02;
+    season[5].darkEquivalentHours = 0.04;
+    season[9].darkEquivalentHours = 0.02;
     rankNights(season);
     EXPECT_EQ(season[5].rank, 1U);
     EXPECT_EQ(season[3].rank, 2U);

@@ -66,8 +66,8 @@ testWholeOutputs() {
     drawing 0 -p "75N 25E" -d 2026-06-21 --plot day.svg
     # A point each four minutes of 24 hours, and one colour.
     check "the whole day is drawn" [ "$(grep -c '^[0-9]' script) $(grep -c rectangle script)" = '361 1' ]
-    run 0 -p "75N 25E" -d 2026-12-21 -s 60 --format csv
-    check "a night without sunset lasts a day" [ "$(wc -l <out.txt)" = 25 ]
+    run 0 -p "75N 0E" -d 2026-12-21 -s 60 --format csv
+    check "a night without sunset lasts a day, from noon to noon" [ "$(wc -l <out.txt)" = 26 ]
     # 15:24 to 6:53 and 16:02 to 6:14 UT: each other of 15 hours, each of 14, with that of a clock 2 h ahead,
     # from 20:00 UT on 2:30 h behind.
     for latitude in 38 22; do
@@ -162,6 +162,7 @@ testWrongUsage() {
     while IFS='|' read -r words reason; do
         eval "complains 2 \"\$reason; see zarn-moon --help\" $words"
     done <"$data/wrong-usage.txt"
+    run 2 -T OLAN --no-such-option; says 'no-such-option is not a valid option'
     # Only --local looks at the time zone.
     for name in Europe/Romee XYZ XYZ-2:30x XYZ-2ABC,M1.1.1 ../zoneinfo "$(printf 'X%.0s' {1..100})2"; do
         TZ=$name run 0 -T OLAN --mjd 61000

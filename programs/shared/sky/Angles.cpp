@@ -112,7 +112,7 @@ std::string joined(Words::const_iterator begin, Words::const_iterator end) {
 /// second half; the number of words if neither can be.
 std::size_t secondAngle(const Words& words) {
     constexpr std::size_t MOST = 6;  // three of each
-    if (words.size() < 2 || words.size() > MOST) return words.size();
+    if (words.empty() || words.size() > MOST) return words.size();
     const auto sign = std::find_if(words.begin() + 1, words.end(), [](const std::string& word) {
         return word.find_first_of("+-") == 0;
     });

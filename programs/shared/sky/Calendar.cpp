@@ -17,12 +17,9 @@ namespace {
 
 /// Whether a text has digits where the pattern has a 0 and else the pattern's own characters.
 bool matches(const std::string& text, const std::string& pattern) {
-    if (text.size() != pattern.size()) return false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool digit = text[i] >= '0' && text[i] <= '9';
-        if (pattern[i] == '0' ? !digit : text[i] != pattern[i]) return false;
-    }
-    return true;
+    return std::equal(
+        text.begin(), text.end(), pattern.begin(), pattern.end(),
+        [](char c, char form) { return form == '0' ? c >= '0' && c <= '9' : c == form; });
 }
 
 /// An instant rounded to whole units, of which a day has so many, down to the seconds.
@@ -43,8 +40,8 @@ double mjdOfDate(const std::string& text) {
     if (!matches(text, "0000-00-00")) refuseText(text, "is not a date such as 2026-12-24");
     double zero = 0;
     double mjd = 0;
-    const int status = eraCal2jd(std::stoi(text.substr(0, 4)), std::stoi(text.substr(5, 2)),
-                                 std::stoi(text.substr(8, 2)), &zero, &mjd);
+    const int status = eraCal2jd(std::stoi(text), std::stoi(text.substr(5)),
+                                 std::stoi(text.substr(8)), &zero, &mjd);
     if (status != 0) refuseText(text, "is not in the calendar");
     return mjd;
 }

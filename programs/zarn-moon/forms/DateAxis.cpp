@@ -32,7 +32,7 @@ bool isLabelled(double date, std::size_t nights) {
     if (nights <= WEEKLY) return static_cast<long>(date) % 7 == 5;  // MJD 5 was a Monday
     const std::string text = dateOf(date);
     if (text.substr(8) != "01") return false;
-    const int month = std::stoi(text.substr(5, 2));
+    const int month = std::stoi(text.substr(5));
     if (nights <= MONTHLY) return true;
     return nights <= QUARTERLY ? month % 3 == 1 : month == 1;
 }
@@ -59,11 +59,9 @@ std::string panel(int height, int top, int bottom) {
 
 /// The moon's panel: how much of it is lit.
 std::string moonStrip(const Report& report) {
-    constexpr double HUNDRED = 100.0;
     std::string data = "$moon << END\n";
-    for (const NightLine& night : report.nights) {
-        data += dateTic(night.date) + " " + fixed(HUNDRED * night.summary.illumination, 1) + "\n";
-    }
+    for (const NightLine& night : report.nights)
+        data += dateTic(night.date) + " " + percent(night.summary.illumination, 1) + "\n";
     return data +
            "END\n"
            "set yrange [0:100]\nset ytics ('0' 0, '50' 50, '100' 100) font ',8'\n"

@@ -71,19 +71,19 @@ int leftOf(const Settings& settings) {
     constexpr std::size_t BESIDES = 20;
     constexpr std::size_t CHARACTER = 7;
     constexpr std::size_t LEAST = 80;
-    std::size_t longest = 0;
+    std::size_t left = LEAST;
     for (const Target& target : settings.targets)
-        longest = std::max(longest, labelOf(target).size());
-    return static_cast<int>(std::max(LEAST, longest * CHARACTER + BESIDES));
+        left = std::max(left, labelOf(target).size() * CHARACTER + BESIDES);
+    return static_cast<int>(left);
 }
 
-/// The end of the palette: the whole hour above all values.
+/// The end of the palette: the whole hour above all values, one at least.
 double mostHours(const Report& report) {
-    double most = 0.0;
+    double most = 1.0;
     for (const Season& season : report.seasons) {
         for (const TargetNight& night : season) most = std::max(most, night.darkEquivalentHours);
     }
-    return std::max(1.0, std::ceil(most));
+    return std::ceil(most);
 }
 
 }  // namespace

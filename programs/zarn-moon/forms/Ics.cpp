@@ -27,7 +27,7 @@ std::string folded(const std::string& line) {
     std::size_t room = MOST_OCTETS;
     for (std::size_t begin = 0; begin < line.size();) {
         std::size_t end = std::min(begin + room, line.size());
-        while (end < line.size() && continuesCharacter(line[end])) --end;
+        while (continuesCharacter(line[end])) --end;  // after the last one stands '\0'
         text += (begin > 0 ? " " : "") + line.substr(begin, end - begin) + "\r\n";
         begin = end;
         room = MOST_OCTETS - 1;  // after the blank
@@ -97,8 +97,7 @@ std::string eventOf(const Settings& settings, const Entry& entry) {
 }
 
 std::string litText(const NightLine& night) {
-    constexpr double HUNDRED = 100.0;
-    return "moon " + fixed(HUNDRED * night.summary.illumination, 0) + " % lit";
+    return "moon " + percent(night.summary.illumination, 0) + " % lit";
 }
 
 std::string darkEvents(const Report& report, std::size_t n) {

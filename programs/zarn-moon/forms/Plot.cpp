@@ -23,7 +23,7 @@ std::vector<MJD_DATE> instantsToDraw(const Night& night) {
     const auto last =
         sun.size() -
         static_cast<std::size_t>(std::find_if(sun.rbegin(), sun.rend(), isDown) - sun.rbegin());
-    const bool never = first >= last;
+    const bool never = first == sun.size();
     const std::size_t begin = never || first < MARGIN ? 0 : first - MARGIN;
     const std::size_t end = never ? sun.size() : std::min(sun.size(), last + MARGIN);
     std::vector<MJD_DATE> instants;

@@ -266,7 +266,7 @@ std::string scriptOf(const Report& report, const std::vector<Row>& rows) {
               "]\nset key outside top center horizontal\nset lmargin 9\nset rmargin 3\n";
     const std::string title = "Night of " + dateOf(settings.date) + " at " + settings.site.name +
                               " (" + coordinates(settings.site) + "): moon " +
-                              fixed(100.0 * summary.illumination, 0) + " % lit, " + summary.word;
+                              percent(summary.illumination, 0) + " % lit, " + summary.word;
     script +=
         sunLines(report.nights.front(), rows) + minimumAltitude(settings) + names(report, rows);
     if (brightest) {

@@ -27,13 +27,12 @@ std::string moonText(const Window& window) {
 
 /// The cells of a night, but for its rank.
 std::vector<std::string> nightCells(const NightLine& line, const TargetNight& night, bool local) {
-    constexpr double HUNDRED = 100.0;
     std::vector<std::string> cells = {dateOf(line.date), fixed(night.usableHours, HOURS_DECIMALS),
                                       fixed(night.darkEquivalentHours, HOURS_DECIMALS),
                                       windowTimes(night.best, false)};
     if (local) cells.push_back(windowTimes(night.best, true));
     cells.push_back(moonText(night.best));
-    cells.push_back(fixed(HUNDRED * line.summary.illumination, 0) + " %");
+    cells.push_back(percent(line.summary.illumination, 0) + " %");
     return cells;
 }
 

@@ -35,11 +35,6 @@ std::string hoursAndMinutes(double hours) {
     return text.str();
 }
 
-std::string percent(double fraction) {
-    constexpr double HUNDRED = 100.0;
-    return fixed(HUNDRED * fraction, 0) + " %";
-}
-
 /// The cells that begin a row: its time, and the local time if that is asked for.
 std::vector<std::string> timeCells(double mjd, const Settings& settings) {
     const bool minutes = isWholeMinutes(settings);
@@ -76,12 +71,12 @@ std::string skyTable(const Report& report) {
 }
 
 std::string moonSkyText(const Row& row, const TargetValues& values) {
-    if (values.altitude < 0.0) return "target down";
+    if (!values.airmass) return "target down";
     return row.moonUp ? fixedOr(values.moonSky, 2, "none") : "moon down";
 }
 
 std::string skyText(const Row& row, const TargetValues& values) {
-    if (values.altitude < 0.0) return "target down";
+    if (!values.airmass) return "target down";
     return fixedOr(values.sky, 2, row.sunAltitude < HORIZON ? "twilight" : "daylight");
 }
 
@@ -103,10 +98,7 @@ std::string windowText(const Settings& settings, const Target& target, const Win
 std::string targetTable(const Report& report, std::size_t target) {
     const Settings& settings = report.settings;
     Columns columns;
-    std::vector<std::string> title =
-        titles(settings, {"alt", "airmass", "moon dist", "moon sky", "sky"});
-    if (!report.windows.empty()) title.emplace_back("");
-    columns.add(title);
+    columns.add(titles(settings, {"alt", "airmass", "moon dist", "moon sky", "sky"}));
     for (const Row& row : report.rows) {
         const TargetValues& values = row.targets[target];
         std::vector<std::string> cells = timeCells(row.mjd, settings);
@@ -154,7 +146,8 @@ std::string nightText(const Report& report) {
     }
     text << '\n'
          << polarText(daylight) << "A " << summary.word << " night: the moon is "
-         << percent(summary.illumination) << " lit (phase " << fixed(summary.moonPhase, 3) << ");\n"
+         << percent(summary.illumination, 0) << " % lit (phase " << fixed(summary.moonPhase, 3)
+         << ");\n"
          << fixed(summary.darkHours, 1) << " of " << fixed(summary.astronomicalHours, 1)
          << " hours with the sun below -18 degrees are without moon.\n";
     if (eclipse) text << "\nThere is a " << eclipseText(*eclipse, settings.local);
@@ -181,7 +174,8 @@ std::string nightsTable(const Report& report) {
             return timesText(timesOf(inNight, name), local, "none");
         };
         columns.add({dateOf(date), fixed(summary.darkHours, 1), times("moonrise"), times("moonset"),
-                     percent(summary.illumination), summary.word, polarWords(daylight.course)});
+                     percent(summary.illumination, 0) + " %", summary.word,
+                     polarWords(daylight.course)});
     }
     return columns.text();
 }

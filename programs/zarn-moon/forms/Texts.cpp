@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <ctime>
 #include <iomanip>
-#include <limits>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
@@ -40,6 +40,11 @@ std::string fixedOnCircle(double number, int decimals, double circle) {
     return text == fixed(circle, decimals) ? fixed(0.0, decimals) : text;
 }
 
+std::string percent(double fraction, int decimals) {
+    constexpr double HUNDRED = 100.0;
+    return fixed(HUNDRED * fraction, decimals);
+}
+
 std::string asUtf8(const std::string& text) {
     using Json = nlohmann::json;
     const std::string quoted = Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
@@ -69,14 +74,11 @@ std::string localClock(double mjd, const char* format) {
 }
 
 std::string localTime(double mjd, const char* format) {
-    using Limits = std::numeric_limits<std::time_t>;
-    const double seconds = std::round((mjd - MJD_OF_EPOCH) * SECONDS_PER_DAY);
-    const bool fits = seconds > static_cast<double>(Limits::lowest()) &&
-                      seconds < static_cast<double>(Limits::max());
-    const auto time = static_cast<std::time_t>(fits ? seconds : 0.0);
+    const std::int64_t seconds = std::llround((mjd - MJD_OF_EPOCH) * SECONDS_PER_DAY);
+    const auto time = static_cast<std::time_t>(seconds);  // perhaps of 32 bits
     std::tm parts = {};
     std::array<char, 64> text = {};
-    if (!fits || ::localtime_r(&time, &parts) == nullptr)
+    if (time != seconds || ::localtime_r(&time, &parts) == nullptr)
         throw std::runtime_error("this system has no local time for " + minuteOf(mjd));
     std::strftime(text.data(), text.size(), format, &parts);
     return text.data();

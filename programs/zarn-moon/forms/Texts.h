@@ -36,6 +36,9 @@ std::string fixedOr(const std::optional<double>& number, int decimals, const std
 /// The same for a number on a circle: what would be rounded up to the full circle is 0.
 std::string fixedOnCircle(double number, int decimals, double circle);
 
+/// A fraction as percents, without their sign.
+std::string percent(double fraction, int decimals);
+
 /// A text as UTF-8: the replacement character U+FFFD takes the place of what is none.
 std::string asUtf8(const std::string& text);
 

@@ -1,7 +1,5 @@
 #include "zarn-moon/night/Eclipses.h"
 
-#include <zarnsys/util/Astronomy.h>
-
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -20,11 +18,7 @@ constexpr double HALF_SPAN = 0.25;  // [d], more than from a full moon to the en
 
 /// The full moon nearest to an instant [MJD], to some minutes.
 double fullMoonNear(double mjd) {
-    int lunation = 0;
-    lun_age(mjd + JD_OF_MJD_0, &lunation);
-    double jd = 0;
-    flmoon(lunation, FULL_MOON, &jd);
-    return jd - JD_OF_MJD_0;
+    return ephemerisOf(Theory::LIBRARY).phaseTime(lunationOf(mjd), FULL_MOON);
 }
 
 /// How deep the moon is in the Earth's shadow, minute by minute: angles from the outermost position
@@ -93,12 +87,12 @@ std::optional<Eclipse> eclipseOf(const Depths& depths) {
     if (reaches(depths.total)) eclipse.kind = "total";
     const auto add = [&](const char* name, const std::vector<double>& depth, bool begins) {
         for (const double time : crossings(depths.minutes, depth, begins))
-            eclipse.contacts.push_back({name, time, false});
+            eclipse.contacts.push_back({name, time});
     };
     add(CONTACTS[0], depths.penumbral, true);
     add(CONTACTS[1], depths.partial, true);
     add(CONTACTS[2], depths.total, true);
-    eclipse.contacts.push_back({CONTACTS[3], greatest(depths), false});
+    eclipse.contacts.push_back({CONTACTS[3], greatest(depths)});
     add(CONTACTS[4], depths.total, false);
     add(CONTACTS[5], depths.partial, false);
     add(CONTACTS[6], depths.penumbral, false);

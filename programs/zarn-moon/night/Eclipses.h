@@ -14,7 +14,7 @@ namespace zarn::moon {
 struct Contact {
     std::string name;  ///< as "partial begin"
     double mjd;
-    bool moonUp;  ///< at the site
+    bool moonUp = false;  ///< at the site
 };
 
 /// An eclipse of the moon.

@@ -51,6 +51,10 @@ public:
                                                     Equinox equinox, double mjd) const = 0;
 };
 
+/// The lunation that an instant [MJD] is in, as `flmoon` counts them; within some minutes of a new
+/// moon it may be a neighbour.
+int lunationOf(double mjd);
+
 /// The theory of a name.
 const Ephemeris& ephemerisOf(Theory theory);
 

@@ -2,7 +2,6 @@
 
 #include <erfa.h>
 #include <erfam.h>
-#include <zarnsys/util/Astronomy.h>
 
 #include <cmath>
 #include <utility>
@@ -10,6 +9,7 @@
 #include "shared/sky/DeltaT.h"
 #include "shared/sky/Units.h"
 #include "zarn-moon/night/Apparent.h"
+#include "zarn-moon/night/LibraryEphemeris.h"
 
 namespace zarn::moon {
 
@@ -46,8 +46,7 @@ public:
     double operator()(double mjd, double longitude) const {
         constexpr double TURNS_PER_DAY = 1.00273790935;  // with the precession in right ascension
         const double turns = TURNS_PER_DAY * (mjd - mjd_);
-        const double angle =
-            atDate_ + ERFA_D2PI * (turns - std::floor(turns)) - longitude / DEG_PER_RAD;
+        const double angle = atDate_ + ERFA_D2PI * turns - longitude / DEG_PER_RAD;
         const double hours = eraAnp(angle) * DEG_PER_RAD / DEG_PER_HOUR;
         return hours < HOURS_PER_DAY ? hours : 0.0;
     }
@@ -82,8 +81,7 @@ public:
 private:
     /// The library's new moons are some minutes off: its lunation may be a neighbour.
     void find(double mjd) {
-        int lunation = 0;
-        lun_age(mjd + JD_OF_MJD_0, &lunation);
+        const int lunation = lunationOf(mjd);
         begin_ = ephemeris_.phaseTime(lunation, 0);
         end_ = ephemeris_.phaseTime(lunation + 1, 0);
         if (mjd < begin_) {
@@ -177,9 +175,8 @@ double ErfaEphemeris::phaseTime(int lunation, int phase) const {
     };
     // The library's series is some minutes off: a line through two points near the phase is within
     // 0.1 s.
-    double jd = 0;
-    flmoon(lunation, phase, &jd);
-    const double first = jd - JD_OF_MJD_0 + deltaT(jd - JD_OF_MJD_0);
+    const double near = LibraryEphemeris().phaseTime(lunation, phase);
+    const double first = near + deltaT(near);
     const double aheadAtFirst = ahead(first);
     const double second = first - aheadAtFirst / DEG_PER_DAY;
     const double aheadAtSecond = ahead(second);

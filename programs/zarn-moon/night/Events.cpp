@@ -1,5 +1,3 @@
-#include <zarnsys/util/Astronomy.h>
-
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -14,11 +12,11 @@ namespace {
 
 /// How far west of the meridian the moon is: negative before its upper transit, positive after it.
 std::vector<double> westOfMeridian(const MoonGrid& moon) {
-    std::vector<double> result(moon.azimuth);
-    for (std::size_t i = 0; i < result.size(); ++i) {
+    std::vector<double> result;
+    for (std::size_t i = 0; i < moon.azimuth.size(); ++i) {
         // The factor of the altitude: near the zenith, the azimuth alone would jump.
-        result[i] =
-            -std::sin(moon.azimuth[i] / DEG_PER_RAD) * std::cos(moon.altitude[i] / DEG_PER_RAD);
+        result.push_back(-std::sin(moon.azimuth[i] / DEG_PER_RAD) *
+                         std::cos(moon.altitude[i] / DEG_PER_RAD));
     }
     return result;
 }
@@ -89,8 +87,7 @@ Daylight daylightOf(const Night& night) {
 
 std::vector<Phase> nextPhases(const Ephemeris& ephemeris, double mjd, double end) {
     constexpr int PHASES_PER_LUNATION = 4;
-    int lunation = 0;
-    lun_age(mjd + JD_OF_MJD_0, &lunation);
+    const int lunation = lunationOf(mjd);
     std::vector<Phase> phases;
     for (int quarter = 0;; ++quarter) {
         const int phase = quarter % PHASES_PER_LUNATION;

@@ -89,9 +89,9 @@ Summary summaryOf(const Night& night) {
 }
 
 Window bestWindow(const Night& night, const std::vector<bool>& allowed) {
-    std::vector<bool> withoutMoon(allowed);
+    std::vector<bool> withoutMoon;
     for (std::size_t i = 0; i < allowed.size(); ++i)
-        withoutMoon[i] = allowed[i] && isMoonDown(night, i);
+        withoutMoon.push_back(allowed[i] && isMoonDown(night, i));
     constexpr std::size_t LEAST_WITHOUT_MOON = 60;  // [min]
     const Stretch without = longest(withoutMoon);
     const Stretch any = longest(allowed);

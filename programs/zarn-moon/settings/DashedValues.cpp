@@ -68,11 +68,14 @@ private:
     }
     /// A word "--name" or "--name=value".
     void addLong(const std::string& word) {
-        const std::size_t equals = std::min(word.find('='), word.size());
-        const OptionRow* row = rowOf(word.substr(2, equals - 2), rows_);
-        if (takesValue(row) && equals == word.size()) awaiting_ = row;
-        result_.words.push_back(word.substr(0, equals));
-        if (equals < word.size()) result_.words.back() += "=" + marked(word.substr(equals + 1));
+        const std::size_t value = word.find('=') + 1;
+        if (value > 0) {
+            result_.words.push_back(word.substr(0, value) + marked(word.substr(value)));
+            return;
+        }
+        const OptionRow* const row = rowOf(word.substr(2), rows_);
+        if (takesValue(row)) awaiting_ = row;
+        result_.words.push_back(word);
     }
     /// A word "-abc": letters, the last one perhaps with its value.
     void addLetters(const std::string& word) {
