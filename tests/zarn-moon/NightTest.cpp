@@ -159,8 +159,10 @@ TEST(CurveNamesTest, ANameStandsWhereItIsTheClearest) {
             curves[0].points.push_back({in.at(i), in.at(i + 1)});
         const std::size_t own = name == "second" ? 1 : 0;
         std::swap(curves[0], curves[own]);
+        std::vector<double> result(2, NAN);
         const auto place = namePlaces(curves, {{in.at(0), {in.at(1), in.at(2)}}}).at(own);
-        return place ? std::vector{place->x, place->y} : std::vector<double>{NAN, NAN};
+        if (place) result = {place->x, place->y};
+        return result;
     });
 }
 
