@@ -47,10 +47,10 @@ testOutputReplaced() {
     local output='fits of é + 1'
     expectResults; properties
     start; arrive a; mv in/a in/a.hdr; waitFor [ -e done/a.hdr ]
-    mv "$output" old; mkdir "$output"; arrive b.hdr; waitFor [ -e done/b.hdr ]
+    mv "$output" old; mkdir "$output"; waitFor said "$output was replaced"; arrive b.hdr; waitFor [ -e done/b.hdr ]
+    told <<<"zarn-ingest: the directory $output was replaced; this run works in the new one"
     check "the old one" [ "$(ls -A old)" = a.fits ]
     mv old/a.fits "$output"
-    says "the directory $output was replaced; this run works in the new one"
     mv "$output" away; arrive c.hdr; waitFor said "directory $output: No such file"
     sleep 2.2; hasNot "$output"; has in/c.hdr
     mv away "$output"; waitFor [ -e done/c.hdr ]; waitFor said 'over: directory'
