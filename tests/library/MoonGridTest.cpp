@@ -155,6 +155,7 @@ TEST(MoonGridTest, PhasesDoNotDependOnTheOrderOfInstants) {
         ASSERT_NEAR(grid.altitude[i], c[ALTITUDE], instants[i] < 1e6 ? 1e-8 : 0.01) << instants[i];
     }
     EXPECT_EQ(grid.separation.targets(), 0U);
+    EXPECT_EQ(TargetTable().instants() + TargetTable().targets(), 0U);
 }
 
 TEST(MoonGridTest, AKeptGridIsFilledWhereItIs) {
